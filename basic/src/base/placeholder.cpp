@@ -1,0 +1,6 @@
+#include "basic/base/NbbASerializable.h"
+#include "basic/base/NbbAEnum.h"
+#include "basic/base/NbbGlobal.h"
+#include "basic/error/NbeAssertion.h"
+#include "basic/base/NbbCloneable.h"
+#include "basic/base/NbbIDebuggable.h"

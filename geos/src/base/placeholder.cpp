@@ -1,0 +1,1 @@
+namespace { int unused [[maybe_unused]] = 0; }
