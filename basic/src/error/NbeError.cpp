@@ -77,9 +77,7 @@ NbeMemoryError *NbeMemoryError::clone() const
   return new NbeMemoryError(*this);
 }
 
-NbeException::NbeException() : NbeError(INTERRUPTION, QString())
-{
-}
+NbeException::NbeException() : NbeError(INTERRUPTION, QString()) {}
 
 void NbeException::raise() const
 {

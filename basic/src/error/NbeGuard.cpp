@@ -13,7 +13,8 @@ QString describe(const char *name, const std::exception &exception)
 {
   const char *what = exception.what();
   return QStringLiteral("%1: %2").arg(
-      QString::fromLatin1(name), what ? QString::fromUtf8(what) : QStringLiteral("Unknown exception"));
+      QString::fromLatin1(name),
+      what ? QString::fromUtf8(what) : QStringLiteral("Unknown exception"));
 }
 
 }  // namespace

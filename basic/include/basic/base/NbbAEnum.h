@@ -6,7 +6,7 @@
 /// label (users). Instances of one class compare by value.
 class NbbAEnum
 {
- public:
+public:
   NbbAEnum(const QString &label, int value, const char *key);
   NbbAEnum(const NbbAEnum &) = default;
   NbbAEnum &operator=(const NbbAEnum &) = default;
@@ -17,7 +17,7 @@ class NbbAEnum
   const char *getKey() const { return _key; }
   QString getKeyString() const { return QString::fromLatin1(_key); }
 
- private:
+private:
   QString _label;
   int _value;
   const char *_key;

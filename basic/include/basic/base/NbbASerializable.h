@@ -12,7 +12,7 @@ class QString;
 /// 5.15, big-endian and double precision for the call and restored afterwards.
 class NbbASerializable
 {
- public:
+public:
   virtual ~NbbASerializable();
 
   /// Writes the object. Fails (NbeError of type STORAGE) when the stream cannot take it.
@@ -22,7 +22,7 @@ class NbbASerializable
   /// stream is an NbeUserError that names the class and the reason.
   void unserialize(QDataStream &stream);
 
- protected:
+protected:
   /// Versions that this class can read, oldest first, as yymmdd.
   virtual QList<unsigned int> _serializedVersions() const = 0;
 

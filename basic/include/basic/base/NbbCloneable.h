@@ -9,7 +9,7 @@
 template <class T, class Base>
 class NbbCloneable : public Base
 {
- public:
+public:
   using Base::Base;
   NbbCloneable() = default;
   explicit NbbCloneable(const Base &base) : Base(base) {}
@@ -17,6 +17,6 @@ class NbbCloneable : public Base
   /// A new copy; the caller owns it.
   T *clone() const { return static_cast<T *>(this->_clone()); }
 
- protected:
+protected:
   Base *_clone() const override { return new T(static_cast<const T &>(*this)); }
 };

@@ -9,7 +9,7 @@
 /// Constants of the libraries (undefined values, bounds) and small conversions.
 class NbbGlobal
 {
- public:
+public:
   /// The undefined double: 2^100. F_FFFF is the same value, so converting either way is exact.
   static constexpr double D_FFFF = 0x1p100;
   static constexpr float F_FFFF = 0x1p100f;

@@ -5,7 +5,7 @@
 /// Objects that can describe themselves in a text of several lines, for logs and diagnostics.
 class NbbIDebuggable
 {
- public:
+public:
   virtual ~NbbIDebuggable() = default;
 
   /// `level` is an indentation or detail level, as each class says.

@@ -2,8 +2,8 @@
 
 #include <QString>
 
-/// Programming errors in the assertion form: "'%1' in file '%2' failed:\n\n%3" with the signature of
-/// the failing function, its source path and the condition.
+/// Programming errors in the assertion form: "'%1' in file '%2' failed:\n\n%3" with the signature
+/// of the failing function, its source path and the condition.
 namespace NbeAssertion {
 
 /// The path shown for a source file: relative to the source root of its library, without extension,

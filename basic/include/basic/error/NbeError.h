@@ -9,7 +9,7 @@
 /// (an interruption) before NbeError, and NbeError before std::exception.
 class NbeError : public QException
 {
- public:
+public:
   enum ErrorType {
     NO_ERROR_TYPE = 0,
     USER = 1,          ///< a condition that the user can mend
@@ -37,7 +37,7 @@ class NbeError : public QException
   void raise() const override;
   NbeError *clone() const override;
 
- private:
+private:
   ErrorType _type;
   QString _message;
   Qt::TextFormat _format;

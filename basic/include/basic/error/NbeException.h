@@ -5,7 +5,7 @@
 /// The interruption of a run: somebody asked it to stop. Carries no message.
 class NbeException : public NbeError
 {
- public:
+public:
   NbeException();
 
   void raise() const override;

@@ -5,7 +5,7 @@
 /// There is not enough memory, or a memory budget is too small.
 class NbeMemoryError : public NbeError
 {
- public:
+public:
   explicit NbeMemoryError(const QString &message, Qt::TextFormat format = Qt::PlainText);
 
   void raise() const override;

@@ -5,7 +5,7 @@
 /// Misuse of an interface or an impossible configuration.
 class NbeProgrammingError : public NbeError
 {
- public:
+public:
   explicit NbeProgrammingError(const QString &message, Qt::TextFormat format = Qt::PlainText);
 
   void raise() const override;

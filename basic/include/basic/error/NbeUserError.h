@@ -5,7 +5,7 @@
 /// A condition that the user can mend; the message is shown as it is.
 class NbeUserError : public NbeError
 {
- public:
+public:
   explicit NbeUserError(const QString &message, Qt::TextFormat format = Qt::PlainText);
 
   void raise() const override;
