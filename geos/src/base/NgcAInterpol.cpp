@@ -4,6 +4,7 @@
 #include "basic/error/NbeAssertion.h"
 #include "basic/error/NbeMemoryError.h"
 #include "basic/error/NbeUserError.h"
+#include "basic/interval/NbiIntervalIntLarge.h"
 #include "basic/provider/NbpIProviderR.h"
 #include "geos/data/NgdABufferManager.h"
 #include "geos/data/NgdADataSet.h"
@@ -47,10 +48,6 @@ const NgdADataSet *NgcAInterpol::getInputDataset() const
 const NgdADataSet *NgcAInterpol::getOutputDataset() const
 {
   return _getDataset(Nbd::Dataset::OUTPUT);
-}
-
-void NgcAInterpol::setSupportPoint()
-{
 }
 
 void NgcAInterpol::setUsingUniqueNeighborhood()
@@ -247,7 +244,8 @@ void NgcAInterpol::_estimateNeededMemory()
   if (!_usingMoving)
     return;
   const NgdADataSet &input = *getInputDataset();
-  const qint64 nSamples = input.getNSamples();
+  const qint64 nSamples = input.getDataProvider()->getSelectedSampleCount(
+      NbiIntervalIntLarge::fromLength(input.getNSamples()));
   _neededMemory = nSamples * input.getSampleSizeBytes();
   const qint64 available = getAvailableMemBytes();
   if (available / 2 >= _neededMemory)

@@ -23,7 +23,6 @@ public:
   void setOutputDataSet(const NgdADataSet &dataSet) override;
   const NgdADataSet *getInputDataset() const override;
   const NgdADataSet *getOutputDataset() const override;
-  void setSupportPoint() override;
   void setUsingUniqueNeighborhood() override;
   void setUsingMovingNeighborhood(const NgmNeighborhoodMoving &parameters) override;
   void setOnErrorBehavior(Ngc::OnErrorBehavior behavior) override;
@@ -59,7 +58,6 @@ public:
   const NbdDataPoints &getAllInputData() const;
 
 protected:
-  /// `key` names the calculator; `role` is that of the interpolated variables.
   explicit NgcAInterpol(const QString &key);
 
   void _doRun() override;
@@ -88,7 +86,6 @@ private:
     Ngc::InterpolError type;
   };
 
-  void _checkSelections() const;
   void _estimateNeededMemory();
   void _loadInput();
   void _clearErrors();

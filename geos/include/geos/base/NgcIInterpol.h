@@ -21,9 +21,6 @@ public:
   virtual const NgdADataSet *getInputDataset() const = 0;
   virtual const NgdADataSet *getOutputDataset() const = 0;
 
-  /// Targets are points.
-  virtual void setSupportPoint() = 0;
-
   /// Every target uses all samples.
   virtual void setUsingUniqueNeighborhood() = 0;
 
