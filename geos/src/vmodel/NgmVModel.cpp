@@ -80,7 +80,9 @@ void NgmVModelCovaCacheDeleter::operator()(NgmVModelCovaCache *cache) const
 }
 
 NgmVModel::NgmVModel(int nVariables)
-    : _nVariables(nVariables), _nugget(nVariables, nVariables, true), _c00(nVariables, nVariables, true)
+    : _nVariables(nVariables),
+      _nugget(nVariables, nVariables, true),
+      _c00(nVariables, nVariables, true)
 {
   if (nVariables < 0 || nVariables > MAXIMUM_VARIABLES)
     throw NbeProgrammingError(QStringLiteral("NgmVModel::NgmVModel: invalid number of variables."));
@@ -326,8 +328,8 @@ void NgmVModel::setGlobalRotation(const NbgRotation &rotation)
 
 void NgmVModel::setAnisotropy(int index, const NbgVector3D &anisotropy)
 {
-  NgmAVStruct &structure = _changeStructure(
-      index, "Bad rank detected when setting the anisotropies for a structure");
+  NgmAVStruct &structure =
+      _changeStructure(index, "Bad rank detected when setting the anisotropies for a structure");
   bool allNull = true;
   for (int axis = 0; axis < _context.getNDimensions(); ++axis)
     allNull = allNull && anisotropy[axis] == 0.;
@@ -376,8 +378,7 @@ void NgmVModel::updateScaleFactor(int index, double practicalRange)
 
 void NgmVModel::setAuxiliaryParameter(int index, int parameter, double value)
 {
-  _changeStructure(index,
-                   "Bad rank detected when setting the auxiliary parameter for a structure")
+  _changeStructure(index, "Bad rank detected when setting the auxiliary parameter for a structure")
       .setAuxiliaryParameter(parameter, value);
 }
 
@@ -771,8 +772,8 @@ void NgmVModel::_readStructure(QDataStream &stream)
   NbgVector3D anisotropy;
   stream >> key >> practicalScale >> anisotropy;
   _checkStream(stream);
-  std::unique_ptr<NgmAVStruct> structure = NgmVStructFactory::createTemplateVStruct(
-      NgmEVStruct::fromKey(key, NgmEVStruct::UNKNOWN));
+  std::unique_ptr<NgmAVStruct> structure =
+      NgmVStructFactory::createTemplateVStruct(NgmEVStruct::fromKey(key, NgmEVStruct::UNKNOWN));
   if (!structure || structure->getIRFDegree() > _context.getMaxIrfDegree())
     _refuse(QObject::tr("unknown structure type"));
   if (!NbbGlobal::isDefined(practicalScale) || practicalScale <= 1e-30)

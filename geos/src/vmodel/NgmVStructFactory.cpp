@@ -18,21 +18,21 @@ template <class Visitor>
 std::unique_ptr<NgmAVStruct> visitClass(const NgmEVStruct &type, Visitor visitor)
 {
   switch (type.toEnum()) {
-    case NgmEVStruct::E_EXPONENTIAL:
+    case NgmEVStruct::EValue::EXPONENTIAL:
       return visitor(static_cast<NgmVStructExponential *>(nullptr));
-    case NgmEVStruct::E_SPHERICAL:
+    case NgmEVStruct::EValue::SPHERICAL:
       return visitor(static_cast<NgmVStructSpherical *>(nullptr));
-    case NgmEVStruct::E_CUBIC:
+    case NgmEVStruct::EValue::CUBIC:
       return visitor(static_cast<NgmVStructCubic *>(nullptr));
-    case NgmEVStruct::E_GAUSSIAN:
+    case NgmEVStruct::EValue::GAUSSIAN:
       return visitor(static_cast<NgmVStructGaussian *>(nullptr));
-    case NgmEVStruct::E_SINCARD:
+    case NgmEVStruct::EValue::SINCARD:
       return visitor(static_cast<NgmVStructSincard *>(nullptr));
-    case NgmEVStruct::E_STABLE:
+    case NgmEVStruct::EValue::STABLE:
       return visitor(static_cast<NgmVStructStable *>(nullptr));
-    case NgmEVStruct::E_GAMMA:
+    case NgmEVStruct::EValue::GAMMA:
       return visitor(static_cast<NgmVStructGamma *>(nullptr));
-    case NgmEVStruct::E_GENERALIZED_CAUCHY:
+    case NgmEVStruct::EValue::GENERALIZED_CAUCHY:
       return visitor(static_cast<NgmVStructCauchy *>(nullptr));
     default:
       return nullptr;

@@ -49,7 +49,8 @@ Points paddedCopy(int n, const Points &samples, NgmVModelCovaCache &cache)
 
 /// The pairs of samples firstRow .. firstRow + rows - 1 and firstColumn .. firstColumn + 7. Pair
 /// (r, c) of the block is at c * rows + r.
-struct PairBlock {
+struct PairBlock
+{
   int firstRow;
   int rows;
   int firstColumn;
@@ -113,8 +114,7 @@ void storeUpper(const PairBlock &block, int n, const double *values, double *cov
 }
 
 /// Writes the block's mirror image below the diagonal. A row of the block is contiguous there.
-void storeMirrored(const PairBlock &block, int n, const double *values, double *covas,
-                   int rowCount)
+void storeMirrored(const PairBlock &block, int n, const double *values, double *covas, int rowCount)
 {
   const int columns = block.columnCount(n);
   const int rows = std::min(block.rows, n - block.firstRow);
