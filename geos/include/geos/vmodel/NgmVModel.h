@@ -1,0 +1,229 @@
+#pragma once
+
+#include "basic/base/NbbASerializable.h"
+#include "basic/base/NbbIDebuggable.h"
+#include "basic/geom/NbgRotation.h"
+#include "geos/matrix/NgmMatrix.h"
+#include "geos/vmodel/NgmModelContext.h"
+
+#include <QStringList>
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+class NbdVariableDouble;
+class NbgVector3D;
+class NgmAVStruct;
+class NgmTarget;
+class NgmVModelCovaCache;
+
+struct NgmVModelCovaCacheDeleter
+{
+  void operator()(NgmVModelCovaCache *cache) const;
+};
+
+/// Scratch memory of the bulk evaluators. It grows when it has to and never shrinks; one per
+/// thread.
+using NgmVModelCovaCachePtr = std::unique_ptr<NgmVModelCovaCache, NgmVModelCovaCacheDeleter>;
+
+/// Variogram model of N variables: a linear model of coregionalization.
+///
+/// Formula:  C_ij(h) = sum_k S_k(i,j) rho_k(h)                    for h != 0
+///           C_ij(0) = Nugget(i,j) + sum_k S_k(i,j) rho_k(0)
+///           with rho_k the normalized covariance of structure k (NgmAVStruct)
+/// Units:    covariances in products of the units of two variables; ranges are practical ranges
+/// Shape:    nugget and sill matrices are N x N, symmetric; matrices of the bulk evaluators are
+///           ordered by sample, then by variable: sample s and variable a stand at s * N + a
+/// Requires: sill matrices without negative eigenvalue
+/// Threads:  evaluation is const; several threads may read one model, each with its own cache.
+///           Changing a model must not overlap with reading it.
+/// Source:   Journel and Huijbregts (1978), Mining Geostatistics, ch. III.B; Wackernagel (2003),
+///           Multivariate Geostatistics, ch. 26
+class NgmVModel : public NbbASerializable, public NbbIDebuggable
+{
+public:
+  /// What a bulk evaluator fills of a symmetric matrix.
+  enum class MatrixPart {
+    Full,  ///< both triangles when the matrix must be symmetrical, else the upper one
+    Upper  ///< diagonal and upper triangle; the strict lower triangle keeps what it held
+  };
+
+  /// A model of `nVariables` (1 to 999) without structure and nugget, in the context (-1, 3, 0).
+  explicit NgmVModel(int nVariables);
+  NgmVModel(const NgmVModel &other);
+  NgmVModel &operator=(const NgmVModel &other);
+  ~NgmVModel() override;
+
+  /// Nothing when the number is the current one; otherwise the model is emptied.
+  virtual void setNVariables(int nVariables);
+
+  /// It has a structure, or a nugget.
+  virtual bool isValid() const;
+
+  int getNVariables() const { return _nVariables; }
+  int getNStructures() const { return int(_structures.size()); }
+
+  /// Highest drift degree that a structure requires; -1 when all are stationary.
+  int getEffectiveIrfDegree() const { return _effectiveIrfDegree; }
+  bool isStrictStationary() const { return _effectiveIrfDegree == -1; }
+
+  const NgmModelContext &getContext() const { return _context; }
+
+  /// The context of the model and of every structure. When a structure needs a higher drift degree
+  /// the call fails and those before it keep the new context.
+  void setContext(const NgmModelContext &context);
+  void setContextNDim(int nDimensions);
+  void setContextIrfDegree(int maxIrfDegree);
+  void setContextFieldSize(double fieldSize);
+
+  /// Appends a structure of the type with that label, with the same positive sill for every
+  /// variable and no correlation between them. Returns its index.
+  int addStructure(const QString &label, double sill);
+  int addStructure(const QString &label, const NgmMatrix &sills);
+
+  /// Appends a copy of the structure in the context of the model.
+  int addStructure(const NgmAVStruct &structure, const NgmMatrix &sills);
+
+  virtual void removeStructure(int index);
+  virtual void removeNugget();
+
+  const NgmAVStruct &getStructure(int index) const;
+  QString getStructureLabel(int index) const;
+
+  const NgmMatrix &getNuggetMatrix() const { return _nugget; }
+  double getNugget(int i, int j) const { return _nugget.getElement(i, j); }
+
+  /// Some element is larger than the precision of the nugget matrix in absolute value.
+  bool hasNugget() const;
+  void setNugget(int i, int j, double value);
+  void setNuggetMatrix(const NgmMatrix &nugget);
+
+  /// Variable `variable` has a nugget and no structure.
+  bool isPureNugget(int variable) const;
+  bool hasPureNuggetVariable() const;
+
+  const NgmMatrix &getCoregionalisationMatrix(int index) const;
+  void setCoregionalisationMatrix(int index, const NgmMatrix &sills);
+  void setCoregionalisationMatElem(int index, int i, int j, double value);
+
+  /// Sill of a variable in structure `index`. For a structure whose scale is not a range the value
+  /// is its variogram at distance `h` when `h` is defined.
+  double getSill(int index, int variable, double h) const;
+
+  /// Covariance at the origin, nugget included.
+  const NgmMatrix &getC00Matrix() const;
+  double getC0IJ(int i, int j) const;
+
+  void setRotation(int index, const NbgRotation &rotation);
+  void setGlobalRotation(const NbgRotation &rotation);
+
+  /// Coefficients by axis, none negative, not all 0.
+  void setAnisotropy(int index, const NbgVector3D &anisotropy);
+  void setRanges(int index, const NbgVector3D &practicalRanges);
+
+  /// One practical range, those of the other axes being kept.
+  void setRange(int index, int axis, double practicalRange);
+  void setRangeIsotropic(int index, double practicalRange);
+  void updateToIsotropic(int index);
+
+  /// Practical range along the axis of coefficient 1; the anisotropy stays.
+  void updateScaleFactor(int index, double practicalRange);
+  void setAuxiliaryParameter(int index, int parameter, double value);
+
+  /// Rotation of the first structure; of the whole model when hasGlobalRotation().
+  const NbgRotation &getGlobalRotation() const { return _globalRotation; }
+
+  /// Some structure is rotated.
+  bool hasRotation() const { return _hasRotation; }
+
+  /// All structures share one rotation (within 1e-9).
+  bool hasGlobalRotation() const { return _hasGlobalRotation; }
+
+  /// Rotation of the structure with the largest sill of variable 0, the first of equal ones; the
+  /// global rotation when no sill is positive.
+  const NbgRotation &getMajorRotation() const;
+
+  /// Largest practical range of the structures by axis of the global rotation. Fails when the
+  /// rotations differ.
+  NbgVector3D getGlobalRange() const;
+
+  bool isIsotropic() const;
+  bool isIsotropic2D() const;
+
+  /// covas(i,j) = C_ij(h). An isotropic structure is evaluated at the reduced vector of the last
+  /// anisotropic one before it (at h when there is none); calcCovaIJ() is not. Only h exactly 0 is
+  /// the origin.
+  void calcCova(const NbgVector3D &h, NgmMatrix &covas) const;
+
+  /// C_ij(h), each structure at its own reduced vector. A vector with all components below 1e-10 in
+  /// absolute value is the origin.
+  double calcCovaIJ(int i, int j, const NbgVector3D &h) const;
+
+  /// gamma_ij(h) = C_ij(0) - C_ij(h).
+  double calcVarioIJ(int i, int j, const NbgVector3D &h) const;
+
+  /// rho_k(h), without sill.
+  double calcElementaryStructure(const NbgVector3D &h, int index) const;
+
+  /// Covariances between all samples. The matrix needs N * n rows and as many columns at least; all
+  /// the rest of it (of its upper triangle, see MatrixPart) becomes 0. The nugget stands between a
+  /// sample and itself only. Without a cache a temporary one is made.
+  void calcAllCovas(const NbdVariableDouble &x, const NbdVariableDouble &y,
+                    const NbdVariableDouble &z, NgmMatrix &covas,
+                    NgmVModelCovaCache *cache = nullptr, MatrixPart part = MatrixPart::Full) const;
+  void calcAllCovas(int n, const double *x, const double *y, const double *z, NgmMatrix &covas,
+                    NgmVModelCovaCache *cache = nullptr, MatrixPart part = MatrixPart::Full) const;
+
+  /// Covariances between all samples (rows) and the target point (columns: its variables). The
+  /// matrix has N columns and N * n rows at least; the rest becomes 0. A sample nearer than 1e-15
+  /// gets the nugget.
+  void calcCovasPointSet(const NgmTarget &target, const NbdVariableDouble &x,
+                         const NbdVariableDouble &y, const NbdVariableDouble &z, NgmMatrix &covas,
+                         NgmVModelCovaCache *cache = nullptr) const;
+  void calcCovasPointSet(const NbgVector3D &target, int n, const double *x, const double *y,
+                         const double *z, NgmMatrix &covas,
+                         NgmVModelCovaCache *cache = nullptr) const;
+
+  static NgmVModelCovaCachePtr getCovaCache();
+
+  /// Makes nugget and sill matrices positive semi-definite and tests that the covariance at the
+  /// origin is positive definite and that the ranges cover every direction of space; fails when
+  /// they cannot be.
+  bool makeAuthorized();
+
+  virtual QString briefSummary(int variable1, int variable2) const;
+
+  /// Lines on the whole model.
+  virtual QStringList summary(bool withContext, bool withSills, int level) const;
+
+  QString debug(int level) const override;
+
+protected:
+  QList<unsigned int> _serializedVersions() const override;
+  unsigned int _currentSerializedVersion() const override;
+  void _serialize(QDataStream &stream) const override;
+  void _unserialize(QDataStream &stream, unsigned int version) override;
+  bool _hasValidFirstVersion() const override;
+
+  int _addStructure(const NgmAVStruct &structure, const NgmMatrix &sills);
+  void _setScaleFactor(int index, double practicalRange);
+
+  /// Recomputes what follows from the structures: rotation flags, C00, effective drift degree.
+  void _validateModel();
+
+private:
+  NgmModelContext _context = NgmModelContext(-1, 3, 0.);
+  int _nVariables;
+  int _effectiveIrfDegree = -1;
+  bool _hasRotation = false;
+  bool _hasGlobalRotation = true;
+  NbgRotation _globalRotation;
+  NgmMatrix _nugget;
+  std::vector<std::unique_ptr<NgmAVStruct>> _structures;
+  std::vector<NgmMatrix> _sills;
+  mutable std::mutex _c00Mutex;
+  mutable NgmMatrix _c00;
+  mutable std::atomic<bool> _c00Valid{false};
+};
