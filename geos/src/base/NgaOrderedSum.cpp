@@ -30,7 +30,11 @@ void NgaOrderedSum::add(qint64 rank, std::unique_ptr<NgaIAdditive> partial)
     _pending.erase(sibling);
     ++level;
   }
-  _pending[{first, level}] = std::move(partial);
+  std::unique_ptr<NgaIAdditive> &node = _pending[{first, level}];
+  if (node)
+    node->doSum(*partial);
+  else
+    node = std::move(partial);
 }
 
 void NgaOrderedSum::flushInto(NgaIAdditive &total)
