@@ -26,6 +26,7 @@ NgcAInterpol::NgcAInterpol(const QString &key)
     : _key(key), _unique(Nbd::Role::V), _moving(Nbd::Role::V)
 {
   _setNeedCoordinates(true);
+  _setNeedSampleNumber(true);
 }
 
 NgcAInterpol::~NgcAInterpol() = default;

@@ -62,6 +62,9 @@ public:
   const NbdVariableDouble &getY() const { return *_selected->getCoordinates(1); }
   const NbdVariableDouble &getZ() const { return *_selected->getCoordinates(2); }
 
+  /// Values of main variable `index` in the selected samples.
+  const double *getMainValues(int index) const;
+
   /// Variables of a role in the selected samples.
   QList<NbdAVariableNumeric *> getNumericVariables(const QString &role) const;
 
@@ -82,7 +85,7 @@ private:
   };
 
   void _checkParameters() const;
-  void _prepareColumns();
+  void _prepareColumns(const QList<NbdAVariableNumeric *> &mainVariables);
   void _findUsableSamples(const QList<NbdAVariableNumeric *> &mainVariables);
   const NgcENeighborhoodErrorCode &_selectLevel();
   void _measure(int nProposals);
@@ -111,5 +114,6 @@ private:
 
   NbdDataPoints _neighbors;
   std::vector<_Column> _columns;
+  std::vector<const NbdVariableDouble *> _mainColumns;
   const NbdDataPoints *_selected = nullptr;
 };

@@ -33,6 +33,8 @@ void NgdNeighborhoodContext::initialize(const NgdANeighborhood &neighborhood,
     _count = _selected->getNSamples();
     _ranks.resize(_count);
     std::iota(_ranks.begin(), _ranks.end(), 0);
+    for (const NbdAVariableNumeric *variable : mainVariables)
+      _mainColumns.push_back(dynamic_cast<const NbdVariableDouble *>(variable));
     return;
   }
 
@@ -46,7 +48,7 @@ void NgdNeighborhoodContext::initialize(const NgdANeighborhood &neighborhood,
   _takesNearest = parameters.getSplittedSectorsNumber() <= 1 &&
                   (parameters.isRuleAnisotropicDistances() || _moving->isScalingUniform());
   _sectorCounts.resize(std::max(1, parameters.getSplittedSectorsNumber()));
-  _prepareColumns();
+  _prepareColumns(mainVariables);
   _findUsableSamples(mainVariables);
 }
 
@@ -76,6 +78,11 @@ int NgdNeighborhoodContext::getMaximumCount() const
   return _unique ? _count : _moving->getMaximumNeighborsCount();
 }
 
+const double *NgdNeighborhoodContext::getMainValues(int index) const
+{
+  return _mainColumns[index]->getArrayConst();
+}
+
 QList<NbdAVariableNumeric *> NgdNeighborhoodContext::getNumericVariables(const QString &role) const
 {
   return _selected->getDataTableConst().getVarsNumeric(role);
@@ -90,7 +97,7 @@ void NgdNeighborhoodContext::_checkParameters() const
     throw NbeUserError(QObject::tr("Wrong neighborhood parameters:\n%1").arg(errors.join(QString())));
 }
 
-void NgdNeighborhoodContext::_prepareColumns()
+void NgdNeighborhoodContext::_prepareColumns(const QList<NbdAVariableNumeric *> &mainVariables)
 {
   const NbdDataPoints &data = _moving->getAllData();
   _neighbors.setNDimensions(data.getNDimensions());
@@ -104,6 +111,12 @@ void NgdNeighborhoodContext::_prepareColumns()
     const auto *fromDouble = dynamic_cast<const NbdVariableDouble *>(from[i]);
     _columns.push_back({from[i], to[i], toDouble, toDouble ? fromDouble->getArrayConst() : nullptr});
   }
+  for (const NbdAVariableNumeric *variable : mainVariables) {
+    const int column = from.indexOf(const_cast<NbdAVariableNumeric *>(variable));
+    if (column < 0 || !_columns[column].toDouble)
+      NBE_FAIL(QStringLiteral("Wrong number of main variables"));
+    _mainColumns.push_back(_columns[column].toDouble);
+  }
   _x = data.getCoordinates(0)->getArrayConst();
   _y = data.getCoordinates(1)->getArrayConst();
   _z = data.getCoordinates(2)->getArrayConst();
@@ -114,8 +127,6 @@ void NgdNeighborhoodContext::_findUsableSamples(const QList<NbdAVariableNumeric 
   const int n = _moving->getAllData().getNSamples();
   _usable.assign(n, 0);
   for (const NbdAVariableNumeric *variable : mainVariables) {
-    if (variable->getNValues() != n)
-      NBE_FAIL(QStringLiteral("Wrong number of main variables"));
     for (int rank = 0; rank < n; ++rank)
       _usable[rank] |= !variable->isUndefined(rank);
   }
