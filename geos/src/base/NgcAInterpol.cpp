@@ -87,8 +87,8 @@ QString NgcAInterpol::getInterpolErrorsMessage() const
   QString text = QObject::tr("The interpolation process encountered errors:") + QLatin1Char('\n');
   int number = 0;
   for (const _TargetError &error : _firstErrors)
-    text += QObject::tr("Error #") + QString::number(++number) + QLatin1String(": ") + error.message +
-            QLatin1Char('\n');
+    text += QObject::tr("Error #") + QString::number(++number) + QLatin1String(": ") +
+            error.message + QLatin1Char('\n');
   if (count > maximumReportedErrors)
     text += QObject::tr("Only 10 first errors are reported...");
   return text;
@@ -223,13 +223,9 @@ const NgdADataSet *NgcAInterpol::_bufferDataset() const
   return getOutputDataset();
 }
 
-void NgcAInterpol::_preLaunchThreads()
-{
-}
+void NgcAInterpol::_preLaunchThreads() {}
 
-void NgcAInterpol::_postLaunchThreads()
-{
-}
+void NgcAInterpol::_postLaunchThreads() {}
 
 void NgcAInterpol::_prepareRun()
 {
@@ -253,8 +249,9 @@ void NgcAInterpol::_estimateNeededMemory()
     return;
   throw NbeMemoryError(
       QObject::tr("There is not enough available memory to perform the interpolation.\n") +
-      QObject::tr("Available memory : ") + NbbSysInfo::getStringSize(available) + QLatin1Char('\n') +
-      QObject::tr("Needed memory : ") + NbbSysInfo::getStringSize(_neededMemory) + QLatin1Char('\n') +
+      QObject::tr("Available memory : ") + NbbSysInfo::getStringSize(available) +
+      QLatin1Char('\n') + QObject::tr("Needed memory : ") +
+      NbbSysInfo::getStringSize(_neededMemory) + QLatin1Char('\n') +
       QObject::tr("(Number of samples = ") + QString::number(nSamples) + QLatin1Char(')'));
 }
 

@@ -43,9 +43,7 @@ void NgcAKriging::_preLaunchThreads()
     _buildUniqueKrigingSystem();
 }
 
-void NgcAKriging::_postLaunchThreads()
-{
-}
+void NgcAKriging::_postLaunchThreads() {}
 
 void NgcAKriging::_setModelContext()
 {

@@ -4,9 +4,7 @@
 
 #include <QObject>
 
-NgcKriging::NgcKriging(const QString &key) : NgcAKriging(key)
-{
-}
+NgcKriging::NgcKriging(const QString &key) : NgcAKriging(key) {}
 
 NgcKriging::~NgcKriging()
 {

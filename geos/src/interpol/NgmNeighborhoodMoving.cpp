@@ -6,9 +6,7 @@
 
 #include <algorithm>
 
-NgmNeighborhoodMoving::NgmNeighborhoodMoving() : _ellipseSize(1000., 1000., 1000.)
-{
-}
+NgmNeighborhoodMoving::NgmNeighborhoodMoving() : _ellipseSize(1000., 1000., 1000.) {}
 
 bool NgmNeighborhoodMoving::operator==(const NgmNeighborhoodMoving &other) const
 {
@@ -16,8 +14,7 @@ bool NgmNeighborhoodMoving::operator==(const NgmNeighborhoodMoving &other) const
          _ruleAnisotropicDistances == other._ruleAnisotropicDistances &&
          _sectorsNumber == other._sectorsNumber && _splitSectors == other._splitSectors &&
          _maximumNumberPerSector == other._maximumNumberPerSector &&
-         _minimumNumber == other._minimumNumber &&
-         _ruleMaximumNumber == other._ruleMaximumNumber &&
+         _minimumNumber == other._minimumNumber && _ruleMaximumNumber == other._ruleMaximumNumber &&
          (!_ruleMaximumNumber || _maximumNumber == other._maximumNumber);
 }
 
@@ -92,7 +89,9 @@ bool NgmNeighborhoodMoving::checkParameters(int dimension, QStringList &errors,
 
 QString NgmNeighborhoodMoving::debug(int) const
 {
-  const auto flag = [](bool value) { return value ? QStringLiteral("true") : QStringLiteral("false"); };
+  const auto flag = [](bool value) {
+    return value ? QStringLiteral("true") : QStringLiteral("false");
+  };
   QString text;
   text += QStringLiteral("Ellipse: size=%1 rot=%2\n")
               .arg(_ellipseSize.toString(), _ellipseRotation.toString());

@@ -6,9 +6,7 @@
 
 NgmTarget::NgmTarget() = default;
 
-NgmTarget::NgmTarget(const NbgVector3D &center) : _center(center)
-{
-}
+NgmTarget::NgmTarget(const NbgVector3D &center) : _center(center) {}
 
 NgmTarget::NgmTarget(const NbgVector3D &center, const NgmABlock &block)
     : _center(center), _block(block.clone()), _isBlock(true)

@@ -81,7 +81,8 @@ protected:
   qint64 _getNeededMemory() const { return _neededMemory; }
 
 private:
-  struct _TargetError {
+  struct _TargetError
+  {
     QString message;
     Ngc::InterpolError type;
   };

@@ -40,8 +40,7 @@ public:
 
   /// Selects the neighbors of a point. `nestedIndex` receives the search level that was used: 0 the
   /// standard one, -1 for none and for a unique neighborhood. Failures leave no neighbor.
-  const NgcENeighborhoodErrorCode &setTargetLocation(const NbgVector3D &location,
-                                                     int *nestedIndex);
+  const NgcENeighborhoodErrorCode &setTargetLocation(const NbgVector3D &location, int *nestedIndex);
 
   const NgmTarget &getTarget() const { return _target; }
 
@@ -69,7 +68,8 @@ public:
   QList<NbdAVariableNumeric *> getNumericVariables(const QString &role) const;
 
 private:
-  struct _Candidate {
+  struct _Candidate
+  {
     double key;
     double squaredDistance;
     int rank;
@@ -77,7 +77,8 @@ private:
   };
 
   /// A column of the loaded samples and its twin in the neighbors.
-  struct _Column {
+  struct _Column
+  {
     const NbdAVariable *from;
     NbdAVariable *to;
     NbdVariableDouble *toDouble;

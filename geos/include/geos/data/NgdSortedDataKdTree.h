@@ -15,7 +15,8 @@ class NgdSortedDataKdTree : public NbbIDebuggable
 {
 public:
   /// Ranks proposed by a query, and the scratch memory of queries. One per thread.
-  struct Proposals {
+  struct Proposals
+  {
     std::vector<int> ranks;
     std::vector<double> distances;
     int count = 0;

@@ -39,7 +39,10 @@ public:
   bool isSplitSectors() const { return _splitSectors; }
 
   /// Number of sectors, twice as many when they are split.
-  int getSplittedSectorsNumber() const { return _splitSectors ? 2 * _sectorsNumber : _sectorsNumber; }
+  int getSplittedSectorsNumber() const
+  {
+    return _splitSectors ? 2 * _sectorsNumber : _sectorsNumber;
+  }
   int getMaximumNumberPerSector() const { return _maximumNumberPerSector; }
 
   /// Samples required; without the rule, or with a number that is not positive, none are.

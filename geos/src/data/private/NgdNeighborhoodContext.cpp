@@ -13,9 +13,7 @@
 #include <algorithm>
 #include <numeric>
 
-NgdNeighborhoodContext::NgdNeighborhoodContext() : _selected(&_neighbors)
-{
-}
+NgdNeighborhoodContext::NgdNeighborhoodContext() : _selected(&_neighbors) {}
 
 NgdNeighborhoodContext::~NgdNeighborhoodContext() = default;
 
@@ -94,7 +92,8 @@ void NgdNeighborhoodContext::_checkParameters() const
   QStringList warnings;
   const int dimension = _moving->getAllData().getNDimensions();
   if (!_moving->getParameters().checkParameters(dimension, errors, warnings))
-    throw NbeUserError(QObject::tr("Wrong neighborhood parameters:\n%1").arg(errors.join(QString())));
+    throw NbeUserError(
+        QObject::tr("Wrong neighborhood parameters:\n%1").arg(errors.join(QString())));
 }
 
 void NgdNeighborhoodContext::_prepareColumns(const QList<NbdAVariableNumeric *> &mainVariables)
@@ -109,7 +108,8 @@ void NgdNeighborhoodContext::_prepareColumns(const QList<NbdAVariableNumeric *> 
   for (int i = 0; i < from.size(); ++i) {
     auto *toDouble = dynamic_cast<NbdVariableDouble *>(to[i]);
     const auto *fromDouble = dynamic_cast<const NbdVariableDouble *>(from[i]);
-    _columns.push_back({from[i], to[i], toDouble, toDouble ? fromDouble->getArrayConst() : nullptr});
+    _columns.push_back(
+        {from[i], to[i], toDouble, toDouble ? fromDouble->getArrayConst() : nullptr});
   }
   for (const NbdAVariableNumeric *variable : mainVariables) {
     const int column = from.indexOf(const_cast<NbdAVariableNumeric *>(variable));

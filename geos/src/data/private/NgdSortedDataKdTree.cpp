@@ -16,7 +16,8 @@ class Widening
 {
 public:
   /// `coordinateError`: how far rounding may move a coordinate.
-  explicit Widening(double coordinateError) : _absolute(coordinateError * coordinateError / relative)
+  explicit Widening(double coordinateError)
+      : _absolute(coordinateError * coordinateError / relative)
   {
   }
 
@@ -107,7 +108,8 @@ private:
 
 /// Coordinates of a point next to each other: one cache line per distance.
 template <int nDim>
-struct Cloud {
+struct Cloud
+{
   std::vector<double> coordinates;
 
   std::size_t kdtree_get_point_count() const { return coordinates.size() / nDim; }
@@ -163,9 +165,7 @@ private:
   nanoflann::KDTreeSingleIndexAdaptor<Metric, Cloud<nDim>, nDim, unsigned> _tree;
 };
 
-NgdSortedDataKdTree::NgdSortedDataKdTree() : _scale(1., 1., 1.)
-{
-}
+NgdSortedDataKdTree::NgdSortedDataKdTree() : _scale(1., 1., 1.) {}
 
 NgdSortedDataKdTree::~NgdSortedDataKdTree() = default;
 
@@ -175,7 +175,8 @@ void NgdSortedDataKdTree::setSystem(const NbgVector3D &origin, const NbgRotation
   _origin = origin;
   _rotation = rotation;
   _scale = scale;
-  _identity = origin == NbgVector3D() && rotation.isIdentity(0.) && scale == NbgVector3D(1., 1., 1.);
+  _identity =
+      origin == NbgVector3D() && rotation.isIdentity(0.) && scale == NbgVector3D(1., 1., 1.);
 }
 
 void NgdSortedDataKdTree::build(const NbdDataPoints &points)
@@ -199,9 +200,15 @@ void NgdSortedDataKdTree::build(const NbdDataPoints &points)
   _coordinateError = 16. * std::numeric_limits<double>::epsilon() * largest;
 
   switch (_nDimensions) {
-    case 1: _index = std::make_unique<IndexOfDimension<1>>(std::move(coordinates)); break;
-    case 2: _index = std::make_unique<IndexOfDimension<2>>(std::move(coordinates)); break;
-    default: _index = std::make_unique<IndexOfDimension<3>>(std::move(coordinates)); break;
+    case 1:
+      _index = std::make_unique<IndexOfDimension<1>>(std::move(coordinates));
+      break;
+    case 2:
+      _index = std::make_unique<IndexOfDimension<2>>(std::move(coordinates));
+      break;
+    default:
+      _index = std::make_unique<IndexOfDimension<3>>(std::move(coordinates));
+      break;
   }
 }
 

@@ -46,9 +46,8 @@ void NgcAKriging::Worker::_initialize()
   const NbdDataPoints &data = _kriging.getAllInputData();
   const QList<NbdAVariableNumeric *> variables =
       data.getDataTableConst().getVarsNumeric(Nbd::Role::V);
-  if (std::all_of(variables.begin(), variables.end(), [](const NbdAVariableNumeric *variable) {
-        return variable->getNDefined() == 0;
-      }))
+  if (std::all_of(variables.begin(), variables.end(),
+                  [](const NbdAVariableNumeric *variable) { return variable->getNDefined() == 0; }))
     NBE_FAIL(QObject::tr("No defined sample in the input file"));
 
   _neighborhood.initialize(_kriging.getConstNeighborhood(), variables);
@@ -105,10 +104,9 @@ void NgcAKriging::Worker::_krigeTarget(int position, const NbdAData &buffer,
     return;
 
   const double *values = _neighborhood.getMainValues(0);
-  const NgmKrigingSamples samples = {_neighborhood.getNNeighbors(),
-                                     _neighborhood.getX().getArrayConst(),
-                                     _neighborhood.getY().getArrayConst(),
-                                     _neighborhood.getZ().getArrayConst(), &values};
+  const NgmKrigingSamples samples = {
+      _neighborhood.getNNeighbors(), _neighborhood.getX().getArrayConst(),
+      _neighborhood.getY().getArrayConst(), _neighborhood.getZ().getArrayConst(), &values};
   const NgmTarget &target = _neighborhood.getTarget();
   _system.resetSystem(samples.n, target.getCenter());
   _system.buildSystem(_kriging.getVarioModel(), samples, target, _cache.get());

@@ -26,7 +26,8 @@ protected:
 
 private:
   /// Columns of a buffer that results are written to; null where nothing is asked for.
-  struct _Outputs {
+  struct _Outputs
+  {
     double *estimate = nullptr;
     double *variance = nullptr;
     double *standardDeviation = nullptr;
