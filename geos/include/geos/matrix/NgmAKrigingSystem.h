@@ -124,6 +124,7 @@ protected:
                       NgmVModelCovaCache *cache) const;
 
   void _checkWeightsReady() const;
+  [[noreturn]] static void _failWeightsNotReady();
 
   /// Coordinates and values as plain arrays; values that are not stored as doubles are converted.
   /// The arrays hold until the next call and as long as the variables.
@@ -133,6 +134,9 @@ protected:
 
 private:
   class Weights;
+
+  static const double *_toArray(const NbdAVariableNumeric &variable,
+                                std::vector<double> &converted);
 
   void _invalidateEquation(int equation);
   void _findInvalidData(const NgmKrigingSamples &samples);

@@ -98,7 +98,7 @@ private:
 
   void _buildCompressedRHS(const NbgVector3D &target, const NgmVModel &model,
                            const NgmKrigingSamples &samples, NgmVModelCovaCache *cache,
-                           double *compressed);
+                           qint64 leadingDimension, double *compressed);
   double _makeResult(const double *rhsColumn) const;
 
   const NgmKrigingSystemDual &_dual;
