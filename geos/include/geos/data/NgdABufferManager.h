@@ -41,7 +41,10 @@ public:
   Nbd::ELoopPolicy getIndicesLoopPolicy() const { return _indicesLoopPolicy; }
   void setIndicesLoopPolicy(Nbd::ELoopPolicy policy) { _indicesLoopPolicy = policy; }
 
-  /// Ranks of the loop indices to visit.
+  /// Ranks of the loop indices that the iterators visit: those set, or rank 0 without a loop.
+  NbiIntervalIntSmall getVisitedLoopRanks() const;
+
+  /// Ranks of the loop indices to visit when there is a loop.
   const NbiIntervalIntSmall &getLoopIndices() const { return _loopIndices; }
   void setLoopIndices(const NbiIntervalIntSmall &indices) { _loopIndices = indices; }
 
@@ -55,16 +58,21 @@ protected:
   virtual void _setBufferSize(qint64 bytes) = 0;
   virtual void _setNSamplesPerBuffer(int nSamples) = 0;
 
-  /// Sets the number of cuts; buffers are that many times the loop indices.
+  /// Sets the number of cuts; buffers are that many times the loop indices. A data set without a
+  /// selected sample has none.
   void _setNBuffers(qint64 nCuts);
 
+  /// Bytes of one sample.
   int _getSampleSize() const { return _sampleSize; }
+
+  bool _hasSelectedSamples() const { return _hasSelected; }
 
 private:
   int _sampleSize;
+  bool _hasSelected;
   int _nBuffers = 1;
   Nbd::ELoopPolicy _indicesLoopPolicy = Nbd::LOOP_NONE;
-  NbiIntervalIntSmall _loopIndices;
+  NbiIntervalIntSmall _loopIndices = NbiIntervalIntSmall::fromLength(1);
   bool _needCoordinates = true;
   bool _needSampleNumber = true;
 };

@@ -3,6 +3,7 @@
 #include "basic/base/NbbCloneable.h"
 #include "basic/geom/NbgGeomGrid.h"
 #include "geos/data/NgdADataSet.h"
+#include "geos/data/NgdBufferManagerGrid.h"
 
 class NbdDataGrid;
 class NbiIntervalIntSmall;
@@ -17,7 +18,7 @@ public:
   void setDataProvider(QSharedPointer<NbpIProviderR> provider) override;
   qint64 getNSamples() const override;
   void updateBoundingBox(NbgBox &box) const override;
-  NgdABufferManager *createBufferManager() const override;
+  NgdBufferManagerGrid *createBufferManager() const override;
   bool isGrid() const override { return true; }
   void saveFromBufferInParent(const NbdAData &buffer) const override;
   QString debug(int level) const override;

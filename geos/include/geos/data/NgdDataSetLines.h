@@ -2,6 +2,7 @@
 
 #include "basic/base/NbbCloneable.h"
 #include "geos/data/NgdADataSet.h"
+#include "geos/data/NgdBufferManagerLines.h"
 
 class NbdDataLines;
 
@@ -15,7 +16,7 @@ public:
   void setDataProvider(QSharedPointer<NbpIProviderR> provider) override;
   qint64 getNSamples() const override;
   void updateBoundingBox(NbgBox &box) const override;
-  NgdABufferManager *createBufferManager() const override;
+  NgdBufferManagerLines *createBufferManager() const override;
   bool isLine() const override { return true; }
   bool mustBeUnique(const QString &role) const override;
   void saveFromBufferInParent(const NbdAData &buffer) const override;

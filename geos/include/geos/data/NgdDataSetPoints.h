@@ -2,6 +2,7 @@
 
 #include "basic/base/NbbCloneable.h"
 #include "geos/data/NgdADataSet.h"
+#include "geos/data/NgdBufferManagerPoints.h"
 
 /// A data set of scattered points.
 class NgdDataSetPoints : public NbbCloneable<NgdDataSetPoints, NgdADataSet>
@@ -17,7 +18,7 @@ public:
   void setDataProvider(QSharedPointer<NbpIProviderR> provider) override;
   qint64 getNSamples() const override;
   void updateBoundingBox(NbgBox &box) const override;
-  NgdABufferManager *createBufferManager() const override;
+  NgdBufferManagerPoints *createBufferManager() const override;
   void saveFromBufferInParent(const NbdAData &buffer) const override;
   QString debug(int level) const override;
 };

@@ -37,8 +37,8 @@ public:
   /// getCholeskyInvert().
   bool getInvert(NgmMatrix &out) const;
 
-  /// out = a factor of n rows and as many columns as the matrix has rank, in the order of the
-  /// pivots; out * out' is the matrix. False when the matrix is not positive semi-definite.
+  /// out = the incomplete factor carried to the end: n rows, as many columns as the matrix has
+  /// rank, out * out' = the matrix. False when it is not positive semi-definite.
   bool getIncompleteCholeskyFactor(NgmMatrix &out);
 
   /// Pivoted incomplete factorization C ~ L * L' of an implicit covariance matrix.

@@ -287,6 +287,9 @@ protected:
   bool _eigenValuesEx(NgmMatrix &values, NgmMatrix &vectors, bool withVectors, int nThreads) const;
   bool _eigenValuesLoc(NgmMatrix &values, NgmMatrix &vectors, bool withVectors) const;
 
+  /// Ascending order; `vectors` (or null) gets its columns permuted alike.
+  static void _sortEigenValues(NgmMatrix &values, NgmMatrix *vectors);
+
   static void _initPlasma(int nThreads);
   static void _finalizePlasma();
 
@@ -301,6 +304,11 @@ private:
   void _moveRowOnly(int from, int to);
   bool _runsParallel(int nThreads) const { return nThreads != 1 && _rowCount >= 100; }
   void _requireSquared() const;
+
+  /// Runs call(parallel) with the threads of the path that `nThreads` asks for.
+  template <class Call>
+  int _runAlgebra(int nThreads, const Call &call) const;
+
   void _boundElements(const QVector<double> &lower, const QVector<double> &upper);
 
   int _rowCount;

@@ -30,6 +30,8 @@ public:
 private:
   double _scale(const QVector<double> &scaler, int i, int j, double value) const;
   NgmMatrix _scale(const QVector<double> &scaler, const NgmMatrix &matrix) const;
+  void _checkDimension(const NgmMatrix &matrix) const;
+  void _checkElement(int i, int j) const;
 
   QVector<double> _scaler;
   QVector<double> _invScaler;

@@ -1,0 +1,56 @@
+#include "geos/matrix/NgmLinearSystem.h"
+
+#include <algorithm>
+
+NgmLinearSystem::NgmLinearSystem() : NgmLinearSystem(1, 1, true) {}
+
+NgmLinearSystem::NgmLinearSystem(int n, int nRhs, bool symmetric)
+    : _solved(false),
+      _lhs(n, n, symmetric),
+      _rhs(n, nRhs, false),
+      _results(n, nRhs, false),
+      _pivots(std::size_t(std::max(n, 0))),
+      _factor(symmetric)
+{
+}
+
+void NgmLinearSystem::resize(int n, int nRhs)
+{
+  _lhs.resize(n, n, false);
+  _rhs.resize(n, nRhs, false);
+  _results.resize(n, nRhs, false);
+  _pivots.resize(std::size_t(std::max(n, 0)));
+  _solved = false;
+}
+
+void NgmLinearSystem::setNullEquation(int i)
+{
+  const int n = _lhs.getNRows();
+  double *column = _lhs.elements() + qint64(i) * n;
+  std::fill(column, column + n, 0.);
+  if (_lhs.mustBeSymmetrical())
+    for (int j = 0; j < n; ++j)
+      _lhs.elements()[i + qint64(j) * n] = 0.;
+  column[i] = 1.;
+  for (int t = 0; t < _rhs.getNColumns(); ++t)
+    _rhs.elements()[i + qint64(t) * _rhs.getNRows()] = 0.;
+  _solved = false;
+}
+
+int NgmLinearSystem::solve()
+{
+  _factor.copyDeep(_lhs);
+  _results.copyDeep(_rhs);
+  const int info = _factor.resolveEquat(_results, _pivots.data(), 1);
+  _solved = info == 0;
+  return info;
+}
+
+QString NgmLinearSystem::debug(int level) const
+{
+  return QStringLiteral("Linear system\n") +
+         QStringLiteral("Solved: %1\n")
+             .arg(_solved ? QStringLiteral("true") : QStringLiteral("false")) +
+         QStringLiteral("LHS\n") + _lhs.debug(level) + QStringLiteral("RHS\n") + _rhs.debug(level) +
+         QStringLiteral("Solution\n") + _results.debug(level);
+}
