@@ -436,3 +436,8 @@ bool NbgGeomGrid::_hasSameCells(const NbgGeomGrid &other, int nAxes, double tole
   }
   return true;
 }
+
+bool operator==(const NbgGeomGrid &a, const NbgGeomGrid &b)
+{
+  return a.isMatching(b, NbgGeomGrid::MATCH_STRICT_DISC);
+}
