@@ -29,10 +29,9 @@ void NgmVStructCauchy::calcCovaFromDist(int n, const double *dist, double *out) 
   covaFromDist(Cauchy{_value}, _scale, n, dist, out);
 }
 
-void NgmVStructCauchy::addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
-                                              double *sum) const
+void NgmVStructCauchy::addCovas(const Separations &separations, double sill, double *sum) const
 {
-  NgmVStructKernels::addCovaFromSquaredDist(Cauchy{_value}, _scale, sill, n, squaredDist, sum);
+  NgmVStructKernels::addCovas(Cauchy{_value}, _scale, separations, sill, sum);
 }
 
 double NgmVStructCauchy::_calcPracticalFactor() const

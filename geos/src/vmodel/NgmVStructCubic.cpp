@@ -19,10 +19,9 @@ void NgmVStructCubic::calcCovaFromDist(int n, const double *dist, double *out) c
   covaFromDist(Cubic{}, _scale, n, dist, out);
 }
 
-void NgmVStructCubic::addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
-                                             double *sum) const
+void NgmVStructCubic::addCovas(const Separations &separations, double sill, double *sum) const
 {
-  NgmVStructKernels::addCovaFromSquaredDist(Cubic{}, _scale, sill, n, squaredDist, sum);
+  NgmVStructKernels::addCovas(Cubic{}, _scale, separations, sill, sum);
 }
 
 double NgmVStructCubic::calcFirstDerivative(const NbgVector3D &reducedH) const

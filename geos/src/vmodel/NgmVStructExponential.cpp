@@ -19,8 +19,7 @@ void NgmVStructExponential::calcCovaFromDist(int n, const double *dist, double *
   covaFromDist(Exponential{}, _scale, n, dist, out);
 }
 
-void NgmVStructExponential::addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
-                                                   double *sum) const
+void NgmVStructExponential::addCovas(const Separations &separations, double sill, double *sum) const
 {
-  NgmVStructKernels::addCovaFromSquaredDist(Exponential{}, _scale, sill, n, squaredDist, sum);
+  NgmVStructKernels::addCovas(Exponential{}, _scale, separations, sill, sum);
 }

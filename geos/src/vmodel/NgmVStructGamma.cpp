@@ -29,10 +29,9 @@ void NgmVStructGamma::calcCovaFromDist(int n, const double *dist, double *out) c
   covaFromDist(Gamma{_value}, _scale, n, dist, out);
 }
 
-void NgmVStructGamma::addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
-                                             double *sum) const
+void NgmVStructGamma::addCovas(const Separations &separations, double sill, double *sum) const
 {
-  NgmVStructKernels::addCovaFromSquaredDist(Gamma{_value}, _scale, sill, n, squaredDist, sum);
+  NgmVStructKernels::addCovas(Gamma{_value}, _scale, separations, sill, sum);
 }
 
 double NgmVStructGamma::_calcPracticalFactor() const

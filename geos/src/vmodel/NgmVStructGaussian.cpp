@@ -19,10 +19,9 @@ void NgmVStructGaussian::calcCovaFromDist(int n, const double *dist, double *out
   covaFromDist(Gaussian{}, _scale, n, dist, out);
 }
 
-void NgmVStructGaussian::addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
-                                                double *sum) const
+void NgmVStructGaussian::addCovas(const Separations &separations, double sill, double *sum) const
 {
-  NgmVStructKernels::addCovaFromSquaredDist(Gaussian{}, _scale, sill, n, squaredDist, sum);
+  NgmVStructKernels::addCovas(Gaussian{}, _scale, separations, sill, sum);
 }
 
 double NgmVStructGaussian::calcFirstDerivative(const NbgVector3D &reducedH) const

@@ -19,8 +19,7 @@ void NgmVStructSincard::calcCovaFromDist(int n, const double *dist, double *out)
   covaFromDist(Sincard{}, _scale, n, dist, out);
 }
 
-void NgmVStructSincard::addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
-                                               double *sum) const
+void NgmVStructSincard::addCovas(const Separations &separations, double sill, double *sum) const
 {
-  NgmVStructKernels::addCovaFromSquaredDist(Sincard{}, _scale, sill, n, squaredDist, sum);
+  NgmVStructKernels::addCovas(Sincard{}, _scale, separations, sill, sum);
 }

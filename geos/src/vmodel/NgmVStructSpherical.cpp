@@ -19,8 +19,7 @@ void NgmVStructSpherical::calcCovaFromDist(int n, const double *dist, double *ou
   covaFromDist(Spherical{}, _scale, n, dist, out);
 }
 
-void NgmVStructSpherical::addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
-                                                 double *sum) const
+void NgmVStructSpherical::addCovas(const Separations &separations, double sill, double *sum) const
 {
-  NgmVStructKernels::addCovaFromSquaredDist(Spherical{}, _scale, sill, n, squaredDist, sum);
+  NgmVStructKernels::addCovas(Spherical{}, _scale, separations, sill, sum);
 }

@@ -28,10 +28,9 @@ void NgmVStructStable::calcCovaFromDist(int n, const double *dist, double *out) 
   covaFromDist(Stable{_value}, _scale, n, dist, out);
 }
 
-void NgmVStructStable::addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
-                                              double *sum) const
+void NgmVStructStable::addCovas(const Separations &separations, double sill, double *sum) const
 {
-  NgmVStructKernels::addCovaFromSquaredDist(Stable{_value}, _scale, sill, n, squaredDist, sum);
+  NgmVStructKernels::addCovas(Stable{_value}, _scale, separations, sill, sum);
 }
 
 double NgmVStructStable::_calcPracticalFactor() const

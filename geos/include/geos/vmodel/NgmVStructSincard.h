@@ -13,6 +13,5 @@ public:
 
   double calcCova(const NbgVector3D &reducedH) const override;
   void calcCovaFromDist(int n, const double *dist, double *out) const override;
-  void addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
-                              double *sum) const override;
+  void addCovas(const Separations &separations, double sill, double *sum) const override;
 };

@@ -1,12 +1,13 @@
 #include "vmodel/private/NgmBulkCovas.h"
 
 #include "geos/vmodel/NgmAVStruct.h"
+#include "vmodel/private/NgmCovaKernels.h"
 #include "vmodel/private/NgmVModelCovaCache.h"
 
 #include <algorithm>
 
-using NgmCovaKernels::Points;
-using NgmCovaKernels::Reduction;
+using NgmBulkCovas::Points;
+using Separations = NgmAVStruct::Separations;
 
 namespace {
 
@@ -15,9 +16,6 @@ constexpr int GROUP = 8;
 
 /// Rows of a block: GROUP columns of them take 8 KB per array.
 constexpr int BLOCK_ROWS = 128;
-
-/// Samples of a block of the point set.
-constexpr int BLOCK_POINTS = 1024;
 
 constexpr double NULL_NUGGET = 1e-30;
 constexpr double NULL_SQUARED_DISTANCE = 1e-30;
@@ -66,15 +64,34 @@ struct PairBlock
   bool holdsDiagonal() const { return firstRow + rows > firstColumn; }
 };
 
-void squaredDistancesOfBlock(const PairBlock &block, const Points &samples,
-                             const Reduction &reduction, double *out)
+/// How structure `index` of the model reduces a separation vector: the rotation and anisotropy of
+/// `separations`, pointing into the model.
+void setReduction(const NgmVModel &model, int index, Separations &separations)
 {
-  for (int c = 0; c < GROUP; ++c) {
-    const int column = block.firstColumn + c;
-    const double target[3] = {samples.x[column], samples.y[column], samples.z[column]};
-    NgmCovaKernels::squaredDistances(target, block.rows, samples.from(block.firstRow), reduction,
-                                     out + std::size_t(c) * block.rows);
-  }
+  const NgmAVStruct &structure = model.getStructure(index);
+  separations.rotation = nullptr;
+  separations.anisotropy = nullptr;
+  if (model.hasRotation() && model.hasGlobalRotation())
+    separations.rotation = model.getGlobalRotation().getMatrix().getData();
+  if (structure.isIsotropic())
+    return;
+  if (model.hasRotation() && !model.hasGlobalRotation())
+    separations.rotation = structure.getRotation().getMatrix().getData();
+  separations.anisotropy = structure.getAnisotropy().getData();
+}
+
+Separations separationsOf(const PairBlock &block, const Points &samples)
+{
+  Separations separations;
+  separations.nSamples = block.rows;
+  separations.x = samples.x + block.firstRow;
+  separations.y = samples.y + block.firstRow;
+  separations.z = samples.z + block.firstRow;
+  separations.nTargets = GROUP;
+  separations.targetX = samples.x + block.firstColumn;
+  separations.targetY = samples.y + block.firstColumn;
+  separations.targetZ = samples.z + block.firstColumn;
+  return separations;
 }
 
 /// Visits the blocks of the upper triangle, diagonal included, group of columns by group.
@@ -85,21 +102,6 @@ void forEachPairBlock(int n, Visitor visitor)
     const int rowsOfGroup = column + GROUP;
     for (int row = 0; row < rowsOfGroup; row += BLOCK_ROWS)
       visitor(PairBlock{row, std::min(BLOCK_ROWS, rowsOfGroup - row), column});
-  }
-}
-
-/// Calls visitor(k, squared distances) for every structure; distances are computed once for
-/// structures in a row that reduce alike.
-template <class Distances, class Visitor>
-void forEachStructure(const NgmVModel &model, Distances computeDistances, Visitor visitor)
-{
-  Reduction last;
-  for (int k = 0; k < model.getNStructures(); ++k) {
-    const Reduction reduction = NgmBulkCovas::reductionOf(model, k);
-    if (k == 0 || !(reduction == last))
-      computeDistances(reduction);
-    last = reduction;
-    visitor(k);
   }
 }
 
@@ -136,7 +138,6 @@ void allCovasOfOneVariable(const NgmVModel &model, int n, const Points &samples,
                            int rowCount, bool mirrored, NgmVModelCovaCache &cache)
 {
   const int blockSize = GROUP * std::min(BLOCK_ROWS, roundedUp(n));
-  double *distances = NgmVModelCovaCache::atLeast(cache.squaredDistances, blockSize);
   double *values = NgmVModelCovaCache::atLeast(cache.covariances, blockSize);
   const double nugget = model.getNugget(0, 0);
   forEachPairBlock(n, [&](const PairBlock &block) {
@@ -145,15 +146,12 @@ void allCovasOfOneVariable(const NgmVModel &model, int n, const Points &samples,
       for (int c = 0; c < GROUP; ++c)
         values[std::size_t(c) * block.rows + (block.firstColumn + c - block.firstRow)] = nugget;
     }
-    forEachStructure(
-        model,
-        [&](const Reduction &reduction) {
-          squaredDistancesOfBlock(block, samples, reduction, distances);
-        },
-        [&](int k) {
-          const double sill = model.getCoregionalisationMatrix(k).getElement(0, 0);
-          model.getStructure(k).addCovaFromSquaredDist(block.size(), sill, distances, values);
-        });
+    Separations separations = separationsOf(block, samples);
+    for (int k = 0; k < model.getNStructures(); ++k) {
+      setReduction(model, k, separations);
+      const double sill = model.getCoregionalisationMatrix(k).getElement(0, 0);
+      model.getStructure(k).addCovas(separations, sill, values);
+    }
     storeUpper(block, n, values, covas, rowCount);
     if (mirrored)
       storeMirrored(block, n, values, covas, rowCount);
@@ -205,20 +203,16 @@ void allCovasOfVariables(const NgmVModel &model, int n, const Points &samples, d
                          int rowCount, NgmVModelCovaCache &cache)
 {
   const int blockSize = GROUP * std::min(BLOCK_ROWS, roundedUp(n));
-  double *distances = NgmVModelCovaCache::atLeast(cache.squaredDistances, blockSize);
   double *correlations = NgmVModelCovaCache::atLeast(cache.correlations, blockSize);
   forEachPairBlock(n, [&](const PairBlock &block) {
-    forEachStructure(
-        model,
-        [&](const Reduction &reduction) {
-          squaredDistancesOfBlock(block, samples, reduction, distances);
-        },
-        [&](int k) {
-          std::fill(correlations, correlations + block.size(), 0.);
-          model.getStructure(k).addCovaFromSquaredDist(block.size(), 1., distances, correlations);
-          addToBlockOfVariables(block, n, correlations, model.getCoregionalisationMatrix(k), covas,
-                                rowCount);
-        });
+    Separations separations = separationsOf(block, samples);
+    for (int k = 0; k < model.getNStructures(); ++k) {
+      setReduction(model, k, separations);
+      std::fill(correlations, correlations + block.size(), 0.);
+      model.getStructure(k).addCovas(separations, 1., correlations);
+      addToBlockOfVariables(block, n, correlations, model.getCoregionalisationMatrix(k), covas,
+                            rowCount);
+    }
   });
 }
 
@@ -235,13 +229,37 @@ void zeroPart(NgmMatrix &covas, double *elements, NgmVModel::MatrixPart part, in
   }
 }
 
-/// The nugget of the samples that lie at the target, 0 for the others.
-void setNuggetAtTarget(const NgmMatrix &nugget, int n, const double *squaredDistances,
-                       double *covas, int rowCount)
+/// Whether a sample lies at the target. Counted, because a loop with a way out would not be
+/// vectorised; x alone answers first, for most targets.
+bool hasSampleAtTarget(const NbgVector3D &target, int n, const Points &samples)
 {
+  qint64 count = 0;  // as wide as the doubles that are compared
+  for (int s = 0; s < n; ++s) {
+    const double dx = target.x() - samples.x[s];
+    count += dx * dx < NULL_SQUARED_DISTANCE;
+  }
+  if (count == 0)
+    return false;
+  count = 0;
+  for (int s = 0; s < n; ++s) {
+    const double dx = target.x() - samples.x[s];
+    const double dy = target.y() - samples.y[s];
+    const double dz = target.z() - samples.z[s];
+    count += dx * dx + dy * dy + dz * dz < NULL_SQUARED_DISTANCE;
+  }
+  return count > 0;
+}
+
+/// The nugget of the samples that lie at the target; the others keep their 0.
+void setNuggetAtTarget(const NgmMatrix &nugget, const NbgVector3D &target, int n,
+                       const Points &samples, double *covas, int rowCount)
+{
+  if (nugget.isNull(NULL_NUGGET) || !hasSampleAtTarget(target, n, samples))
+    return;
   const int nVariables = nugget.getNRows();
   for (int s = 0; s < n; ++s) {
-    if (squaredDistances[s] >= NULL_SQUARED_DISTANCE)
+    const NbgVector3D sample(samples.x[s], samples.y[s], samples.z[s]);
+    if ((target - sample).squaredNorm() >= NULL_SQUARED_DISTANCE)
       continue;
     for (int b = 0; b < nVariables; ++b)
       for (int a = 0; a < nVariables; ++a)
@@ -266,18 +284,13 @@ void addToPoints(int n, const double *correlations, const NgmMatrix &sills, doub
 
 namespace NgmBulkCovas {
 
-Reduction reductionOf(const NgmVModel &model, int index)
+NbgVector3D reducedVector(const NgmVModel &model, int index, const NbgVector3D &h)
 {
-  const NgmAVStruct &structure = model.getStructure(index);
-  Reduction reduction;
-  if (model.hasRotation() && model.hasGlobalRotation())
-    reduction.rotation = model.getGlobalRotation().getMatrix().getData();
-  if (structure.isIsotropic())
-    return reduction;
-  if (model.hasRotation() && !model.hasGlobalRotation())
-    reduction.rotation = structure.getRotation().getMatrix().getData();
-  reduction.anisotropy = structure.getAnisotropy().getData();
-  return reduction;
+  Separations separations;
+  setReduction(model, index, separations);
+  const NgmCovaKernels::Vector v =
+      NgmCovaKernels::reduce({h.x(), h.y(), h.z()}, separations.rotation, separations.anisotropy);
+  return {v.x, v.y, v.z};
 }
 
 void allCovas(const NgmVModel &model, int n, const Points &samples, NgmMatrix &covas,
@@ -306,34 +319,31 @@ void pointSet(const NgmVModel &model, const NbgVector3D &target, int n, const Po
 {
   const int nVariables = model.getNVariables();
   const int rowCount = covas.getNRows();
-  const NgmMatrix &nugget = model.getNuggetMatrix();
-  const bool withNugget = !nugget.isNull(NULL_NUGGET);
   double *elements = covas.elements();
   std::fill(elements, elements + covas.getNElements(), 0.);
-  double *distances = NgmVModelCovaCache::atLeast(cache.squaredDistances, BLOCK_POINTS);
-  double *correlations = NgmVModelCovaCache::atLeast(cache.correlations, BLOCK_POINTS);
-  for (int first = 0; first < n; first += BLOCK_POINTS) {
-    const int count = std::min(BLOCK_POINTS, n - first);
-    double *covasOfBlock = elements + std::size_t(first) * nVariables;
-    const auto computeDistances = [&](const Reduction &reduction) {
-      NgmCovaKernels::squaredDistances(target.getData(), count, samples.from(first), reduction,
-                                       distances);
-    };
-    if (withNugget) {
-      computeDistances(Reduction());
-      setNuggetAtTarget(nugget, count, distances, covasOfBlock, rowCount);
+  setNuggetAtTarget(model.getNuggetMatrix(), target, n, samples, elements, rowCount);
+
+  Separations separations;
+  separations.nSamples = n;
+  separations.x = samples.x;
+  separations.y = samples.y;
+  separations.z = samples.z;
+  separations.nTargets = 1;
+  separations.targetX = target.getData();
+  separations.targetY = target.getData() + 1;
+  separations.targetZ = target.getData() + 2;
+  for (int k = 0; k < model.getNStructures(); ++k) {
+    const NgmAVStruct &structure = model.getStructure(k);
+    const NgmMatrix &sills = model.getCoregionalisationMatrix(k);
+    setReduction(model, k, separations);
+    if (nVariables == 1) {
+      structure.addCovas(separations, sills.getElement(0, 0), elements);
+    } else {
+      double *correlations = NgmVModelCovaCache::atLeast(cache.correlations, std::size_t(n));
+      std::fill(correlations, correlations + n, 0.);
+      structure.addCovas(separations, 1., correlations);
+      addToPoints(n, correlations, sills, elements, rowCount);
     }
-    forEachStructure(model, computeDistances, [&](int k) {
-      const NgmAVStruct &structure = model.getStructure(k);
-      const NgmMatrix &sills = model.getCoregionalisationMatrix(k);
-      if (nVariables == 1) {
-        structure.addCovaFromSquaredDist(count, sills.getElement(0, 0), distances, covasOfBlock);
-        return;
-      }
-      std::fill(correlations, correlations + count, 0.);
-      structure.addCovaFromSquaredDist(count, 1., distances, correlations);
-      addToPoints(count, correlations, sills, covasOfBlock, rowCount);
-    });
   }
 }
 

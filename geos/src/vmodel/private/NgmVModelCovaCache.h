@@ -20,7 +20,6 @@ public:
   }
 
   Array coordinates;
-  Array squaredDistances;
   Array correlations;
   Array covariances;
 };
