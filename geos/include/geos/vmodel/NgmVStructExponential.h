@@ -1,0 +1,18 @@
+#pragma once
+
+#include "geos/vmodel/NgmAVStruct.h"
+
+/// Exponential covariance exp(-u).
+class NgmVStructExponential : public NgmAVStruct
+{
+public:
+  NgmVStructExponential();
+  NgmVStructExponential(const NgmVStructExponential &) = default;
+
+  bool isSimulatableTB() const override { return true; }
+
+  double calcCova(const NbgVector3D &reducedH) const override;
+  void calcCovaFromDist(int n, const double *dist, double *out) const override;
+  void addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
+                              double *sum) const override;
+};

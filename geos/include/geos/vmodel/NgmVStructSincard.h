@@ -1,0 +1,18 @@
+#pragma once
+
+#include "geos/vmodel/NgmAVStruct.h"
+
+/// Cardinal sine covariance sin(u) / u; 1 for u <= 1e-5.
+class NgmVStructSincard : public NgmAVStruct
+{
+public:
+  NgmVStructSincard();
+  NgmVStructSincard(const NgmVStructSincard &) = default;
+
+  bool isSimulatableTB() const override { return true; }
+
+  double calcCova(const NbgVector3D &reducedH) const override;
+  void calcCovaFromDist(int n, const double *dist, double *out) const override;
+  void addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
+                              double *sum) const override;
+};
