@@ -70,6 +70,13 @@ protected:
 
   virtual NgmABlock *_clone() const = 0;
 
+  bool _isSizeDefined(QString &why) const;
+  bool _hasPointsNumber() const { return _pointsNumber != NbgIntVector3D::Null; }
+  bool _hasStepsSize() const { return _stepsSize != NbgVector3D::Null; }
+
+  /// Number of axes that count.
+  int _nAxes() const { return _is3D ? 3 : 2; }
+
   NbgIntVector3D _pointsNumber;
   NbgVector3D _stepsSize;
   NbgVector3D _size;

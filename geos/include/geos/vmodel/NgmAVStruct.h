@@ -27,6 +27,23 @@ class NbiIntervalData;
 class NgmAVStruct : public NbbIDebuggable
 {
 public:
+  /// Separation vectors from samples to targets, and how they become reduced vectors: rotation
+  /// (nine elements column by column, columns being the local axes), then product with the
+  /// anisotropy coefficients. Either is left out when null.
+  struct Separations
+  {
+    int nSamples = 0;
+    const double *x = nullptr;
+    const double *y = nullptr;
+    const double *z = nullptr;
+    int nTargets = 0;
+    const double *targetX = nullptr;
+    const double *targetY = nullptr;
+    const double *targetZ = nullptr;
+    const double *rotation = nullptr;
+    const double *anisotropy = nullptr;
+  };
+
   explicit NgmAVStruct(const NgmEVStruct &type);
   NgmAVStruct(const NgmEVStruct &type, const NgmModelContext &context);
   ~NgmAVStruct() override;
@@ -69,6 +86,12 @@ public:
   /// out[k] = C(dist[k] / scale) for n reduced distances. A value's bits depend neither on its
   /// place in the array nor on n.
   virtual void calcCovaFromDist(int n, const double *dist, double *out) const;
+
+  /// What the bulk evaluators of the model call, once per block of pairs:
+  /// sum[t * nSamples + s] += sill * C(|reduced vector from sample s to target t| / scale).
+  /// `sum` must not overlap the coordinates. The base goes through calcCovaFromDist(); the closed
+  /// forms do all of it in one loop.
+  virtual void addCovas(const Separations &separations, double sill, double *sum) const;
 
   /// For factorized structures only.
   virtual void calcCovaFromVectors(int n, const double *vectors, double *out) const;
@@ -127,12 +150,6 @@ protected:
 
   /// Recomputes what depends on the auxiliary parameter or the context.
   virtual void _setupParameters();
-
-  /// sum[k] += sill * C(sqrt(squaredDist[k]) / scale): what the bulk evaluators of the model call,
-  /// once per block of pairs. The base goes through calcCovaFromDist(); the closed forms do it in
-  /// one loop.
-  virtual void _addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
-                                       double *sum) const;
 
   void _setAnisotropy(const NbgVector3D &anisotropy);
 

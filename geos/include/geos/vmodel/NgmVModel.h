@@ -193,10 +193,13 @@ public:
   /// they cannot be.
   bool makeAuthorized();
 
-  virtual QString briefSummary(int variable1, int variable2) const;
+  /// Nugget and structures with their practical range along `axis` (0 to 2) of their frame, in one
+  /// line; numbers have `digits` significant digits.
+  virtual QString briefSummary(int axis, int digits) const;
 
-  /// Lines on the whole model.
-  virtual QStringList summary(bool withContext, bool withSills, int level) const;
+  /// Lines on the model: its dimensions, then nugget (numbered -1) and structures with ranges,
+  /// rotations and sills.
+  virtual QStringList summary(bool withDimensions, bool withSills, int digits) const;
 
   QString debug(int level) const override;
 
@@ -214,6 +217,22 @@ protected:
   void _validateModel();
 
 private:
+  bool _isStructure(int index) const { return index >= 0 && index < getNStructures(); }
+  bool _isVariable(int index) const { return index >= 0 && index < _nVariables; }
+
+  /// The structure to be changed, C00 being invalidated; fails with `message` when there is none.
+  NgmAVStruct &_changeStructure(int index, const char *message);
+  int _addStructureOfType(const QString &label, const NgmMatrix &sills);
+  void _updateEffectiveIrfDegree();
+  void _invalidateC00();
+  void _updateC00() const;
+  NgmMatrix _sumOfSills() const;
+  bool _isDirectionCovered(const NgmAVStruct &structure, int axis) const;
+  void _readStructure(QDataStream &stream);
+  NgmMatrix _readMatrix(QDataStream &stream) const;
+  std::vector<double> _readVector(QDataStream &stream, qint64 expected) const;
+  void _take(NgmVModel &other);
+
   NgmModelContext _context = NgmModelContext(-1, 3, 0.);
   int _nVariables;
   int _effectiveIrfDegree = -1;

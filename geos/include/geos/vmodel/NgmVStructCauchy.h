@@ -1,0 +1,21 @@
+#pragma once
+
+#include "geos/vmodel/NgmAVStructAlpha.h"
+
+/// Generalized Cauchy covariance 1 / (1 + u^2)^alpha, alpha > 0.
+class NgmVStructCauchy : public NgmAVStructAlpha
+{
+public:
+  NgmVStructCauchy();
+  NgmVStructCauchy(const NgmVStructCauchy &) = default;
+
+  void setAuxiliaryParameter(int index, double value) override;
+  bool isSimulatableTB() const override { return true; }
+
+  double calcCova(const NbgVector3D &reducedH) const override;
+  void calcCovaFromDist(int n, const double *dist, double *out) const override;
+  void addCovas(const Separations &separations, double sill, double *sum) const override;
+
+protected:
+  double _calcPracticalFactor() const override;
+};

@@ -1,0 +1,108 @@
+#include "geos/interpol/NgmABlock.h"
+
+#include "basic/geom/NbgBox.h"
+#include "basic/geom/NbgGeomCuboid.h"
+#include "basic/geom/NbgGeomGrid.h"
+
+#include <QObject>
+
+NgmABlock::NgmABlock(bool is3D) : _is3D(is3D) {}
+
+void NgmABlock::setDiscretizationPointsNumber(const NbgIntVector3D &numbers)
+{
+  _pointsNumber = numbers;
+}
+
+void NgmABlock::setDiscretizationStepsSize(const NbgVector3D &steps)
+{
+  _stepsSize = steps;
+}
+
+void NgmABlock::setSize(const NbgVector3D &size)
+{
+  _size = size;
+}
+
+QString NgmABlock::debug(int /*level*/) const
+{
+  QString text = QStringLiteral("NgmABlock:\n");
+  text += _is3D ? QStringLiteral("3D block\n") : QStringLiteral("2D block\n");
+  text += QStringLiteral("Block Size: %1\n").arg(_size.toString());
+  text += QStringLiteral("Block Rotation: %1\n").arg(_rotation.toString());
+  text += QStringLiteral("Discretization Points Number: %1\n").arg(_pointsNumber.toString());
+  text += QStringLiteral("Discretization Steps Size: %1\n").arg(_stepsSize.toString());
+  return text;
+}
+
+void NgmABlock::setRotation(const NbgRotation &rotation)
+{
+  _rotation = rotation;
+}
+
+void NgmABlock::setFromGridCell(const NbgGeomGrid &grid)
+{
+  setSize(grid.getCellSize());
+  setRotation(grid.getRotation());
+}
+
+NbgGeomCuboid NgmABlock::getCuboid(const NbgVector3D &centre) const
+{
+  return NbgGeomCuboid(centre, getSize(), _rotation);
+}
+
+NbgBox NgmABlock::getBox(const NbgVector3D &centre) const
+{
+  return getCuboid(centre).getBoundingBox();
+}
+
+bool NgmABlock::isBlockDefined(QString &why) const
+{
+  if (!_isSizeDefined(why))
+    return false;
+  if (!_is3D && !_rotation.isAroundZOnly()) {
+    why = QObject::tr("rotation must be only 2D");
+    return false;
+  }
+  return true;
+}
+
+bool NgmABlock::isDiscretizationDefined(QString &why) const
+{
+  if (_hasPointsNumber() && _hasStepsSize()) {
+    why =
+        QObject::tr("You cannot define Discretization Points Number and Discretization Step Size.");
+    return false;
+  }
+  const QString badNumbers[] = {
+      QObject::tr("Invalid U discretization points number (must be >= 1)"),
+      QObject::tr("Invalid V discretization points number (must be >= 1)"),
+      QObject::tr("Invalid W discretization points number for 3D block (must be >= 1)")};
+  const QString badSteps[] = {
+      QObject::tr("Invalid U discretization steps size (must be > 0)"),
+      QObject::tr("Invalid V discretization steps size (must be > 0)"),
+      QObject::tr("Invalid W discretization steps size for 3D block (must be > 0)")};
+  for (int axis = 0; axis < _nAxes(); ++axis) {
+    const bool valid = _hasStepsSize()
+                           ? NbbGlobal::isDefined(_stepsSize[axis]) && _stepsSize[axis] > 0.
+                           : _pointsNumber[axis] >= 1;
+    if (!valid) {
+      why = _hasStepsSize() ? badSteps[axis] : badNumbers[axis];
+      return false;
+    }
+  }
+  return true;
+}
+
+bool NgmABlock::_isSizeDefined(QString &why) const
+{
+  const QString badSizes[] = {QObject::tr("Invalid U dimension (must be > 0)"),
+                              QObject::tr("Invalid V dimension (must be > 0)"),
+                              QObject::tr("Invalid W dimension for 3D block (must be > 0)")};
+  for (int axis = 0; axis < _nAxes(); ++axis) {
+    if (!NbbGlobal::isDefined(_size[axis]) || !(_size[axis] > 0.)) {
+      why = badSizes[axis];
+      return false;
+    }
+  }
+  return true;
+}

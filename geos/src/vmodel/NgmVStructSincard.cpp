@@ -1,0 +1,25 @@
+#include "geos/vmodel/NgmVStructSincard.h"
+
+#include "vmodel/private/NgmVStructKernels.h"
+
+using namespace NgmVStructKernels;
+
+NgmVStructSincard::NgmVStructSincard() : NgmAVStruct(NgmEVStruct::SINCARD)
+{
+  _practicalFactor = 20.371;
+}
+
+double NgmVStructSincard::calcCova(const NbgVector3D &reducedH) const
+{
+  return Sincard{}(_getReducedDistance(reducedH));
+}
+
+void NgmVStructSincard::calcCovaFromDist(int n, const double *dist, double *out) const
+{
+  covaFromDist(Sincard{}, _scale, n, dist, out);
+}
+
+void NgmVStructSincard::addCovas(const Separations &separations, double sill, double *sum) const
+{
+  NgmVStructKernels::addCovas(Sincard{}, _scale, separations, sill, sum);
+}
