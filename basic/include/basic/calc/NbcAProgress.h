@@ -7,6 +7,8 @@
 #include <QThread>
 
 #include <atomic>
+#include <functional>
+#include <memory>
 
 /// A computation on a thread of its own that can be followed and stopped: base of the calculators.
 ///
@@ -27,7 +29,7 @@ class NbcAProgress : public QThread
 public:
   enum State {
     IDLE,        ///< never run
-    RUNNING,     ///< between the first step of a run and its end
+    RUNNING,     ///< from the call of start() or execute() until the end of the run
     COMPLETED,   ///< the last run came to its end; the only state in which results may be read
     FAILED,      ///< the last run ended with an error, see getErrorMessage()
     INTERRUPTED  ///< the last run was asked to stop
@@ -50,8 +52,7 @@ public:
   State getState() const { return _state.load(); }
   bool isCompleted() const { return getState() == COMPLETED; }
 
-  /// From the call of start() or execute() until the end of the run.
-  bool isRunning() const { return _active.load(); }
+  bool isRunning() const { return getState() == RUNNING; }
 
   /// Text of the error that ended the last run; empty when there was none or it was interrupted.
   QString getErrorMessage() const;
@@ -142,25 +143,24 @@ protected:
 private:
   State _runGuarded();
   void _resetForRun();
-  bool _callGuarded(void (NbcAProgress::*step)(), bool report);
+  bool _attempt(const std::function<void()> &step, bool report);
   void _keepError(const NbeError &error);
   State _endRun(bool completed);
+  void _rethrowError() const;
   void _publishPercent(bool mayDecrease) const;
 
-  std::atomic<State> _state;
-  std::atomic<bool> _active;
-  std::atomic<bool> _stopRequested;
-  std::atomic<bool> _failed;
+  std::atomic<State> _state{IDLE};
+  std::atomic<bool> _stopRequested{false};
+  std::atomic<bool> _failed{false};
   std::atomic<int> _nThread;
   std::atomic<qint64> _availableMemBytes;
-  mutable std::atomic<qint64> _counter;
-  mutable std::atomic<qint64> _counterMax;
-  mutable std::atomic<int> _percent;
+  mutable std::atomic<qint64> _counter{0};
+  mutable std::atomic<qint64> _counterMax{0};
+  mutable std::atomic<int> _percent{0};
 
-  mutable QMutex _stopMutex;  // orders stop requests against the end of a run
+  QMutex _stateMutex;         // orders starts, stop requests and ends of runs
   mutable QMutex _textMutex;  // guards what follows
   QString _message;
   mutable QString _detail;
-  QString _errorMessage;
-  NbeError::ErrorType _errorType;
+  std::unique_ptr<NbeError> _error;
 };

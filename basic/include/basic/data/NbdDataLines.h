@@ -62,6 +62,8 @@ public:
   void removeSample(int position);
 
 private:
+  void _setCounts(const QVector<int> &nSamplesPerLine);
+
   QList<int> _lineRanks;
   QVector<int> _nSamplesPerLine;
   QVector<int> _firstOfLine;

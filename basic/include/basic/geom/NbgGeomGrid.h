@@ -63,7 +63,7 @@ public:
   /// Node counts and cell sizes are positive, the origin is defined, and the nodes can be counted.
   bool isDefined() const;
 
-  /// The number of nodes; 0 when a node count is not positive.
+  /// The number of nodes; 0 when a node count is not positive or 64 bits do not hold the product.
   qint64 getGridSize() const;
 
   NbgVector3D getCellCenter(int i, int j, int k) const
@@ -124,8 +124,9 @@ public:
   /// getCellCenter().
   void getCoordinates(const NbiIntervalsIJK &block, double *x, double *y, double *z) const;
 
-  /// The whole grid, and the smallest block of cells that covers the part of the box inside the
-  /// grid (empty when there is none).
+  /// The whole grid, and the block of cells that covers the part of the box inside the grid (empty
+  /// when there is none; for a rotated grid, the box is taken with its extents along the grid's
+  /// axes).
   NbiIntervalsIJK getIJKIntervals() const;
   NbiIntervalsIJK getIJKIntervals(const NbgBox &box) const;
 
@@ -170,8 +171,12 @@ public:
   QString debug(int level) const;
 
 private:
+  NbgVector3D _getLocal(double i, double j, double k) const;
+  NbgVector3D _getCellCoordinates(const NbgVector3D &point) const;
+  double _getTolerance(const NbgVector3D &point, int axis) const;
+  bool _getCell(const NbgVector3D &point, int nAxes, int *ijk, NbgVector3D &cells) const;
   bool _getCell(const NbgVector3D &point, int nAxes, int *ijk) const;
-  NbgVector3D _halfCell() const;
+  bool _hasSameCells(const NbgGeomGrid &other, int nAxes, double tolerance) const;
 
   NbgVector3D _origin;
   NbgVector3D _cellSize = NbgVector3D::Unit;

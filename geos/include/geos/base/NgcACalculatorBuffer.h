@@ -70,6 +70,8 @@ protected:
   /// -1 when it took none.
   qint64 _getCurrentBufferRank() const;
 
+  using NgcACalculatorSimple::_performStatistics;
+
   /// Gathers the statistics of the buffer that the calling thread took last; merged in the order in
   /// which buffers were taken. Not to be called under the calculator's mutex.
   void _performStatistics(const NbdAData &buffer);

@@ -14,7 +14,7 @@ class NgcStatisticsStore;
 /// handles its buffers, usually of the variables that it writes.
 ///
 /// Results are keyed by role, index within the role and, for a macro variable, macro index. A
-/// variable bound to several roles is counted under the first (in text order) that is covered.
+/// variable bound to several roles is counted under the first of them that is covered.
 class NgcACalculatorSimple : public NgcACalculator
 {
 public:

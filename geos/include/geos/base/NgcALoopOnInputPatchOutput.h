@@ -12,6 +12,7 @@ public:
   ~NgcALoopOnInputPatchOutput() override;
 
   void setInputDataSet(const NgdADataSet &dataSet);
+  void setOutputDataSet(const NgdADataSet &dataSet);
   bool isGridOutputDataset() const;
 
   /// Whether statistics of the output would count a sample more than once: they are asked for, and

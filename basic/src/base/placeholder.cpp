@@ -1,6 +1,0 @@
-#include "basic/base/NbbAEnum.h"
-#include "basic/base/NbbASerializable.h"
-#include "basic/base/NbbCloneable.h"
-#include "basic/base/NbbGlobal.h"
-#include "basic/base/NbbIDebuggable.h"
-#include "basic/error/NbeAssertion.h"

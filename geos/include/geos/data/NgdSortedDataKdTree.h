@@ -1,0 +1,68 @@
+#pragma once
+
+#include "basic/base/NbbIDebuggable.h"
+#include "basic/geom/NbgRotation.h"
+#include "basic/geom/NbgVector3D.h"
+
+#include <memory>
+#include <vector>
+
+class NbdDataPoints;
+
+/// Spatial index of samples: a kd-tree in a frame of its own, in which search ellipsoids may become
+/// spheres. It only proposes: whoever asks measures the proposals from their raw coordinates.
+class NgdSortedDataKdTree : public NbbIDebuggable
+{
+public:
+  /// Ranks proposed by a query, and the scratch memory of queries. One per thread.
+  struct Proposals
+  {
+    std::vector<int> ranks;
+    std::vector<double> distances;
+    int count = 0;
+  };
+
+  NgdSortedDataKdTree();
+  ~NgdSortedDataKdTree() override;
+
+  /// Number of coordinates used: 1 to 3.
+  void setDimension(int nDimensions) { _nDimensions = nDimensions; }
+  int getNDim() const { return _nDimensions; }
+
+  /// Frame of the index: a point p stands at scale * worldToLocal(p - origin), component by
+  /// component. To be set before the index is built.
+  void setSystem(const NbgVector3D &origin, const NbgRotation &rotation,
+                 const NbgVector3D &scale = NbgVector3D(1., 1., 1.));
+
+  /// Indexes the samples of `points` by rank. Fails when the index is already built or when the
+  /// dimensions differ.
+  void build(const NbdDataPoints &points);
+  void clear();
+  int getNData() const;
+
+  /// Proposes the samples nearest to `point` in the frame, at a squared distance up to
+  /// `squaredRadius`, in no promised order: the `count` nearest of those with usable[rank] != 0
+  /// (null: all), and every other one that rounding could make as near as the last of them.
+  void proposeNearest(const NbgVector3D &point, int count, double squaredRadius,
+                      const unsigned char *usable, Proposals &proposals) const;
+
+  /// Proposes every sample within a squared distance, and those that rounding could bring there.
+  void proposeWithin(const NbgVector3D &point, double squaredRadius, Proposals &proposals) const;
+
+  QString debug(int level) const override;
+
+private:
+  class Index;
+  template <int nDim>
+  class IndexOfDimension;
+
+  NbgVector3D _toFrame(const NbgVector3D &point) const;
+
+  int _nDimensions = 3;
+  NbgVector3D _origin;
+  NbgRotation _rotation;
+  NbgVector3D _scale;
+  bool _identity = true;
+  double _coordinateError = 0.;
+  std::unique_ptr<Index> _index;
+};

@@ -1,0 +1,264 @@
+#include "geos/data/NgdSortedDataKdTree.h"
+
+#include "basic/data/NbdDataPoints.h"
+#include "basic/error/NbeAssertion.h"
+
+#include <nanoflann.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+/// A squared distance so much larger that no rounding of coordinates can hide a sample behind it.
+class Widening
+{
+public:
+  /// `coordinateError`: how far rounding may move a coordinate.
+  explicit Widening(double coordinateError)
+      : _absolute(coordinateError * coordinateError / relative)
+  {
+  }
+
+  // (d + e)^2 <= d^2 (1 + r) + e^2 (1 + 1 / r) for every r.
+  double operator()(double squaredDistance) const
+  {
+    return squaredDistance * (1. + relative) + 2. * _absolute;
+  }
+
+private:
+  static constexpr double relative = 1e-9;
+  double _absolute;
+};
+
+/// Collects the nearest samples, keeping all that tie with the last one.
+class NearestSet
+{
+public:
+  NearestSet(int wanted, double bound, const unsigned char *usable, const Widening &widening,
+             NgdSortedDataKdTree::Proposals &out)
+      : _wanted(wanted), _bound(bound), _usable(usable), _widening(widening), _out(out)
+  {
+  }
+
+  bool addPoint(double squaredDistance, unsigned rank)
+  {
+    if (_usable && !_usable[rank])
+      return true;
+    if (std::size_t(_count) == _out.ranks.size()) {
+      _out.ranks.resize(2 * _count + 32);
+      _out.distances.resize(2 * _count + 32);
+    }
+    double *distances = _out.distances.data();
+    int *ranks = _out.ranks.data();
+    int i = _count++;
+    for (; i > 0 && distances[i - 1] > squaredDistance; --i) {
+      distances[i] = distances[i - 1];
+      ranks[i] = ranks[i - 1];
+    }
+    distances[i] = squaredDistance;
+    ranks[i] = int(rank);
+
+    if (_count >= _wanted) {
+      _bound = std::min(_bound, _widening(distances[_wanted - 1]));
+      while (_count > _wanted && distances[_count - 1] > _bound)
+        --_count;
+    }
+    return true;
+  }
+
+  double worstDist() const { return _bound; }
+  bool full() const { return true; }
+  std::size_t size() const { return std::size_t(_count); }
+  int count() const { return _count; }
+
+private:
+  int _wanted;
+  int _count = 0;
+  double _bound;
+  const unsigned char *_usable;
+  const Widening &_widening;
+  NgdSortedDataKdTree::Proposals &_out;
+};
+
+/// Collects every sample within a bound.
+class WithinSet
+{
+public:
+  WithinSet(double bound, NgdSortedDataKdTree::Proposals &out) : _bound(bound), _out(out)
+  {
+    _out.ranks.clear();
+  }
+
+  bool addPoint(double, unsigned rank)
+  {
+    _out.ranks.push_back(int(rank));
+    return true;
+  }
+
+  double worstDist() const { return _bound; }
+  bool full() const { return true; }
+  std::size_t size() const { return _out.ranks.size(); }
+
+private:
+  double _bound;
+  NgdSortedDataKdTree::Proposals &_out;
+};
+
+/// Coordinates of a point next to each other: one cache line per distance.
+template <int nDim>
+struct Cloud
+{
+  std::vector<double> coordinates;
+
+  std::size_t kdtree_get_point_count() const { return coordinates.size() / nDim; }
+  double kdtree_get_pt(std::size_t rank, std::size_t axis) const
+  {
+    return coordinates[rank * nDim + axis];
+  }
+  template <class Box>
+  bool kdtree_get_bbox(Box &) const
+  {
+    return false;
+  }
+};
+
+constexpr std::size_t leafSize = 10;
+
+}  // namespace
+
+class NgdSortedDataKdTree::Index
+{
+public:
+  virtual ~Index() = default;
+  virtual int count() const = 0;
+  virtual void nearest(const double *point, NearestSet &set) const = 0;
+  virtual void within(const double *point, WithinSet &set) const = 0;
+};
+
+template <int nDim>
+class NgdSortedDataKdTree::IndexOfDimension : public NgdSortedDataKdTree::Index
+{
+public:
+  explicit IndexOfDimension(std::vector<double> &&coordinates)
+      : _cloud{std::move(coordinates)},
+        _tree(nDim, _cloud, nanoflann::KDTreeSingleIndexAdaptorParams(leafSize))
+  {
+    _tree.buildIndex();
+  }
+
+  int count() const override { return int(_cloud.kdtree_get_point_count()); }
+  void nearest(const double *point, NearestSet &set) const override
+  {
+    _tree.findNeighbors(set, point, nanoflann::SearchParams());
+  }
+  void within(const double *point, WithinSet &set) const override
+  {
+    _tree.findNeighbors(set, point, nanoflann::SearchParams());
+  }
+
+private:
+  using Metric = nanoflann::L2_Simple_Adaptor<double, Cloud<nDim>>;
+
+  Cloud<nDim> _cloud;
+  nanoflann::KDTreeSingleIndexAdaptor<Metric, Cloud<nDim>, nDim, unsigned> _tree;
+};
+
+NgdSortedDataKdTree::NgdSortedDataKdTree() : _scale(1., 1., 1.) {}
+
+NgdSortedDataKdTree::~NgdSortedDataKdTree() = default;
+
+void NgdSortedDataKdTree::setSystem(const NbgVector3D &origin, const NbgRotation &rotation,
+                                    const NbgVector3D &scale)
+{
+  _origin = origin;
+  _rotation = rotation;
+  _scale = scale;
+  _identity =
+      origin == NbgVector3D() && rotation.isIdentity(0.) && scale == NbgVector3D(1., 1., 1.);
+}
+
+void NgdSortedDataKdTree::build(const NbdDataPoints &points)
+{
+  if (_index)
+    NBE_FAIL(QStringLiteral("Sorted Data is already built"));
+  if (points.getNDimensions() != _nDimensions)
+    NBE_FAIL(QStringLiteral("Points Data and Sorted Data have not the same dimension."));
+
+  const int n = points.getNSamples();
+  std::vector<double> coordinates(std::size_t(n) * _nDimensions);
+  double largest = 0.;
+  for (int rank = 0; rank < n; ++rank) {
+    const NbgVector3D location = points.getLocation(rank);
+    const NbgVector3D point = _toFrame(location);
+    for (int axis = 0; axis < _nDimensions; ++axis) {
+      coordinates[std::size_t(rank) * _nDimensions + axis] = point[axis];
+      largest = std::max({largest, std::abs(location[axis]), std::abs(point[axis])});
+    }
+  }
+  _coordinateError = 16. * std::numeric_limits<double>::epsilon() * largest;
+
+  switch (_nDimensions) {
+    case 1:
+      _index = std::make_unique<IndexOfDimension<1>>(std::move(coordinates));
+      break;
+    case 2:
+      _index = std::make_unique<IndexOfDimension<2>>(std::move(coordinates));
+      break;
+    default:
+      _index = std::make_unique<IndexOfDimension<3>>(std::move(coordinates));
+      break;
+  }
+}
+
+void NgdSortedDataKdTree::clear()
+{
+  _index.reset();
+}
+
+int NgdSortedDataKdTree::getNData() const
+{
+  return _index ? _index->count() : 0;
+}
+
+void NgdSortedDataKdTree::proposeNearest(const NbgVector3D &point, int count, double squaredRadius,
+                                         const unsigned char *usable, Proposals &proposals) const
+{
+  proposals.count = 0;
+  if (getNData() == 0 || count < 1)
+    return;
+  const NbgVector3D local = _toFrame(point);
+  const double target[3] = {local.x(), local.y(), local.z()};
+  const Widening widening(_coordinateError);
+  NearestSet set(count, widening(squaredRadius), usable, widening, proposals);
+  _index->nearest(target, set);
+  proposals.count = set.count();
+}
+
+void NgdSortedDataKdTree::proposeWithin(const NbgVector3D &point, double squaredRadius,
+                                        Proposals &proposals) const
+{
+  proposals.count = 0;
+  if (getNData() == 0)
+    return;
+  const NbgVector3D local = _toFrame(point);
+  const double target[3] = {local.x(), local.y(), local.z()};
+  WithinSet set(Widening(_coordinateError)(squaredRadius), proposals);
+  _index->within(target, set);
+  proposals.count = int(proposals.ranks.size());
+}
+
+QString NgdSortedDataKdTree::debug(int) const
+{
+  return QStringLiteral("Is 3D = %1\nNb Data = %2\n")
+      .arg(_nDimensions == 3 ? QStringLiteral("true") : QStringLiteral("false"),
+           QString::number(getNData()));
+}
+
+NbgVector3D NgdSortedDataKdTree::_toFrame(const NbgVector3D &point) const
+{
+  if (_identity)
+    return point;
+  return _rotation.worldToLocal(point - _origin).componentsProduct(_scale);
+}
