@@ -123,14 +123,15 @@ void NgmAVStruct::calcCovaFromDist(int /*n*/, const double * /*dist*/, double * 
       QStringLiteral("NgmAVStruct::calcCovaFromDist: should never be called"));
 }
 
-void NgmAVStruct::addCovas(const Separations &separations, double sill, double *sum) const
+void NgmAVStruct::calcCovas(const Separations &separations, double sill, bool add, double *covas,
+                            qint64 stride) const
 {
   constexpr int BLOCK = 256;
   double dist[BLOCK];
-  double covas[BLOCK];
+  double values[BLOCK];
   const Separations &s = separations;
   for (int t = 0; t < s.nTargets; ++t) {
-    double *sumOfTarget = sum + std::size_t(t) * std::size_t(s.nSamples);
+    double *out = covas + t * stride;
     for (int first = 0; first < s.nSamples; first += BLOCK) {
       const int count = std::min(BLOCK, s.nSamples - first);
       for (int k = 0; k < count; ++k) {
@@ -140,9 +141,9 @@ void NgmAVStruct::addCovas(const Separations &separations, double sill, double *
             s.anisotropy);
         dist[k] = NbgVector3D(v.x, v.y, v.z).norm();
       }
-      calcCovaFromDist(count, dist, covas);
+      calcCovaFromDist(count, dist, values);
       for (int k = 0; k < count; ++k)
-        sumOfTarget[first + k] += sill * covas[k];
+        out[first + k] = (add ? out[first + k] : 0.) + sill * values[k];
     }
   }
 }

@@ -29,9 +29,10 @@ void NgmVStructCauchy::calcCovaFromDist(int n, const double *dist, double *out) 
   covaFromDist(Cauchy{_value}, _scale, n, dist, out);
 }
 
-void NgmVStructCauchy::addCovas(const Separations &separations, double sill, double *sum) const
+void NgmVStructCauchy::calcCovas(const Separations &separations, double sill, bool add,
+                                 double *covas, qint64 stride) const
 {
-  NgmVStructKernels::addCovas(Cauchy{_value}, _scale, separations, sill, sum);
+  NgmVStructKernels::calcCovas(Cauchy{_value}, _scale, separations, sill, add, covas, stride);
 }
 
 double NgmVStructCauchy::_calcPracticalFactor() const

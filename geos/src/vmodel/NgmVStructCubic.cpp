@@ -19,9 +19,10 @@ void NgmVStructCubic::calcCovaFromDist(int n, const double *dist, double *out) c
   covaFromDist(Cubic{}, _scale, n, dist, out);
 }
 
-void NgmVStructCubic::addCovas(const Separations &separations, double sill, double *sum) const
+void NgmVStructCubic::calcCovas(const Separations &separations, double sill, bool add,
+                                double *covas, qint64 stride) const
 {
-  NgmVStructKernels::addCovas(Cubic{}, _scale, separations, sill, sum);
+  NgmVStructKernels::calcCovas(Cubic{}, _scale, separations, sill, add, covas, stride);
 }
 
 double NgmVStructCubic::calcFirstDerivative(const NbgVector3D &reducedH) const

@@ -19,7 +19,8 @@ void NgmVStructExponential::calcCovaFromDist(int n, const double *dist, double *
   covaFromDist(Exponential{}, _scale, n, dist, out);
 }
 
-void NgmVStructExponential::addCovas(const Separations &separations, double sill, double *sum) const
+void NgmVStructExponential::calcCovas(const Separations &separations, double sill, bool add,
+                                      double *covas, qint64 stride) const
 {
-  NgmVStructKernels::addCovas(Exponential{}, _scale, separations, sill, sum);
+  NgmVStructKernels::calcCovas(Exponential{}, _scale, separations, sill, add, covas, stride);
 }

@@ -29,9 +29,10 @@ void NgmVStructGamma::calcCovaFromDist(int n, const double *dist, double *out) c
   covaFromDist(Gamma{_value}, _scale, n, dist, out);
 }
 
-void NgmVStructGamma::addCovas(const Separations &separations, double sill, double *sum) const
+void NgmVStructGamma::calcCovas(const Separations &separations, double sill, bool add,
+                                double *covas, qint64 stride) const
 {
-  NgmVStructKernels::addCovas(Gamma{_value}, _scale, separations, sill, sum);
+  NgmVStructKernels::calcCovas(Gamma{_value}, _scale, separations, sill, add, covas, stride);
 }
 
 double NgmVStructGamma::_calcPracticalFactor() const

@@ -19,9 +19,10 @@ void NgmVStructGaussian::calcCovaFromDist(int n, const double *dist, double *out
   covaFromDist(Gaussian{}, _scale, n, dist, out);
 }
 
-void NgmVStructGaussian::addCovas(const Separations &separations, double sill, double *sum) const
+void NgmVStructGaussian::calcCovas(const Separations &separations, double sill, bool add,
+                                   double *covas, qint64 stride) const
 {
-  NgmVStructKernels::addCovas(Gaussian{}, _scale, separations, sill, sum);
+  NgmVStructKernels::calcCovas(Gaussian{}, _scale, separations, sill, add, covas, stride);
 }
 
 double NgmVStructGaussian::calcFirstDerivative(const NbgVector3D &reducedH) const

@@ -19,7 +19,8 @@ void NgmVStructSincard::calcCovaFromDist(int n, const double *dist, double *out)
   covaFromDist(Sincard{}, _scale, n, dist, out);
 }
 
-void NgmVStructSincard::addCovas(const Separations &separations, double sill, double *sum) const
+void NgmVStructSincard::calcCovas(const Separations &separations, double sill, bool add,
+                                  double *covas, qint64 stride) const
 {
-  NgmVStructKernels::addCovas(Sincard{}, _scale, separations, sill, sum);
+  NgmVStructKernels::calcCovas(Sincard{}, _scale, separations, sill, add, covas, stride);
 }

@@ -19,7 +19,8 @@ void NgmVStructSpherical::calcCovaFromDist(int n, const double *dist, double *ou
   covaFromDist(Spherical{}, _scale, n, dist, out);
 }
 
-void NgmVStructSpherical::addCovas(const Separations &separations, double sill, double *sum) const
+void NgmVStructSpherical::calcCovas(const Separations &separations, double sill, bool add,
+                                    double *covas, qint64 stride) const
 {
-  NgmVStructKernels::addCovas(Spherical{}, _scale, separations, sill, sum);
+  NgmVStructKernels::calcCovas(Spherical{}, _scale, separations, sill, add, covas, stride);
 }

@@ -28,9 +28,10 @@ void NgmVStructStable::calcCovaFromDist(int n, const double *dist, double *out) 
   covaFromDist(Stable{_value}, _scale, n, dist, out);
 }
 
-void NgmVStructStable::addCovas(const Separations &separations, double sill, double *sum) const
+void NgmVStructStable::calcCovas(const Separations &separations, double sill, bool add,
+                                 double *covas, qint64 stride) const
 {
-  NgmVStructKernels::addCovas(Stable{_value}, _scale, separations, sill, sum);
+  NgmVStructKernels::calcCovas(Stable{_value}, _scale, separations, sill, add, covas, stride);
 }
 
 double NgmVStructStable::_calcPracticalFactor() const

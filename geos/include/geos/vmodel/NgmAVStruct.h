@@ -87,11 +87,12 @@ public:
   /// place in the array nor on n.
   virtual void calcCovaFromDist(int n, const double *dist, double *out) const;
 
-  /// What the bulk evaluators of the model call, once per block of pairs:
-  /// sum[t * nSamples + s] += sill * C(|reduced vector from sample s to target t| / scale).
-  /// `sum` must not overlap the coordinates. The base goes through calcCovaFromDist(); the closed
-  /// forms do all of it in one loop.
-  virtual void addCovas(const Separations &separations, double sill, double *sum) const;
+  /// What the bulk evaluators of the model call, once per block of pairs: with c = sill *
+  /// C(|reduced vector from sample s to target t| / scale), element t * stride + s of `covas`
+  /// becomes c, or grows by it when `add` is set. `covas` must not overlap the coordinates. The
+  /// base goes through calcCovaFromDist(); the closed forms do all of it in one loop.
+  virtual void calcCovas(const Separations &separations, double sill, bool add, double *covas,
+                         qint64 stride) const;
 
   /// For factorized structures only.
   virtual void calcCovaFromVectors(int n, const double *vectors, double *out) const;

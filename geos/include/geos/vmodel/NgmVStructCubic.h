@@ -14,7 +14,8 @@ public:
 
   double calcCova(const NbgVector3D &reducedH) const override;
   void calcCovaFromDist(int n, const double *dist, double *out) const override;
-  void addCovas(const Separations &separations, double sill, double *sum) const override;
+  void calcCovas(const Separations &separations, double sill, bool add, double *covas,
+                 qint64 stride) const override;
   double calcFirstDerivative(const NbgVector3D &reducedH) const override;
   double calcSecondDerivative(const NbgVector3D &reducedH) const override;
 };

@@ -13,5 +13,6 @@ public:
 
   double calcCova(const NbgVector3D &reducedH) const override;
   void calcCovaFromDist(int n, const double *dist, double *out) const override;
-  void addCovas(const Separations &separations, double sill, double *sum) const override;
+  void calcCovas(const Separations &separations, double sill, bool add, double *covas,
+                 qint64 stride) const override;
 };

@@ -11,58 +11,44 @@ using Separations = NgmAVStruct::Separations;
 
 namespace {
 
-/// Columns of a block, and the multiple that its rows are rounded up to: one cache line of doubles.
+/// Columns of a block: a cache line of doubles, so that its mirror image is written line by line.
 constexpr int GROUP = 8;
 
-/// Rows of a block: GROUP columns of them take 8 KB per array.
+/// Rows of a block: GROUP columns of them take 8 KB.
 constexpr int BLOCK_ROWS = 128;
 
 constexpr double NULL_NUGGET = 1e-30;
 constexpr double NULL_SQUARED_DISTANCE = 1e-30;
-
-int roundedUp(int n)
-{
-  return (n + GROUP - 1) / GROUP * GROUP;
-}
 
 std::size_t offset(int row, int column, int rowCount)
 {
   return std::size_t(row) + std::size_t(column) * std::size_t(rowCount);
 }
 
-/// Copies of the coordinates, each column padded with its last value, so that blocks need no
-/// remainder.
-Points paddedCopy(int n, const Points &samples, NgmVModelCovaCache &cache)
-{
-  const int padded = roundedUp(n);
-  double *copy = NgmVModelCovaCache::atLeast(cache.coordinates, 3 * std::size_t(padded));
-  const double *columns[3] = {samples.x, samples.y, samples.z};
-  for (int axis = 0; axis < 3; ++axis) {
-    double *column = copy + std::size_t(axis) * padded;
-    std::copy(columns[axis], columns[axis] + n, column);
-    std::fill(column + n, column + padded, n > 0 ? column[n - 1] : 0.);
-  }
-  return {copy, copy + padded, copy + 2 * std::size_t(padded)};
-}
-
-/// The pairs of samples firstRow .. firstRow + rows - 1 and firstColumn .. firstColumn + 7. Pair
-/// (r, c) of the block is at c * rows + r.
+/// The pairs of samples firstRow .. and firstColumn ...
 struct PairBlock
 {
   int firstRow;
   int rows;
   int firstColumn;
-
-  int size() const { return GROUP * rows; }
-
-  /// Columns that are samples and not padding.
-  int columnCount(int n) const { return std::min(GROUP, n - firstColumn); }
+  int columns;
 
   /// Rows in the upper triangle of column firstColumn + c, diagonal included.
   int upperRowCount(int c) const { return std::min(rows, firstColumn + c + 1 - firstRow); }
-
-  bool holdsDiagonal() const { return firstRow + rows > firstColumn; }
 };
+
+/// Visits the blocks that hold the upper triangle, group of columns by group. Those on the diagonal
+/// reach into the lower triangle.
+template <class Visitor>
+void forEachPairBlock(int n, Visitor visitor)
+{
+  for (int column = 0; column < n; column += GROUP) {
+    const int columns = std::min(GROUP, n - column);
+    const int rowsOfGroup = column + columns;
+    for (int row = 0; row < rowsOfGroup; row += BLOCK_ROWS)
+      visitor(PairBlock{row, std::min(BLOCK_ROWS, rowsOfGroup - row), column, columns});
+  }
+}
 
 /// How structure `index` of the model reduces a separation vector: the rotation and anisotropy of
 /// `separations`, pointing into the model.
@@ -87,85 +73,60 @@ Separations separationsOf(const PairBlock &block, const Points &samples)
   separations.x = samples.x + block.firstRow;
   separations.y = samples.y + block.firstRow;
   separations.z = samples.z + block.firstRow;
-  separations.nTargets = GROUP;
+  separations.nTargets = block.columns;
   separations.targetX = samples.x + block.firstColumn;
   separations.targetY = samples.y + block.firstColumn;
   separations.targetZ = samples.z + block.firstColumn;
   return separations;
 }
 
-/// Visits the blocks of the upper triangle, diagonal included, group of columns by group.
-template <class Visitor>
-void forEachPairBlock(int n, Visitor visitor)
+/// Copies what lies above the diagonal blocks of a univariate matrix to below them; a row of a
+/// block is contiguous there.
+void storeMirrored(const PairBlock &block, double *covas, int rowCount)
 {
-  for (int column = 0; column < n; column += GROUP) {
-    const int rowsOfGroup = column + GROUP;
-    for (int row = 0; row < rowsOfGroup; row += BLOCK_ROWS)
-      visitor(PairBlock{row, std::min(BLOCK_ROWS, rowsOfGroup - row), column});
+  const double *columns = covas + offset(0, block.firstColumn, rowCount);
+  const int end = std::min(block.firstRow + block.rows, block.firstColumn);
+  for (int row = block.firstRow; row < end; ++row) {
+    double *mirrored = covas + offset(block.firstColumn, row, rowCount);
+    for (int c = 0; c < block.columns; ++c)
+      mirrored[c] = columns[offset(row, c, rowCount)];
   }
 }
 
-/// Copies the upper part of a block of a univariate matrix.
-void storeUpper(const PairBlock &block, int n, const double *values, double *covas, int rowCount)
-{
-  for (int c = 0; c < block.columnCount(n); ++c) {
-    const double *column = values + std::size_t(c) * block.rows;
-    std::copy(column, column + block.upperRowCount(c),
-              covas + offset(block.firstRow, block.firstColumn + c, rowCount));
-  }
-}
-
-/// Writes the block's mirror image below the diagonal. A row of the block is contiguous there.
-void storeMirrored(const PairBlock &block, int n, const double *values, double *covas, int rowCount)
-{
-  const int columns = block.columnCount(n);
-  const int rows = std::min(block.rows, n - block.firstRow);
-  for (int r = 0; r < rows; ++r) {
-    double *target = covas + offset(block.firstColumn, block.firstRow + r, rowCount);
-    // In the block of the diagonal only what lies below it.
-    const int first = std::max(0, block.firstRow + r - block.firstColumn + 1);
-    if (first == 0 && columns == GROUP) {
-      for (int c = 0; c < GROUP; ++c)
-        target[c] = values[std::size_t(c) * block.rows + r];
-    } else {
-      for (int c = first; c < columns; ++c)
-        target[c] = values[std::size_t(c) * block.rows + r];
-    }
-  }
-}
-
+/// Fills the upper triangle (and the lower one inside the blocks of the diagonal, or everywhere).
 void allCovasOfOneVariable(const NgmVModel &model, int n, const Points &samples, double *covas,
-                           int rowCount, bool mirrored, NgmVModelCovaCache &cache)
+                           int rowCount, bool mirrored)
 {
-  const int blockSize = GROUP * std::min(BLOCK_ROWS, roundedUp(n));
-  double *values = NgmVModelCovaCache::atLeast(cache.covariances, blockSize);
-  const double nugget = model.getNugget(0, 0);
   forEachPairBlock(n, [&](const PairBlock &block) {
-    std::fill(values, values + block.size(), 0.);
-    if (block.holdsDiagonal()) {
-      for (int c = 0; c < GROUP; ++c)
-        values[std::size_t(c) * block.rows + (block.firstColumn + c - block.firstRow)] = nugget;
-    }
     Separations separations = separationsOf(block, samples);
+    double *out = covas + offset(block.firstRow, block.firstColumn, rowCount);
     for (int k = 0; k < model.getNStructures(); ++k) {
       setReduction(model, k, separations);
       const double sill = model.getCoregionalisationMatrix(k).getElement(0, 0);
-      model.getStructure(k).addCovas(separations, sill, values);
+      model.getStructure(k).calcCovas(separations, sill, k > 0, out, rowCount);
     }
-    storeUpper(block, n, values, covas, rowCount);
     if (mirrored)
-      storeMirrored(block, n, values, covas, rowCount);
+      storeMirrored(block, covas, rowCount);
   });
+  const double c00 = model.getC0IJ(0, 0);
+  for (int s = 0; s < n; ++s)
+    covas[offset(s, s, rowCount)] = c00;
+}
+
+void zeroLower(int n, double *covas, int rowCount)
+{
+  for (int j = 0; j < n; ++j)
+    std::fill(covas + offset(j + 1, j, rowCount), covas + offset(n, j, rowCount), 0.);
 }
 
 /// Adds correlation * sills to the blocks of the sample pairs. On the diagonal only the upper
 /// triangle of the sills.
-void addToBlockOfVariables(const PairBlock &block, int n, const double *correlations,
+void addToBlockOfVariables(const PairBlock &block, const double *correlations,
                            const NgmMatrix &sills, double *covas, int rowCount)
 {
   const int nVariables = sills.getNRows();
   const double *sill = sills.constElements();
-  for (int c = 0; c < block.columnCount(n); ++c) {
+  for (int c = 0; c < block.columns; ++c) {
     const int column = block.firstColumn + c;
     for (int r = 0; r < block.upperRowCount(c); ++r) {
       const int row = block.firstRow + r;
@@ -202,15 +163,14 @@ void setNuggetOfSamples(const NgmMatrix &nugget, int n, double *covas, int rowCo
 void allCovasOfVariables(const NgmVModel &model, int n, const Points &samples, double *covas,
                          int rowCount, NgmVModelCovaCache &cache)
 {
-  const int blockSize = GROUP * std::min(BLOCK_ROWS, roundedUp(n));
-  double *correlations = NgmVModelCovaCache::atLeast(cache.correlations, blockSize);
+  double *correlations =
+      NgmVModelCovaCache::atLeast(cache.correlations, std::size_t(GROUP) * BLOCK_ROWS);
   forEachPairBlock(n, [&](const PairBlock &block) {
     Separations separations = separationsOf(block, samples);
     for (int k = 0; k < model.getNStructures(); ++k) {
       setReduction(model, k, separations);
-      std::fill(correlations, correlations + block.size(), 0.);
-      model.getStructure(k).addCovas(separations, 1., correlations);
-      addToBlockOfVariables(block, n, correlations, model.getCoregionalisationMatrix(k), covas,
+      model.getStructure(k).calcCovas(separations, 1., false, correlations, block.rows);
+      addToBlockOfVariables(block, correlations, model.getCoregionalisationMatrix(k), covas,
                             rowCount);
     }
   });
@@ -296,20 +256,20 @@ NbgVector3D reducedVector(const NgmVModel &model, int index, const NbgVector3D &
 void allCovas(const NgmVModel &model, int n, const Points &samples, NgmMatrix &covas,
               NgmVModelCovaCache &cache, NgmVModel::MatrixPart part)
 {
-  const Points padded = paddedCopy(n, samples, cache);
   const bool full = part == NgmVModel::MatrixPart::Full;
   const bool mirrored = full && covas.mustBeSymmetrical();
   const int rowCount = covas.getNRows();
   double *elements = covas.elements();
   if (model.getNVariables() == 1) {
-    const bool allWritten = mirrored || !full;
-    zeroPart(covas, elements, part, allWritten ? n : 0);
-    allCovasOfOneVariable(model, n, padded, elements, rowCount, mirrored, cache);
+    zeroPart(covas, elements, part, model.getNStructures() > 0 ? n : 0);
+    allCovasOfOneVariable(model, n, samples, elements, rowCount, mirrored);
+    if (full && !mirrored)
+      zeroLower(n, elements, rowCount);
     return;
   }
   zeroPart(covas, elements, part, 0);
   setNuggetOfSamples(model.getNuggetMatrix(), n, elements, rowCount, full);
-  allCovasOfVariables(model, n, padded, elements, rowCount, cache);
+  allCovasOfVariables(model, n, samples, elements, rowCount, cache);
   if (mirrored)
     mirrorUpper(n * model.getNVariables(), elements, rowCount);
 }
@@ -337,11 +297,10 @@ void pointSet(const NgmVModel &model, const NbgVector3D &target, int n, const Po
     const NgmMatrix &sills = model.getCoregionalisationMatrix(k);
     setReduction(model, k, separations);
     if (nVariables == 1) {
-      structure.addCovas(separations, sills.getElement(0, 0), elements);
+      structure.calcCovas(separations, sills.getElement(0, 0), true, elements, rowCount);
     } else {
       double *correlations = NgmVModelCovaCache::atLeast(cache.correlations, std::size_t(n));
-      std::fill(correlations, correlations + n, 0.);
-      structure.addCovas(separations, 1., correlations);
+      structure.calcCovas(separations, 1., false, correlations, n);
       addToPoints(n, correlations, sills, elements, rowCount);
     }
   }

@@ -19,7 +19,5 @@ public:
     return array.data();
   }
 
-  Array coordinates;
   Array correlations;
-  Array covariances;
 };

@@ -116,12 +116,12 @@ void covaFromDist(Form form, double scale, int n, const double *dist, double *ou
     out[k] = form(dist[k] / scale);
 }
 
-/// See NgmAVStruct::addCovas(). The distance stays in a register on its way to the covariance: the
+/// See NgmAVStruct::calcCovas(). The distance stays in a register on its way to the covariance: the
 /// loop is bound by square root and division, behind which everything else hides (a pass of its own
 /// for the distances costs a third more).
-template <bool ROTATED, bool SCALED, class Form>
-void addCovasOf(Form form, double scale, const NgmAVStruct::Separations &s, double sill,
-                double *__restrict sum)
+template <bool ROTATED, bool SCALED, bool ADD, class Form>
+void calcCovasOf(Form form, double scale, const NgmAVStruct::Separations &s, double sill,
+                 double *covas, qint64 stride)
 {
   const NgmCovaKernels::Reducer<ROTATED, SCALED> reducer(s.rotation, s.anisotropy);
   const int n = s.nSamples;
@@ -132,23 +132,33 @@ void addCovasOf(Form form, double scale, const NgmAVStruct::Separations &s, doub
     const double targetX = s.targetX[t];
     const double targetY = s.targetY[t];
     const double targetZ = s.targetZ[t];
-    double *__restrict out = sum + std::size_t(t) * std::size_t(n);
+    double *__restrict out = covas + t * stride;
     for (int i = 0; i < n; ++i) {
       const double squared = reducer.squaredNorm({targetX - x[i], targetY - y[i], targetZ - z[i]});
-      out[i] += sill * form(std::sqrt(squared) / scale);
+      const double cova = sill * form(std::sqrt(squared) / scale);
+      out[i] = ADD ? out[i] + cova : cova;
     }
   }
 }
 
-template <class Form>
-void addCovas(Form form, double scale, const NgmAVStruct::Separations &s, double sill, double *sum)
+template <bool ADD, class Form>
+void calcCovasReduced(Form form, double scale, const NgmAVStruct::Separations &s, double sill,
+                      double *covas, qint64 stride)
 {
   if (s.rotation)
-    s.anisotropy ? addCovasOf<true, true>(form, scale, s, sill, sum)
-                 : addCovasOf<true, false>(form, scale, s, sill, sum);
+    s.anisotropy ? calcCovasOf<true, true, ADD>(form, scale, s, sill, covas, stride)
+                 : calcCovasOf<true, false, ADD>(form, scale, s, sill, covas, stride);
   else
-    s.anisotropy ? addCovasOf<false, true>(form, scale, s, sill, sum)
-                 : addCovasOf<false, false>(form, scale, s, sill, sum);
+    s.anisotropy ? calcCovasOf<false, true, ADD>(form, scale, s, sill, covas, stride)
+                 : calcCovasOf<false, false, ADD>(form, scale, s, sill, covas, stride);
+}
+
+template <class Form>
+void calcCovas(Form form, double scale, const NgmAVStruct::Separations &s, double sill, bool add,
+               double *covas, qint64 stride)
+{
+  add ? calcCovasReduced<true>(form, scale, s, sill, covas, stride)
+      : calcCovasReduced<false>(form, scale, s, sill, covas, stride);
 }
 
 }  // namespace NgmVStructKernels
