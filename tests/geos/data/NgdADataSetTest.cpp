@@ -11,9 +11,11 @@
 #include "basic/data/NbdDataGrid.h"
 #include "basic/data/NbdDataLines.h"
 #include "basic/data/NbdDataPoints.h"
+#include "basic/data/NbdEVarRole.h"
 #include "basic/data/NbdEnumCatalog.h"
 #include "basic/data/NbdVariableDouble.h"
 #include "basic/data/NbdVariableEnum.h"
+#include "basic/data/NbdVariableInt32.h"
 #include "basic/data/NbdVariableInt64.h"
 #include "basic/data/NbdVariableMulti.h"
 #include "basic/data/NbdVariableSelection.h"
@@ -207,8 +209,9 @@ TEST(NgdADataSet, LoadsTheSamplesInsideACuboid)
   dataSet.loadInBufferFromCuboid(cuboid, inside);
   int found = 0;
   for (int position = 0; position < all.getNSamples(); ++position) {
-    if (cuboid.isIncluded(all.getLocation(position)))
-      EXPECT_EQ(all.getSampleNumber(position), inside.getSampleNumber(found++));
+    if (!cuboid.isIncluded(all.getLocation(position)))
+      continue;
+    EXPECT_EQ(all.getSampleNumber(position), inside.getSampleNumber(found++));
   }
   EXPECT_GT(found, 0);
   EXPECT_EQ(found, inside.getNSamples());
