@@ -1,5 +1,6 @@
 #include "geos/base/NgaOrderedSum.h"
 
+#include "basic/error/NbeAssertion.h"
 #include "geos/base/NgaIAdditive.h"
 
 NgaOrderedSum::NgaOrderedSum() = default;
@@ -12,6 +13,8 @@ void NgaOrderedSum::clear()
 
 void NgaOrderedSum::add(qint64 rank, std::unique_ptr<NgaIAdditive> partial)
 {
+  if (rank < 0)
+    NBE_FAIL(QStringLiteral("No buffer was taken for this partial result."));
   qint64 first = rank;
   int level = 0;
   for (;;) {

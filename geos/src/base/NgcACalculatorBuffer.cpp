@@ -1,5 +1,6 @@
 #include "geos/base/NgcACalculatorBuffer.h"
 
+#include "base/private/NgcCalculatorHelper.h"
 #include "basic/data/NbdAData.h"
 #include "basic/error/NbeAssertion.h"
 #include "basic/error/NbeUserError.h"
@@ -7,7 +8,6 @@
 #include "geos/data/NgdABufferManager.h"
 #include "geos/data/NgdADataSet.h"
 #include "geos/data/NgdIBufferIterator.h"
-#include "base/private/NgcCalculatorHelper.h"
 
 #include <QMutexLocker>
 #include <QObject>
@@ -75,9 +75,8 @@ void NgcACalculatorBuffer::_createBufferManager()
   const NgdADataSet *dataSet = _bufferDataset();
   if (!dataSet)
     NBE_FAIL(QStringLiteral("No dataset provided for buffers creation."));
-  _setBufferManager(
-      NgcCalculatorHelper::createManager(*dataSet, _getRules(), _needCoordinates,
-                                         _needSampleNumber));
+  _setBufferManager(NgcCalculatorHelper::createManager(*dataSet, _getRules(), _needCoordinates,
+                                                       _needSampleNumber));
 }
 
 void NgcACalculatorBuffer::_runWorkers()

@@ -1,1 +1,3 @@
-namespace { int unused [[maybe_unused]] = 0; }
+namespace {
+int unused [[maybe_unused]] = 0;
+}

@@ -56,7 +56,8 @@ public:
   int getNSelected() const;
 
   /// Positions of the selected samples in ascending order (all positions without selection).
-  /// Valid until the selection or the number of samples changes.
+  /// Valid until the selection or the number of samples changes; threads may share a buffer that
+  /// does not change.
   const std::vector<int> &getSelectedPositions() const;
 
   /// Lookups in the table; null when the role or the index does not exist.
@@ -91,16 +92,24 @@ protected:
   NbdAData(const NbdAData &other);
   NbdAData &operator=(const NbdAData &other);
 
-  /// To be called whenever the number of samples changes.
-  void _invalidateSelectedPositions() const;
+  /// To be called whenever the number of samples changes: samples that a selection does not know
+  /// are selected.
+  void _samplesChanged();
+
+  /// To be called, before the number of samples changes, when samples come in between (they are
+  /// selected) or one goes.
+  void _insertIntoSelection(int position, int count);
+  void _removeFromSelection(int position);
 
 private:
+  struct SelectedPositions;
+
   NbdDataTable _table;
   int _nDimensions = 3;
   std::unique_ptr<NbdVariableSelection> _selection;
   QList<int> _macroRanks = {0};
-  mutable std::vector<int> _selectedPositions;
-  mutable bool _selectedPositionsValid = false;
+  /// Made on first use; replaced atomically.
+  mutable std::shared_ptr<const SelectedPositions> _selectedPositions;
 };
 
 /// Walks positions of a buffer's selected samples: `while ((position = iterator.next()) >= 0)`.

@@ -28,7 +28,8 @@ public:
   /// Geometry of the whole grid.
   const NbgGeomGrid &getGeometry() const { return _geometry; }
 
-  /// Sets the whole grid's geometry; the block becomes the whole grid.
+  /// Sets the whole grid's geometry; the block becomes the whole grid, or empty when that has more
+  /// nodes than a buffer counts.
   void setGeometry(const NbgGeomGrid &geometry);
 
   /// The block that the buffer holds, in indices of the whole grid. Resizes the table's variables.
@@ -42,10 +43,16 @@ public:
   NbgIntVector3D getIJK(int position) const;
 
   /// Value of a variable at `point`, interpolated linearly between node centres; undefined outside
-  /// and where a node with a positive weight is undefined.
+  /// the block and where a node with a positive weight is undefined or not selected.
   double getInterpolatedValue(const NbdAVariableNumeric &variable, const NbgVector3D &point) const;
 
 private:
+  /// The node behind another one of the block, in the order of positions.
+  NbgIntVector3D _next(const NbgIntVector3D &node) const;
+
+  /// Position of a node of the whole grid, or -1 outside the block.
+  int _getPosition(const NbgIntVector3D &node) const;
+
   NbgGeomGrid _geometry;
   NbiIntervalIntSmall _i;
   NbiIntervalIntSmall _j;

@@ -11,15 +11,21 @@
 
 #include <memory>
 #include <utility>
+#include <variant>
 #include <vector>
 
+class NbdAVariable;
 class NbdEnumCatalog;
 class NbdEVarRole;
 class NbdMacroIndexInfo;
+class NbdVariableDouble;
 class NbdVariableSelection;
 class NbdVarTypeFlags;
+class NbgBox;
+class NbgEDimension;
 class NbgGeomGrid;
 class NbiIntervalIntLarge;
+class NbiIntervalIntSmall;
 class NbpMemoryStorage;
 
 /// Data file held in memory: its catalogue, its selection, and the operations that fill it.
@@ -51,7 +57,7 @@ public:
   QString addVariable(const QString &name, std::vector<T> values,
                       const NbdVariableDetails &details = NbdVariableDetails())
   {
-    return _addVariable(name, std::move(values), details);
+    return _addVariable(name, Values(std::move(values)), details);
   }
 
   /// Adds an enumerated variable with its codes and their categories.
@@ -71,7 +77,7 @@ public:
   template <typename T>
   QString addRealization(const QString &macroId, const NbdMacroIndex &index, std::vector<T> values)
   {
-    return _addRealization(macroId, index, std::move(values));
+    return _addRealization(macroId, index, Values(std::move(values)));
   }
 
   /// Selects the samples whose value is true; the values are copied, one per sample.
@@ -119,29 +125,12 @@ protected:
                                  std::vector<double> values);
 
 private:
-  QString _addVariable(const QString &name, std::vector<double> values,
-                       const NbdVariableDetails &details);
-  QString _addVariable(const QString &name, std::vector<float> values,
-                       const NbdVariableDetails &details);
-  QString _addVariable(const QString &name, std::vector<int> values,
-                       const NbdVariableDetails &details);
-  QString _addVariable(const QString &name, std::vector<qint64> values,
-                       const NbdVariableDetails &details);
-  QString _addVariable(const QString &name, std::vector<bool> values,
-                       const NbdVariableDetails &details);
-  QString _addVariable(const QString &name, std::vector<QString> values,
-                       const NbdVariableDetails &details);
-  QString _addVariable(const QString &name, std::vector<NbgVector3D> values,
-                       const NbdVariableDetails &details);
+  using Values =
+      std::variant<std::vector<double>, std::vector<float>, std::vector<int>, std::vector<qint64>,
+                   std::vector<bool>, std::vector<QString>, std::vector<NbgVector3D>>;
 
-  QString _addRealization(const QString &macroId, const NbdMacroIndex &index,
-                          std::vector<double> values);
-  QString _addRealization(const QString &macroId, const NbdMacroIndex &index,
-                          std::vector<float> values);
-  QString _addRealization(const QString &macroId, const NbdMacroIndex &index,
-                          std::vector<int> values);
-  QString _addRealization(const QString &macroId, const NbdMacroIndex &index,
-                          std::vector<qint64> values);
+  QString _addVariable(const QString &name, Values values, const NbdVariableDetails &details);
+  QString _addRealization(const QString &macroId, const NbdMacroIndex &index, Values values);
 
   std::unique_ptr<NbpMemoryStorage> _storage;
 };

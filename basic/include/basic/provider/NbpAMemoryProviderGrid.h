@@ -12,7 +12,6 @@ public:
   const NbgGeomGrid &getGridGeometry() const override { return _geometry; }
   NbgEDimension getDimension() const override;
 
-  /// The outer corners of the grid's cells, or of those that are selected.
   bool updateBoundingBox(NbgBox &box) const override;
 
   bool readCoordinates(const NbiIntervalIntLarge &ranks, NbdVariableDouble *x, NbdVariableDouble *y,

@@ -3,6 +3,8 @@
 #include "basic/provider/NbpAMemoryProviderPoints.h"
 #include "basic/provider/NbpIProviderObjectW.h"
 
+struct NbpRun;
+
 /// Lines (boreholes) in memory: samples in line order, consecutive on each line.
 class NbpAMemoryProviderLine : public NbpAMemoryProviderPoints<NbpIProviderObjectW>
 {
@@ -20,4 +22,10 @@ public:
 
 protected:
   NbpAMemoryProviderLine(const NbgEDimension &dimension, const std::vector<int> &nSamplesPerLine);
+
+private:
+  void _checkLine(int lineRank) const;
+  int _appendRuns(const QList<int> &lineRanks, std::vector<NbpRun> &runs) const;
+
+  std::vector<qint64> _firstOfLine;  ///< rank of each line's first sample, and the total
 };

@@ -8,8 +8,8 @@ template <class Interface>
 class NbpAMemoryProviderPoints : public NbpAMemoryProviderW<Interface>
 {
 public:
-  /// Add the coordinates of an axis, one value per sample. Those beyond the dimension are kept but
-  /// play no structural role.
+  /// Add the coordinates of an axis, one value per sample. readCoordinates() gives 0 for an axis
+  /// beyond the dimension all the same.
   QString addXVariable(std::vector<double> values, const QString &name = QStringLiteral("X"));
   QString addYVariable(std::vector<double> values, const QString &name = QStringLiteral("Y"));
   QString addZVariable(std::vector<double> values, const QString &name = QStringLiteral("Z"));
@@ -23,7 +23,5 @@ protected:
   NbpAMemoryProviderPoints(const NbgEDimension &dimension, qint64 nSamples);
 
 private:
-  QString _addCoordinate(int axis, const QString &name, std::vector<double> values);
-
   NbgEDimension _dimension;
 };

@@ -30,6 +30,9 @@ public:
   /// Takes the sums of the buffer that the calling thread took last. Thread-safe.
   void saveStat(const NgaIAdditive &partial);
 
+  /// The same, without a copy.
+  void saveStat(std::unique_ptr<NgaIAdditive> partial);
+
 protected:
   void _checkDatasets() override;
   void _initBufferManager() override;

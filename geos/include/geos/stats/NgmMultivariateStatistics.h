@@ -81,6 +81,7 @@ private:
   {
     return _stats[std::size_t(i) * _names.size() + j];
   }
+  void _checkMagic(QDataStream &stream, int line) const;
   int _indexOf(const QString &name) const;
   void _indicesOf(const QString &name1, const QString &name2, int &i, int &j) const;
   NgmMatrix _columnOf(double (NbcStatBasic::*getter)() const) const;

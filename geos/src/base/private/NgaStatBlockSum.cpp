@@ -159,7 +159,14 @@ NgaStatBlockSum::Sums NgaStatBlockSum::_sum(int n, const double *values)
   const qint64 nDefined = total(count);
   const double min = smallest(range.min);
   const double max = largest(range.max);
-  return {nDefined, nDefined, min, max, min, max, logs.log(), total(inverse),
+  return {nDefined,
+          nDefined,
+          min,
+          max,
+          min,
+          max,
+          logs.log(),
+          total(inverse),
           {double(nDefined), total(m1), total(m2), total(m3), total(m4)}};
 }
 

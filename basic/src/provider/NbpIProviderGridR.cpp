@@ -1,0 +1,3 @@
+#include "basic/provider/NbpIProviderGridR.h"
+
+NbpIProviderGridR::~NbpIProviderGridR() = default;

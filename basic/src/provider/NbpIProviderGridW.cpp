@@ -1,0 +1,3 @@
+#include "basic/provider/NbpIProviderGridW.h"
+
+NbpIProviderGridW::~NbpIProviderGridW() = default;

@@ -1,0 +1,3 @@
+#include "basic/provider/NbpIProviderObjectR.h"
+
+NbpIProviderObjectR::~NbpIProviderObjectR() = default;

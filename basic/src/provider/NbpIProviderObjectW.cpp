@@ -1,0 +1,3 @@
+#include "basic/provider/NbpIProviderObjectW.h"
+
+NbpIProviderObjectW::~NbpIProviderObjectW() = default;

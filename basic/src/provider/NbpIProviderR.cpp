@@ -1,0 +1,3 @@
+#include "basic/provider/NbpIProviderR.h"
+
+NbpIProviderR::~NbpIProviderR() = default;

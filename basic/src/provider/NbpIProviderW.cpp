@@ -1,0 +1,3 @@
+#include "basic/provider/NbpIProviderW.h"
+
+NbpIProviderW::~NbpIProviderW() = default;

@@ -1,0 +1,6 @@
+#include "basic/provider/NbpMemoryProviderGridR.h"
+
+NbpMemoryProviderGridR::NbpMemoryProviderGridR(const NbgGeomGrid &geometry)
+    : NbpAMemoryProviderGrid<NbpAMemoryProviderR<NbpIProviderGridR>>(geometry)
+{
+}
