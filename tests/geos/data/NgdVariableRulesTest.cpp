@@ -242,11 +242,11 @@ TEST(NgdVariableRules, MacrosByPieceLoopOverTheirCommonIndices)
     f.prepare();
     EXPECT_EQ(Nbd::LOOP_ON_INDICES, f.rules.getLoopPolicy());
     EXPECT_EQ(3, f.rules.getNIndicesForLoop());
-    EXPECT_EQ(integers({4, 1, 2}), f.rules.getIndicesForLoop());
+    EXPECT_EQ(integers({1, 2, 4}), f.rules.getIndicesForLoop());
     for (const NgdVariableDescriptor &macro :
          {f.setA.getDataDescriptor(in, 0), f.setB.getDataDescriptor(in, 0),
           f.setB.getDataDescriptor(out, 0)}) {
-      EXPECT_EQ(integers({4, 1, 2}), macro.getIndices());
+      EXPECT_EQ(integers({1, 2, 4}), macro.getIndices());
       EXPECT_EQ(1, macro.getNRealizationsPerLoop());
       EXPECT_EQ(64, macro.getBitLength());
     }
