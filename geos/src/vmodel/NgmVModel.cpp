@@ -791,6 +791,7 @@ void NgmVModel::_readStructure(QDataStream &stream)
   }
   // After the parameters, on which the ratio of practical range and scale depends.
   structure->_setScaleFactor(practicalScale);
+  structure->_matchPracticalScale(practicalScale);
   structure->_setAnisotropy(anisotropy);
   structure->setRotation(rotation);
   structure->setContext(_context);
