@@ -118,9 +118,16 @@ TEST(NgmVModel, SillMatricesNeedNonNegativeEigenvalues)
   NgmVModel model(2);
   EXPECT_EQ(messageOf([&] { model.addStructure(SPHERICAL, matrix2(1., 1.1, 1.)); }),
             QStringLiteral("NgmVModel::_addStructure: sills matrix must be positive definite"));
+  EXPECT_EQ(messageOf([&] { model.addStructure(SPHERICAL, matrix2(1., 1. + 1e-14, 1.)); }),
+            QStringLiteral("NgmVModel::_addStructure: sills matrix must be positive definite"));
   EXPECT_EQ(model.getNStructures(), 0);
   EXPECT_EQ(model.addStructure(SPHERICAL, matrix2(1., 0., 0.)), 0);
   EXPECT_EQ(model.addStructure(SPHERICAL, matrix2(0., 0., 0.)), 1);
+  // Perfect correlation: an eigenvalue that is zero but for rounding.
+  for (int i = 1; i < 200; ++i) {
+    const double a = 0.137 * i, b = 0.3 + 1. / i;
+    EXPECT_NO_THROW(model.addStructure(SPHERICAL, matrix2(a * a, a * b, b * b))) << i;
+  }
 }
 
 TEST(NgmVModel, WorksOutC00AfterEveryChange)
