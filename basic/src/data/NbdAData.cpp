@@ -36,8 +36,8 @@ NbdAData &NbdAData::operator=(const NbdAData &other)
   if (this == &other)
     return *this;
   NbdDataTable table(other._table);
-  auto selection = other._selection ? std::make_unique<NbdVariableSelection>(*other._selection)
-                                    : nullptr;
+  auto selection =
+      other._selection ? std::make_unique<NbdVariableSelection>(*other._selection) : nullptr;
   _table = std::move(table);
   _nDimensions = other._nDimensions;
   _selection = std::move(selection);
@@ -51,7 +51,7 @@ NbdAData::~NbdAData() = default;
 qint64 NbdAData::getSampleNumber(int position) const
 {
   const NbdVariableInt64 *numbers = getVariableSN();
-  return numbers ? numbers->getValue(position) : NbbGlobal::I64_FFFF;
+  return numbers ? numbers->getValueAsType(position) : NbbGlobal::I64_FFFF;
 }
 
 void NbdAData::setSelection(const NbdVariableSelection &selection)
@@ -152,10 +152,16 @@ void NbdAData::_samplesChanged()
   _selectedPositions.reset();
   if (!_selection)
     return;
-  const int nKnown = _selection->getNValues();
   _selection->resizeAndFill(getNSamples());
-  for (int position = nKnown; position < getNSamples(); ++position)
-    _selection->setBoolValue(position, true);
+}
+
+void NbdAData::_insertIntoSelection(int position, int count)
+{
+  if (!_selection)
+    return;
+  _selection->insertUndefinedValues(position, count);
+  for (int inserted = position; inserted < position + count; ++inserted)
+    _selection->setBoolValue(inserted, true);
 }
 
 void NbdAData::_removeFromSelection(int position)

@@ -94,7 +94,7 @@ double NbdDataGrid::getInterpolatedValue(const NbdAVariableNumeric &variable,
     const int position = _getPosition(_geometry.getCellIJKFromRank(ranks[node]));
     if (position < 0 || !isSelected(position))
       return NbbGlobal::D_FFFF;
-    const double value = variable.getDoubleValue(position);
+    const double value = variable.getValue(position);
     if (!NbbGlobal::isDefined(value))
       return NbbGlobal::D_FFFF;
     sum += weights[node] * value;

@@ -1,5 +1,6 @@
 #include "basic/data/NbdDataLines.h"
 
+#include "basic/data/NbdAVariable.h"
 #include "basic/error/NbeAssertion.h"
 
 #include <algorithm>
@@ -52,7 +53,16 @@ int NbdDataLines::addSample(int index)
 void NbdDataLines::addSamples(int index, int count)
 {
   const Line line = getLineRef(index);
-  _insertSamples(line.first + line.count, count);
+  const int position = line.first + line.count;
+  _insertIntoSelection(position, count);
+  NbdDataTable &table = getDataTable();
+  for (NbdAVariable *variable : table.getAllVars())
+    variable->insertUndefinedValues(position, count);
+  if (table.getNVariables() > 0)
+    table.adjustNSamples();
+  else
+    table.appendSamples(count);
+  _samplesChanged();
   QVector<int> counts = _nSamplesPerLine;
   counts[index] += count;
   _setCounts(counts);

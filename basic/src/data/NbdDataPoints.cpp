@@ -1,9 +1,9 @@
 #include "basic/data/NbdDataPoints.h"
 
 #include "basic/base/NbbGlobal.h"
-#include "basic/data/NbdAVariable.h"
+#include "basic/data/NbdAVariableNumeric.h"
 #include "basic/data/NbdVariableDouble.h"
-#include "basic/error/NbeAssertion.h"
+#include "basic/data/NbdVariableSelection.h"
 
 #include <algorithm>
 
@@ -51,17 +51,15 @@ void NbdDataPoints::ensureCoordinates()
   for (int axis = 0; axis < 3; ++axis) {
     if (getCoordinates(axis))
       continue;
-    NbdDataTable &table = getDataTable();
-    table.createVariableNumeric(coordinateRole(axis), Nbd::TYPE_DOUBLE);
-    NbdVariableDouble *column = getCoordinates(axis);
-    std::fill_n(column->getArray(), getNSamples(), 0.);
+    const QString &role = coordinateRole(axis);
+    getDataTable().createVariableNumeric(role, NbdVariableDetails(role))->setAllValues(0.);
   }
 }
 
 double NbdDataPoints::getCoord(int position, int axis) const
 {
   const NbdVariableDouble *column = axis < getNDimensions() ? getCoordinates(axis) : nullptr;
-  return column ? column->getValue(position) : 0.;
+  return column ? column->getValueAsType(position) : 0.;
 }
 
 NbdVariableDouble *NbdDataPoints::getCoordinates(int axis) const
@@ -97,14 +95,21 @@ void NbdDataPoints::appendSamples(int count)
 
 void NbdDataPoints::appendSamples(const NbdDataPoints &other)
 {
-  const NbdDataTable source(other.getDataTableConst());  // also when other is this buffer
-  const int first = getNSamples();
-  appendSamples(source.getNSamples());
-  for (const QString &role : source.getUniqueRoles()) {
-    const int count = std::min(source.getRoleCount(role), getDataTable().getRoleCount(role));
-    for (int index = 0; index < count; ++index)
-      copyValues(source.getVarRef(role, index), getDataTable().getVarRef(role, index), first);
+  const int nOwn = getNSamples();
+  const int nOther = other.getNSamples();
+  const bool someUnselected = getSelection() || other.getSelection();
+  NbdVariableSelection selection;
+  if (someUnselected) {
+    selection.resizeAndFill(nOwn + nOther);
+    for (int position = 0; position < nOwn; ++position)
+      selection.setBoolValue(position, isSelected(position));
+    for (int position = 0; position < nOther; ++position)
+      selection.setBoolValue(nOwn + position, other.isSelected(position));
   }
+  getDataTable().appendSamples(other.getDataTableConst());
+  _samplesChanged();
+  if (someUnselected)
+    setSelection(selection);
 }
 
 void NbdDataPoints::clearSamples()

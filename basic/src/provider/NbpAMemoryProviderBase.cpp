@@ -41,8 +41,9 @@ QString NbpAMemoryProviderBase<I>::addVariableEnum(const QString &name, std::vec
                                                    const NbdEnumCatalog &catalog,
                                                    const NbdVariableDetails &details)
 {
-  return _storage->call(
-      [&] { return _storage->addVariable(name, makeEnumColumn(std::move(codes), catalog), details); });
+  return _storage->call([&] {
+    return _storage->addVariable(name, makeEnumColumn(std::move(codes), catalog), details);
+  });
 }
 
 template <class I>
@@ -72,8 +73,7 @@ template <class I>
 QString NbpAMemoryProviderBase<I>::_addRealization(const QString &macroId,
                                                    const NbdMacroIndex &index, Values values)
 {
-  return _storage->call(
-      [&] { return _storage->addRealization(macroId, index, toColumn(values)); });
+  return _storage->call([&] { return _storage->addRealization(macroId, index, toColumn(values)); });
 }
 
 template <class I>

@@ -21,8 +21,7 @@ NbpAMemoryProviderLine::NbpAMemoryProviderLine(const NbgEDimension &dimension,
       _firstOfLine(nSamplesPerLine.size() + 1, 0)
 {
   std::transform(nSamplesPerLine.begin(), nSamplesPerLine.end(), _firstOfLine.begin(),
-                 _firstOfLine.begin() + 1,
-                 [](int count, qint64 first) { return first + count; });
+                 _firstOfLine.begin() + 1, [](int count, qint64 first) { return first + count; });
 }
 
 NbdObjectDefinitions NbpAMemoryProviderLine::getObjectDefinitions() const
@@ -62,7 +61,7 @@ bool NbpAMemoryProviderLine::readObjectsCoordinates(const QList<int> &lineRanks,
   return storage.call([&] {
     NbpRuns runs;
     const int n = _appendRuns(lineRanks, runs);
-    storage.readCoordinates(_getNDim(), runs, n, {x, y, z});
+    storage.readCoordinates(getDimension().getNDim(), runs, n, {x, y, z});
     return true;
   });
 }
@@ -85,7 +84,8 @@ bool NbpAMemoryProviderLine::replaceObjectSamples(int lineRank, int count)
   return storage.call([&] {
     _checkLine(lineRank);
     if (count < 0)
-      throw NbeError(NbeError::STORAGE, QObject::tr("The number of samples of a line is negative."));
+      throw NbeError(NbeError::STORAGE,
+                     QObject::tr("The number of samples of a line is negative."));
     const qint64 first = _firstOfLine[lineRank];
     const qint64 nOld = _firstOfLine[lineRank + 1] - first;
     storage.replaceSamples(first, nOld, count);

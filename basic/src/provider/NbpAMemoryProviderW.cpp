@@ -118,7 +118,8 @@ bool NbpAMemoryProviderW<I>::appendSamples(qint64 count)
     if (!std::is_same_v<I, NbpIProviderW>)
       throw NbeError(NbeError::STORAGE, QObject::tr("Samples can be appended to points only."));
     if (count < 0)
-      throw NbeError(NbeError::STORAGE, QObject::tr("The number of samples to append is negative."));
+      throw NbeError(NbeError::STORAGE,
+                     QObject::tr("The number of samples to append is negative."));
     storage.replaceSamples(storage.getSampleCount(), 0, count);
     return true;
   });

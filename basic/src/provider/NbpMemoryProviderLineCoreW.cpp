@@ -2,7 +2,8 @@
 
 #include "basic/data/NbdEVarRole.h"
 
-NbpMemoryProviderLineCoreW::NbpMemoryProviderLineCoreW(const NbgEDimension &dimension, const std::vector<int> &nSamplesPerLine)
+NbpMemoryProviderLineCoreW::NbpMemoryProviderLineCoreW(const NbgEDimension &dimension,
+                                                       const std::vector<int> &nSamplesPerLine)
     : NbpAMemoryProviderLine(dimension, nSamplesPerLine)
 {
 }

@@ -2,7 +2,8 @@
 
 #include "basic/data/NbdEVarRole.h"
 
-NbpMemoryProviderLinePointW::NbpMemoryProviderLinePointW(const NbgEDimension &dimension, const std::vector<int> &nSamplesPerLine)
+NbpMemoryProviderLinePointW::NbpMemoryProviderLinePointW(const NbgEDimension &dimension,
+                                                         const std::vector<int> &nSamplesPerLine)
     : NbpAMemoryProviderLine(dimension, nSamplesPerLine)
 {
 }

@@ -1,6 +1,7 @@
 #include "basic/provider/NbpMemoryProviderLineW.h"
 
-NbpMemoryProviderLineW::NbpMemoryProviderLineW(const NbgEDimension &dimension, const std::vector<int> &nSamplesPerLine)
+NbpMemoryProviderLineW::NbpMemoryProviderLineW(const NbgEDimension &dimension,
+                                               const std::vector<int> &nSamplesPerLine)
     : NbpAMemoryProviderLine(dimension, nSamplesPerLine)
 {
 }

@@ -96,7 +96,9 @@ protected:
   /// are selected.
   void _samplesChanged();
 
-  /// To be called when the sample at `position` goes, before the number of samples changes.
+  /// To be called, before the number of samples changes, when samples come in between (they are
+  /// selected) or one goes.
+  void _insertIntoSelection(int position, int count);
   void _removeFromSelection(int position);
 
 private:

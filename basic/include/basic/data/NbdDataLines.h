@@ -6,6 +6,9 @@
 #include <QVector>
 
 /// A buffer of whole lines (boreholes): their selected samples, line after line.
+///
+/// Whoever changes the number of samples through the operations of points tells with
+/// setNSamplesPerLine() how the lines share them.
 class NbdDataLines : public NbdDataPoints
 {
 public:

@@ -14,13 +14,18 @@
 #include <variant>
 #include <vector>
 
+class NbdAVariable;
 class NbdEnumCatalog;
 class NbdEVarRole;
 class NbdMacroIndexInfo;
+class NbdVariableDouble;
 class NbdVariableSelection;
 class NbdVarTypeFlags;
+class NbgBox;
+class NbgEDimension;
 class NbgGeomGrid;
 class NbiIntervalIntLarge;
+class NbiIntervalIntSmall;
 class NbpMemoryStorage;
 
 /// Data file held in memory: its catalogue, its selection, and the operations that fill it.
@@ -120,9 +125,9 @@ protected:
                                  std::vector<double> values);
 
 private:
-  using Values = std::variant<std::vector<double>, std::vector<float>, std::vector<int>,
-                              std::vector<qint64>, std::vector<bool>, std::vector<QString>,
-                              std::vector<NbgVector3D>>;
+  using Values =
+      std::variant<std::vector<double>, std::vector<float>, std::vector<int>, std::vector<qint64>,
+                   std::vector<bool>, std::vector<QString>, std::vector<NbgVector3D>>;
 
   QString _addVariable(const QString &name, Values values, const NbdVariableDetails &details);
   QString _addRealization(const QString &macroId, const NbdMacroIndex &index, Values values);

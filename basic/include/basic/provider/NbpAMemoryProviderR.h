@@ -2,8 +2,6 @@
 
 #include "basic/provider/NbpAMemoryProviderBase.h"
 
-class NbdAVariable;
-
 /// Data file in memory: reading of ranges. Without selection a range is one block copy.
 template <class Interface>
 class NbpAMemoryProviderR : public NbpAMemoryProviderBase<Interface>

@@ -60,8 +60,6 @@ void NbpMemoryStorage::_setError(const QString &text) const
   _errors[std::this_thread::get_id()] = text;
 }
 
-
-
 QStringList NbpMemoryStorage::getVariableIds() const
 {
   QStringList ids;
@@ -169,8 +167,6 @@ NbpMemoryStorage::Entry &NbpMemoryStorage::_findColumn(const QString &id) const
   return entry;
 }
 
-
-
 QString NbpMemoryStorage::addVariable(const QString &name, std::unique_ptr<NbpAMemoryColumn> column,
                                       const NbdVariableDetails &details, Lifetime lifetime)
 {
@@ -187,10 +183,11 @@ QString NbpMemoryStorage::addEmptyVariable(const QString &name, Nbd::EVariableTy
                                            const NbdVariableDetails &details,
                                            const NbdEnumCatalog *catalog, Lifetime lifetime)
 {
-  auto column = type == Nbd::TYPE_ENUM && catalog
-                    ? makeEnumColumn(std::vector<qint16>(std::size_t(_nSamples), NbbGlobal::I16_FFFF),
-                                     *catalog)
-                    : makeColumn(type, _nSamples);
+  auto column =
+      type == Nbd::TYPE_ENUM && catalog
+          ? makeEnumColumn(std::vector<qint16>(std::size_t(_nSamples), NbbGlobal::I16_FFFF),
+                           *catalog)
+          : makeColumn(type, _nSamples);
   return addVariable(name, std::move(column), details, lifetime);
 }
 
@@ -225,7 +222,8 @@ QString NbpMemoryStorage::addRealization(const QString &macroId, const NbdMacroI
 {
   Entry &macro = _findMacro(macroId);
   if (macro.realizations.count(index) > 0)
-    fail(QObject::tr("Variable %1 already has a realization %2.").arg(macro.name, index.toString()));
+    fail(
+        QObject::tr("Variable %1 already has a realization %2.").arg(macro.name, index.toString()));
   if (!macro.indexInfo->isConsistent(index))
     fail(QObject::tr("%2 is not an index of macro variable %1.").arg(macro.name, index.toString()));
   if (column->getType() != macro.type)
@@ -326,11 +324,11 @@ void NbpMemoryStorage::_erase(const Entry &entry)
   if (_byName.value(entry.name) == &entry)
     _byName.remove(entry.name);
   _byId.remove(entry.id);
-  const auto isEntry = [&entry](const std::unique_ptr<Entry> &other) { return other.get() == &entry; };
+  const auto isEntry = [&entry](const std::unique_ptr<Entry> &other) {
+    return other.get() == &entry;
+  };
   _entries.erase(std::find_if(_entries.begin(), _entries.end(), isEntry));
 }
-
-
 
 bool NbpMemoryStorage::_isOpenForWriting(const Entry &entry)
 {
@@ -360,8 +358,6 @@ bool NbpMemoryStorage::isOpen(const QString &id) const
   const Entry &entry = _find(id);
   return entry.nOpenings > 0 || (entry.macro && entry.macro->nOpenings > 0);
 }
-
-
 
 void NbpMemoryStorage::setSelectionId(const QString &id)
 {
@@ -410,8 +406,6 @@ const NbpMemorySelection &NbpMemoryStorage::_getSelection() const
     _selection.emplace(_find(_selectionId).column->getFlags());
   return *_selection;
 }
-
-
 
 void NbpMemoryStorage::checkRange(qint64 first, qint64 last) const
 {

@@ -175,7 +175,8 @@ private:
   QHash<QString, Entry *> _byName;
   std::map<int, QString> _structuralIds;
   QString _selectionId;
-  mutable std::optional<NbpMemorySelection> _selection;  ///< in memory, or the flags of _selectionId
+  mutable std::optional<NbpMemorySelection>
+      _selection;  ///< in memory, or the flags of _selectionId
 };
 
 template <typename Function>

@@ -41,8 +41,7 @@ public:
 class NbpGridCoordinateColumn : public NbpServedColumn
 {
 public:
-  NbpGridCoordinateColumn(const NbgGeomGrid &geometry, int axis)
-      : _geometry(geometry), _axis(axis)
+  NbpGridCoordinateColumn(const NbgGeomGrid &geometry, int axis) : _geometry(geometry), _axis(axis)
   {
   }
 

@@ -53,10 +53,7 @@ void withArray(NbdAVariable &variable, const Function &function)
     void mutate(NbdVariableInt64 &v) override { call(v.getArray()); }
     void mutate(NbdVariableSelection &v) override { call(v.getArray()); }
     void mutate(NbdVariableEnum &v) override { call(v.getArray()); }
-    void mutate(NbdVariableMulti &v) override
-    {
-      call(v.getArray(v.getCurrentRealizationRank()));
-    }
+    void mutate(NbdVariableMulti &v) override { call(v.getArray(v.getCurrentRealizationRank())); }
     void mutate(NbdVariableAlpha &v) override { call(v.getArray()); }
     void mutate(NbdVariablePoint3D &v) override { call(v.getArray()); }
     void mutate(NbdVariableColor &v) override { call(v.getArray()); }
