@@ -5,6 +5,7 @@
 #include "basic/geom/NbgBox.h"
 #include "basic/geom/NbgGeomCuboid.h"
 #include "basic/geom/NbgGeomGrid.h"
+#include "support/Errors.h"
 
 #include <gtest/gtest.h>
 
@@ -124,14 +125,8 @@ TEST(NgmBlock, SaysWhatIsWrong)
     EXPECT_EQ(why, QString::fromLatin1(test.why));
     EXPECT_FALSE(block.isValid());
     QVector<NbgVector3D> points;
-    try {
-      block.getDiscretizationPoints(points);
-      ADD_FAILURE() << test.why;
-    } catch (const NbeProgrammingError &error) {
-      EXPECT_TRUE(error.getMessage().endsWith(
-          QStringLiteral("' in file 'interpol\\NgmBlock' failed:\n\n%1").arg(why)))
-          << error.getMessage().toStdString();
-    }
+    testsupport::expectAssertion(QStringLiteral("interpol\\NgmBlock"), why,
+                                 [&] { block.getDiscretizationPoints(points); });
   }
   QString why;
   EXPECT_TRUE(makeBlock(false, {1., 1., 0.}, {1, 1, 0}).isValid()) << "W does not count in 2D";

@@ -1,8 +1,8 @@
 #include "basic/data/NbdVariableDouble.h"
-#include "basic/error/NbeProgrammingError.h"
 #include "geos/interpol/NgmTarget.h"
 #include "geos/vmodel/NgmAVStruct.h"
 #include "geos/vmodel/NgmVModel.h"
+#include "support/Errors.h"
 #include "support/Random.h"
 
 #include <gtest/gtest.h>
@@ -345,16 +345,7 @@ TEST(NgmVModelCovas, GeneralFormOfTheLoopAgreesWithTheFusedOnes)
 
 TEST(NgmVModelCovas, RefusesMatricesOfAnotherShape)
 {
-  const auto raises = [](const std::function<void()> &call, const char *condition) {
-    try {
-      call();
-    } catch (const NbeProgrammingError &error) {
-      return error.getMessage().endsWith(
-          QStringLiteral("' in file 'vmodel\\NgmVModel' failed:\n\n") +
-          QString::fromLatin1(condition));
-    }
-    return false;
-  };
+  const QString path = QStringLiteral("vmodel\\NgmVModel");
   const NgmVModel model = makeBivariate();
   const Samples s(4);
   const auto all = [&](int rows, int columns) {
@@ -365,10 +356,11 @@ TEST(NgmVModelCovas, RefusesMatricesOfAnotherShape)
     NgmMatrix covas(rows, columns, false);
     model.calcCovasPointSet(NbgVector3D(), 4, s.x.data(), s.y.data(), s.z.data(), covas);
   };
-  EXPECT_TRUE(raises([&] { all(7, 7); }, "wrong matrix size"));
-  EXPECT_TRUE(raises([&] { all(8, 7); }, "wrong matrix size"));
-  EXPECT_TRUE(raises([&] { point(7, 2); }, "wrong number of rows"));
-  EXPECT_TRUE(raises([&] { point(8, 1); }, "wrong number of columns"));
+  testsupport::expectAssertion(path, QStringLiteral("wrong matrix size"), [&] { all(7, 7); });
+  testsupport::expectAssertion(path, QStringLiteral("wrong matrix size"), [&] { all(8, 7); });
+  testsupport::expectAssertion(path, QStringLiteral("wrong number of rows"), [&] { point(7, 2); });
+  testsupport::expectAssertion(path, QStringLiteral("wrong number of columns"),
+                               [&] { point(8, 1); });
   EXPECT_NO_THROW(all(8, 8));
   EXPECT_NO_THROW(point(9, 2));
 }

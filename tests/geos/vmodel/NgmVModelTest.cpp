@@ -1,9 +1,8 @@
 #include "geos/vmodel/NgmVModel.h"
 
 #include "basic/error/NbeProgrammingError.h"
-#include "geos/vmodel/NgmVStructCubic.h"
-#include "geos/vmodel/NgmVStructSpherical.h"
 #include "geos/vmodel/NgmVStructStable.h"
+#include "support/Errors.h"
 #include "support/SerializationFuzz.h"
 
 #include <QDataStream>
@@ -15,29 +14,11 @@
 
 namespace {
 
+using testsupport::errorOf;
+using testsupport::expectAssertion;
+
 const QString SPHERICAL = QStringLiteral("Spherical");
 const QString EXPONENTIAL = QStringLiteral("Exponential");
-
-QString messageOf(const std::function<void()> &call)
-{
-  try {
-    call();
-  } catch (const NbeProgrammingError &error) {
-    return error.getMessage();
-  }
-  return QStringLiteral("(nothing raised)");
-}
-
-/// "'...' in file 'path' failed:\n\ncondition"
-::testing::AssertionResult isAssertion(const QString &message, const char *path,
-                                       const QString &condition)
-{
-  const QString end =
-      QStringLiteral("' in file '%1' failed:\n\n%2").arg(QString::fromLatin1(path), condition);
-  if (message.endsWith(end))
-    return ::testing::AssertionSuccess();
-  return ::testing::AssertionFailure() << message.toStdString();
-}
 
 NgmMatrix matrix2(double a, double b, double c)
 {
@@ -67,10 +48,10 @@ NgmVModel makeModel()
 
 TEST(NgmVModel, NumberOfVariablesIsLimited)
 {
-  EXPECT_EQ(messageOf([] { NgmVModel model(1000); }),
+  EXPECT_EQ(errorOf([] { NgmVModel model(1000); }),
             QStringLiteral("NgmVModel::NgmVModel: invalid number of variables."));
   NgmVModel model = makeModel();
-  EXPECT_EQ(messageOf([&] { model.setNVariables(1000); }),
+  EXPECT_EQ(errorOf([&] { model.setNVariables(1000); }),
             QStringLiteral("NgmVModel::setNVariables: invalid number of variables"));
   model.setNVariables(2);
   EXPECT_EQ(model.getNStructures(), 3);
@@ -116,9 +97,9 @@ TEST(NgmVModel, CopiesAreDeep)
 TEST(NgmVModel, SillMatricesNeedNonNegativeEigenvalues)
 {
   NgmVModel model(2);
-  EXPECT_EQ(messageOf([&] { model.addStructure(SPHERICAL, matrix2(1., 1.1, 1.)); }),
+  EXPECT_EQ(errorOf([&] { model.addStructure(SPHERICAL, matrix2(1., 1.1, 1.)); }),
             QStringLiteral("NgmVModel::_addStructure: sills matrix must be positive definite"));
-  EXPECT_EQ(messageOf([&] { model.addStructure(SPHERICAL, matrix2(1., 1. + 1e-14, 1.)); }),
+  EXPECT_EQ(errorOf([&] { model.addStructure(SPHERICAL, matrix2(1., 1. + 1e-14, 1.)); }),
             QStringLiteral("NgmVModel::_addStructure: sills matrix must be positive definite"));
   EXPECT_EQ(model.getNStructures(), 0);
   EXPECT_EQ(model.addStructure(SPHERICAL, matrix2(1., 0., 0.)), 0);
@@ -205,11 +186,11 @@ TEST(NgmVModel, RefusesBadArguments)
       {[&] { model.setContextIrfDegree(-2); }, "NgmAVStruct::setContext: invalid Irf Degree"},
   };
   for (const auto &test : cases)
-    EXPECT_EQ(messageOf(test.call), QString::fromLatin1(test.message));
-  EXPECT_TRUE(isAssertion(messageOf([&] { model.getStructure(3); }), "geos/vmodel/NgmVModel",
-                          QStringLiteral("argument invalid : 3")));
-  EXPECT_TRUE(isAssertion(messageOf([&] { model.setRanges(-1, NbgVector3D::Unit); }),
-                          "geos/vmodel/NgmVModel", QStringLiteral("argument invalid : -1")));
+    EXPECT_EQ(errorOf(test.call), QString::fromLatin1(test.message));
+  expectAssertion(QStringLiteral("geos/vmodel/NgmVModel"), QStringLiteral("argument invalid : 3"),
+                  [&] { model.getStructure(3); });
+  expectAssertion(QStringLiteral("geos/vmodel/NgmVModel"), QStringLiteral("argument invalid : -1"),
+                  [&] { model.setRanges(-1, NbgVector3D::Unit); });
   EXPECT_THROW(model.addStructure(QStringLiteral("spherical"), 1.), NbeProgrammingError);
   EXPECT_EQ(model.debug(0), before);
 }
@@ -260,8 +241,9 @@ TEST(NgmVModel, RotationFlagsFollowTheStructures)
   EXPECT_TRUE(model.hasGlobalRotation()) << "closer than the tolerance";
   model.setRotation(0, NbgRotation(60., 0., 0.));
   EXPECT_FALSE(model.hasGlobalRotation());
-  EXPECT_TRUE(isAssertion(messageOf([&] { model.getGlobalRange(); }), "vmodel\\NgmVModel",
-                          QStringLiteral("Can't be used with mixed rotations")));
+  expectAssertion(QStringLiteral("vmodel\\NgmVModel"),
+                  QStringLiteral("Can't be used with mixed rotations"),
+                  [&] { model.getGlobalRange(); });
   // Structure 0 has the largest sill of variable 0.
   EXPECT_TRUE(model.getMajorRotation() == NbgRotation(60., 0., 0.));
   model.setGlobalRotation(NbgRotation());
@@ -345,10 +327,11 @@ TEST(NgmVModel, MakeAuthorizedRepairsAndChecks)
 
   NgmVModel null(2);
   null.addStructure(SPHERICAL, matrix2(1., 0., 0.));
-  EXPECT_TRUE(isAssertion(
-      messageOf([&] { null.makeAuthorized(); }), "vmodel\\NgmVModel",
+  expectAssertion(
+      QStringLiteral("vmodel\\NgmVModel"),
       QStringLiteral(
-          "The variance-covariance matrix at zero distance is not strictly definite-positive")));
+          "The variance-covariance matrix at zero distance is not strictly definite-positive"),
+      [&] { null.makeAuthorized(); });
 }
 
 TEST(NgmVModel, MakeAuthorizedShrinksPerfectCorrelations)
@@ -369,8 +352,7 @@ TEST(NgmVModel, FirstStructureDecidesWhetherDirectionsAreCovered)
   model.addStructure(EXPONENTIAL, 1.);
   const QString uncovered =
       QStringLiteral("Model is not correctly defined as a direction is not covered");
-  EXPECT_TRUE(
-      isAssertion(messageOf([&] { model.makeAuthorized(); }), "vmodel\\NgmVModel", uncovered));
+  expectAssertion(QStringLiteral("vmodel\\NgmVModel"), uncovered, [&] { model.makeAuthorized(); });
   model.setContextNDim(2);
   EXPECT_TRUE(model.makeAuthorized());
   model.setContextNDim(3);

@@ -4,6 +4,7 @@
 #include "geos/vmodel/NgmAVStruct.h"
 #include "geos/vmodel/NgmVStructFactory.h"
 #include "support/CsvFile.h"
+#include "support/Errors.h"
 #include "support/Random.h"
 #include "vmodel/private/NgmVStructKernels.h"
 
@@ -14,6 +15,7 @@
 
 namespace {
 
+using testsupport::errorOf;
 using testsupport::uniform;
 
 const NgmEVStruct ALL_TYPES[] = {NgmEVStruct::EXPONENTIAL, NgmEVStruct::SPHERICAL,
@@ -30,16 +32,6 @@ std::unique_ptr<NgmAVStruct> make(const NgmEVStruct &type)
 void setUnitScale(NgmAVStruct &structure)
 {
   structure.setRangeIsotropic(structure.getPracticalScaleFactor() / structure.getTheoScaleFactor());
-}
-
-QString messageOf(const std::function<void()> &call)
-{
-  try {
-    call();
-  } catch (const NbeProgrammingError &error) {
-    return error.getMessage();
-  }
-  return QStringLiteral("(nothing raised)");
 }
 
 double covaAt(const NgmAVStruct &structure, double dist)
@@ -180,11 +172,11 @@ TEST(NgmVStruct, DerivativesAreThoseOfTheCovariance)
   }
   const auto spherical = make(NgmEVStruct::SPHERICAL);
   EXPECT_FALSE(spherical->isDifferentiable());
-  EXPECT_EQ(messageOf([&] { spherical->calcFirstDerivative(NbgVector3D::X); }),
+  EXPECT_EQ(errorOf([&] { spherical->calcFirstDerivative(NbgVector3D::X); }),
             QStringLiteral("NgmAVStruct::calcFirstDerivative: should never be called"));
-  EXPECT_EQ(messageOf([&] { spherical->calcSecondDerivative(NbgVector3D::X); }),
+  EXPECT_EQ(errorOf([&] { spherical->calcSecondDerivative(NbgVector3D::X); }),
             QStringLiteral("NgmAVStruct::calcSecondDerivative: should never be called"));
-  EXPECT_EQ(messageOf([&] { spherical->calcCovaFromVectors(0, nullptr, nullptr); }),
+  EXPECT_EQ(errorOf([&] { spherical->calcCovaFromVectors(0, nullptr, nullptr); }),
             QStringLiteral("NgmAVStruct::calcCovaFromVectors: should never be called"));
 }
 
@@ -236,9 +228,9 @@ TEST(NgmVStruct, RefusesRangesAndLeavesTheStructureUnchanged)
                {{1., 1., -3.}, "NgmAVStruct::setRanges: Invalid range for Z Component"},
                {{1., 1., std::nan("")}, "NgmAVStruct::setRanges: Invalid range for Z Component"}};
   for (const auto &test : cases)
-    EXPECT_EQ(messageOf([&] { structure->setRanges(test.ranges); }),
+    EXPECT_EQ(errorOf([&] { structure->setRanges(test.ranges); }),
               QString::fromLatin1(test.message));
-  EXPECT_EQ(messageOf([&] { structure->setRangeIsotropic(0.); }),
+  EXPECT_EQ(errorOf([&] { structure->setRangeIsotropic(0.); }),
             QStringLiteral("NgmAVStruct::setRangeIsotropic: Invalid range"));
   EXPECT_DOUBLE_EQ(structure->getPracticalRanges().z(), 30.);
 }
@@ -277,7 +269,7 @@ TEST(NgmVStruct, AuxiliaryParameters)
     EXPECT_EQ(structure->getAuxiliaryName(0), QString(QChar(0x03B1)));
     EXPECT_TRUE(structure->getAuxiliaryBounds(0) ==
                 NbiIntervalData(0., test.upper, false, test.upperIncluded));
-    EXPECT_EQ(messageOf([&] { structure->setAuxiliaryParameter(0, 0.); }),
+    EXPECT_EQ(errorOf([&] { structure->setAuxiliaryParameter(0, 0.); }),
               QString::fromLatin1(test.className) +
                   QStringLiteral("::setAuxiliaryParameter: Auxiliary parameter out of bounds"));
     EXPECT_EQ(structure->getAuxiliaryValue(0), 1.);
@@ -293,7 +285,7 @@ TEST(NgmVStruct, AuxiliaryParameters)
 TEST(NgmVStruct, ContextOfALowerDegreeThanTheStructureIsRefused)
 {
   const auto structure = make(NgmEVStruct::SPHERICAL);
-  EXPECT_EQ(messageOf([&] { structure->setContext(NgmModelContext(-2, 3, 0.)); }),
+  EXPECT_EQ(errorOf([&] { structure->setContext(NgmModelContext(-2, 3, 0.)); }),
             QStringLiteral("NgmAVStruct::setContext: invalid Irf Degree"));
   EXPECT_EQ(structure->getContext().getMaxIrfDegree(), 99);
 }
