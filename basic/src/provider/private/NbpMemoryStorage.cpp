@@ -6,6 +6,7 @@
 #include "basic/data/NbdVarTypeFlags.h"
 #include "basic/data/NbdVariableDouble.h"
 #include "basic/data/NbdVariableSelection.h"
+#include "basic/error/NbeAssertion.h"
 #include "provider/private/NbpMemoryColumn.h"
 #include "provider/private/NbpServedColumns.h"
 
@@ -34,8 +35,10 @@ const NbdEVarRole &coordinateRole(int axis)
 
 }  // namespace
 
-NbpMemoryStorage::NbpMemoryStorage(qint64 nSamples) : _nSamples(std::max<qint64>(nSamples, 0))
+NbpMemoryStorage::NbpMemoryStorage(qint64 nSamples) : _nSamples(nSamples)
 {
+  if (nSamples < 0)
+    NBE_FAIL(QStringLiteral("nSamples >= 0"));
   _addServed(NbdEVarRole::SN, std::make_unique<NbpSampleNumberColumn>());
 }
 
