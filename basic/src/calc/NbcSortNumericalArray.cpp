@@ -4,17 +4,48 @@
 #include "basic/error/NbeAssertion.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstring>
 #include <type_traits>
+#include <vector>
 
 namespace {
 
-template <class T>
-struct Keyed
+/// Values are sorted by a key whose unsigned order is the wanted one.
+struct Item
 {
-  T value;
+  quint64 key;
   int rank;
 };
+
+constexpr quint64 SIGN_BIT = quint64(1) << 63;
+constexpr quint64 LAST_KEY = ~quint64(0);
+
+/// Bits of IEEE 754 numbers order like integers once those of negative numbers are inverted.
+/// Infinities and other undefined numbers keep their order behind the defined ones, except
+/// -infinity and NaN, which come last.
+quint64 keyOf(double value)
+{
+  if (std::isnan(value))
+    return LAST_KEY;
+  if (std::isinf(value) && value < 0.)
+    return LAST_KEY - 1;
+  const double withoutNegativeZero = value + 0.;
+  quint64 bits;
+  std::memcpy(&bits, &withoutNegativeZero, sizeof(bits));
+  return bits & SIGN_BIT ? ~bits : bits | SIGN_BIT;
+}
+
+quint64 keyOf(qint64 value)
+{
+  return NbbGlobal::isDefined(value) ? quint64(value) ^ SIGN_BIT : LAST_KEY;
+}
+
+quint64 keyOf(int value)
+{
+  return NbbGlobal::isDefined(value) ? keyOf(qint64(value)) : LAST_KEY;
+}
 
 template <class T>
 double toDouble(T value)
@@ -25,25 +56,57 @@ double toDouble(T value)
     return NbbGlobal::isDefined(value) ? double(value) : NbbGlobal::D_FFFF;
 }
 
-/// Rank as second key makes an unstable sort give the stable order.
-template <class T, class Before>
-void sortStable(std::vector<Keyed<T>> &items, Before before)
+constexpr int RADIX_BITS = 8;
+constexpr int N_PASSES = 8;
+constexpr size_t N_BUCKETS = size_t(1) << RADIX_BITS;
+
+/// Below this number of values the radix sort does not repay its counters (measured).
+constexpr size_t RADIX_MINIMUM = 1500;
+
+size_t bucketOf(quint64 key, int pass)
 {
-  std::sort(items.begin(), items.end(), [before](const Keyed<T> &a, const Keyed<T> &b) {
-    if (before(a.value, b.value))
-      return true;
-    return !before(b.value, a.value) && a.rank < b.rank;
-  });
+  return size_t(key >> (pass * RADIX_BITS)) & (N_BUCKETS - 1);
 }
 
-template <class T>
-bool isLessNanLast(T a, T b)
+/// Stable sort by key, from the least significant bits up; passes in which all keys agree are left
+/// out.
+void radixSort(std::vector<Item> &items)
 {
-  if constexpr (std::is_floating_point_v<T>) {
-    if (std::isnan(a) || std::isnan(b))
-      return !std::isnan(a);
+  std::vector<std::array<size_t, N_BUCKETS>> counts(N_PASSES);
+  for (auto &ofPass : counts)
+    ofPass.fill(0);
+  for (const Item &item : items) {
+    for (int pass = 0; pass < N_PASSES; ++pass)
+      ++counts[size_t(pass)][bucketOf(item.key, pass)];
   }
-  return a < b;
+
+  std::vector<Item> sorted(items.size());
+  for (int pass = 0; pass < N_PASSES; ++pass) {
+    std::array<size_t, N_BUCKETS> &positions = counts[size_t(pass)];
+    if (positions[bucketOf(items.front().key, pass)] == items.size())
+      continue;
+    size_t position = 0;
+    for (size_t &count : positions) {
+      const size_t next = position + count;
+      count = position;
+      position = next;
+    }
+    for (const Item &item : items)
+      sorted[positions[bucketOf(item.key, pass)]++] = item;
+    items.swap(sorted);
+  }
+}
+
+void sortStable(std::vector<Item> &items)
+{
+  if (items.size() >= RADIX_MINIMUM) {
+    radixSort(items);
+    return;
+  }
+  // The rank as second key makes any sort stable.
+  std::sort(items.begin(), items.end(), [](const Item &a, const Item &b) {
+    return a.key != b.key ? a.key < b.key : a.rank < b.rank;
+  });
 }
 
 }  // namespace
@@ -71,25 +134,20 @@ NbcSortNumericalArray::NbcSortNumericalArray(const qint64 *values, int n, Mode m
 template <class T>
 void NbcSortNumericalArray::_sort(const T *values, int n, Mode mode)
 {
-  std::vector<Keyed<T>> defined, undefined;
-  defined.reserve(size_t(std::max(0, n)));
-  for (int i = 0; i < n; ++i)
-    (NbbGlobal::isDefined(values[i]) ? defined : undefined).push_back({values[i], i});
-
-  if (mode == DECREASING_STABLE) {
-    sortStable(defined, [](T a, T b) { return a > b; });
-  } else {
-    sortStable(defined, [](T a, T b) { return a < b; });
-    sortStable(undefined, isLessNanLast<T>);
+  std::vector<Item> items(size_t(std::max(0, n)));
+  for (int i = 0; i < n; ++i) {
+    quint64 key = keyOf(values[i]);
+    if (mode == DECREASING_STABLE)
+      key = NbbGlobal::isDefined(values[i]) ? ~key : LAST_KEY;
+    items[size_t(i)] = {key, i};
   }
+  sortStable(items);
 
   _ranks.reserve(n);
   _elements.reserve(n);
-  for (const std::vector<Keyed<T>> *items : {&defined, &undefined}) {
-    for (const Keyed<T> &item : *items) {
-      _ranks.append(item.rank);
-      _elements.append(toDouble(item.value));
-    }
+  for (const Item &item : items) {
+    _ranks.append(item.rank);
+    _elements.append(toDouble(values[item.rank]));
   }
 }
 

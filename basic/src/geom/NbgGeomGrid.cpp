@@ -17,6 +17,10 @@ int cellAt(double t, double tolerance, int n)
   return std::min(int(std::floor(t + tolerance)), n - 1);
 }
 
+/// The largest part of a cell within which a place may be taken for a border or a center; beyond it
+/// the grid is finer than its coordinates.
+constexpr double LARGEST_TOLERANCE = 1e-3;
+
 /// The cells between two places on an axis, clipped to 0 .. n - 1.
 NbiIntervalIntSmall cellsBetween(double lower, double upper, double tolerance, int n)
 {
@@ -38,6 +42,14 @@ int multiply(int a, int b)
   if (product > std::numeric_limits<int>::max())
     NBE_FAIL(QStringLiteral("Too many nodes along an axis"));
   return int(product);
+}
+
+/// Component by component, the coordinate that is farther from 0.
+NbgVector3D farthest(const NbgVector3D &a, const NbgVector3D &b)
+{
+  return {std::fmax(std::fabs(a.x()), std::fabs(b.x())),
+          std::fmax(std::fabs(a.y()), std::fabs(b.y())),
+          std::fmax(std::fabs(a.z()), std::fabs(b.z()))};
 }
 
 int ceilDiv(int a, int b)
@@ -180,20 +192,18 @@ NbiIntervalsIJK NbgGeomGrid::getIJKIntervals(const NbgBox &box) const
 {
   if (!box.isValid() || getGridSize() == 0)
     return NbiIntervalsIJK();
-  NbgVector3D tolerance;
-  NbgVector3D lower = _getCellCoordinates(box.getCorner(0), tolerance);
+  NbgVector3D lower = _getCellCoordinates(box.getCorner(0));
   NbgVector3D upper = lower;
   for (int rank = 1; rank < 8; ++rank) {
-    NbgVector3D cornerTolerance;
-    const NbgVector3D corner = _getCellCoordinates(box.getCorner(rank), cornerTolerance);
+    const NbgVector3D corner = _getCellCoordinates(box.getCorner(rank));
     lower = lower.minimum(corner);
     upper = upper.maximum(corner);
-    tolerance = tolerance.maximum(cornerTolerance);
   }
+  const NbgVector3D corner = farthest(box.getLowerLeftCorner(), box.getUpperRightCorner());
 
   NbiIntervalIntSmall cells[3] = {{}, {}, NbiIntervalIntSmall::fromLength(_nodes.z())};
   for (int axis = 0; axis < getNDim(); ++axis)
-    cells[axis] = cellsBetween(lower[axis], upper[axis], tolerance[axis], _nodes[axis]);
+    cells[axis] = cellsBetween(lower[axis], upper[axis], _getTolerance(corner, axis), _nodes[axis]);
   const NbiIntervalsIJK block(cells[0], cells[1], cells[2]);
   return block.isEmpty() ? NbiIntervalsIJK() : block;
 }
@@ -214,18 +224,20 @@ NbiIntervalIntLargeDisjoint NbgGeomGrid::getSamplesIntervals(const NbiIntervalsI
 
 int NbgGeomGrid::getTrilinearWeights(const NbgVector3D &point, qint64 *ranks, double *weights) const
 {
-  if (!isInside(point))
+  int cell[3];
+  NbgVector3D cells;
+  if (!_getCell(point, getNDim(), cell, cells))
     return 0;
-  NbgVector3D tolerance;
-  const NbgVector3D cells = _getCellCoordinates(point, tolerance);
 
   int base[3] = {0, 0, 0};
   double upper[3] = {0., 0., 0.};  // Weight of the upper neighbor along each axis.
   for (int axis = 0; axis < getNDim(); ++axis) {
     double t = std::clamp(cells[axis] - 0.5, 0., _nodes[axis] - 1.);
     // On a center only this node counts, whatever the last bits of the coordinates are.
-    if (std::fabs(t - std::round(t)) <= tolerance[axis])
-      t = std::round(t);
+    const double center = std::floor(t + 0.5);
+    const double distance = std::fabs(t - center);
+    if (distance < LARGEST_TOLERANCE && distance <= _getTolerance(point, axis))
+      t = center;
     base[axis] = int(t);
     upper[axis] = t - base[axis];
   }
@@ -386,40 +398,49 @@ NbgVector3D NbgGeomGrid::_getLocal(double i, double j, double k) const
       {i * _cellSize.x(), j * _cellSize.y(), _is2D ? 0. : k * _cellSize.z()});
 }
 
-/// Place of a point counted in cells from the grid's lower border, and the rounding error that its
-/// coordinates carry along each axis, in cells.
-NbgVector3D NbgGeomGrid::_getCellCoordinates(const NbgVector3D &point, NbgVector3D &tolerance) const
+/// Place of a point counted in cells from the grid's lower border.
+NbgVector3D NbgGeomGrid::_getCellCoordinates(const NbgVector3D &point) const
 {
-  constexpr double epsilon = 8. * std::numeric_limits<double>::epsilon();
-  constexpr double largest = 1e-3;  // Beyond this the grid is finer than the coordinates.
-  const NbgVector3D magnitude(std::fabs(point.x()) + std::fabs(_origin.x()),
-                              std::fabs(point.y()) + std::fabs(_origin.y()),
-                              std::fabs(point.z()) + std::fabs(_origin.z()));
   const NbgVector3D uvw = getUVW(point);
-  NbgVector3D cells;
-  for (int axis = 0; axis < 3; ++axis) {
-    const NbgVector3D direction = _rotation.getMatrix().getColumn(axis);
-    const double length = std::fabs(direction.x()) * magnitude.x() +
-                          std::fabs(direction.y()) * magnitude.y() +
-                          std::fabs(direction.z()) * magnitude.z();
-    cells[axis] = uvw[axis] / _cellSize[axis] + 0.5;
-    tolerance[axis] = std::min(epsilon * (length / _cellSize[axis] + 1.), largest);
-  }
-  return cells;
+  return {uvw.x() / _cellSize.x() + 0.5, uvw.y() / _cellSize.y() + 0.5,
+          uvw.z() / _cellSize.z() + 0.5};
 }
 
-bool NbgGeomGrid::_getCell(const NbgVector3D &point, int nAxes, int *ijk) const
+/// The rounding error that the coordinates of a point carry along an axis, in cells.
+double NbgGeomGrid::_getTolerance(const NbgVector3D &point, int axis) const
+{
+  constexpr double epsilon = 8. * std::numeric_limits<double>::epsilon();
+  const NbgVector3D direction = _rotation.getMatrix().getColumn(axis);
+  double length = 0.;
+  for (int i = 0; i < 3; ++i)
+    length += std::fabs(direction[i]) * (std::fabs(point[i]) + std::fabs(_origin[i]));
+  return std::min(epsilon * (length / _cellSize[axis] + 1.), LARGEST_TOLERANCE);
+}
+
+/// The cell of a point along the first axes, and its place counted in cells.
+bool NbgGeomGrid::_getCell(const NbgVector3D &point, int nAxes, int *ijk, NbgVector3D &cells) const
 {
   if (!point.isDefined())
     return false;
-  NbgVector3D tolerance;
-  const NbgVector3D cells = _getCellCoordinates(point, tolerance);
+  cells = _getCellCoordinates(point);
   for (int axis = 0; axis < nAxes; ++axis) {
-    ijk[axis] = cellAt(cells[axis], tolerance[axis], _nodes[axis]);
+    const double t = cells[axis];
+    const double lower = std::floor(t);
+    // The tolerance is needed near upper borders only.
+    if (lower >= 0. && t < _nodes[axis] && t - lower < 1. - LARGEST_TOLERANCE)
+      ijk[axis] = int(lower);
+    else
+      ijk[axis] = cellAt(t, _getTolerance(point, axis), _nodes[axis]);
     if (ijk[axis] < 0)
       return false;
   }
   return true;
+}
+
+bool NbgGeomGrid::_getCell(const NbgVector3D &point, int nAxes, int *ijk) const
+{
+  NbgVector3D cells;
+  return _getCell(point, nAxes, ijk, cells);
 }
 
 /// Cell sizes and axes agree so well that over the extents of the grids their nodes stay within

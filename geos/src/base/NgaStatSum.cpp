@@ -111,12 +111,12 @@ void NgaStatSum::fill(NbcStatBasic &record) const
   record.setWeight(weight);
   if (weight <= 0.)
     return;
-  const double mean = _moments[1] / weight;
+  // Rounding in the moments does not show in the statistics of a constant.
+  const bool isConstant = _min == _max;
+  const double mean = isConstant ? _min : _moments[1] / weight;
   record.setMean(mean);
   if (_degree < 2)
     return;
-  // A constant has no variance, whatever rounding leaves in the moments.
-  const bool isConstant = _min == _max;
   record.setVariance(isConstant ? 0. : std::max(0., _moments[2] / weight - mean * mean));
 }
 

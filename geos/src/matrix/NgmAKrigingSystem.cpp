@@ -201,7 +201,7 @@ NgmKrigingSamples NgmAKrigingSystem::_toArrays(const NbdVariableDouble &x,
     _valueArrays[v] = _toArray(*dataVars.at(int(v)), _convertedValues[v]);
 
   NgmKrigingSamples samples;
-  samples.n = int(x.getNValues());
+  samples.n = x.getNValues();
   samples.x = x.getArrayConst();
   samples.y = y.getArrayConst();
   samples.z = z.getArrayConst();
@@ -214,10 +214,9 @@ const double *NgmAKrigingSystem::_toArray(const NbdAVariableNumeric &variable,
 {
   if (const auto *stored = dynamic_cast<const NbdVariableDouble *>(&variable))
     return stored->getArrayConst();
-  const int n = int(variable.getNValues());
+  const int n = variable.getNValues();
   converted.resize(std::size_t(n));
-  for (int i = 0; i < n; ++i)
-    converted[std::size_t(i)] = variable.getValueAsDouble(i);
+  variable.getValuesAsDouble(0, n, converted.data());
   return converted.data();
 }
 

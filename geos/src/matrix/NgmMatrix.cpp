@@ -302,6 +302,12 @@ void NgmMatrix::addColumn()
   resize(_rowCount, _columnCount + 1, true);
 }
 
+void NgmMatrix::_requireSquared() const
+{
+  if (!isSquared())
+    NBE_FAIL(QStringLiteral("isSquared()"));
+}
+
 void NgmMatrix::setMustBeSymmetrical(bool mustBeSymmetrical)
 {
   if (mustBeSymmetrical && !isSymmetrical())

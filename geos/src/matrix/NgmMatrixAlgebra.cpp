@@ -25,6 +25,9 @@ constexpr double SMALLEST_RELATIVE_EIGENVALUE = 1e-15;
 constexpr int MAX_REPAIR_ROUNDS = 1000;
 constexpr int UNBLOCKED_ROWS = 128;
 
+/// The source that messages name.
+const QString SOURCE = QStringLiteral("matrix\\NgmMatrix");
+
 /// Work memory of the calling thread; it grows and is reused.
 double *workspace(std::size_t n)
 {
@@ -107,12 +110,6 @@ double boundDiagonal(double value, double lower, double upper)
 
 }  // namespace
 
-void NgmMatrix::_requireSquared() const
-{
-  if (!isSquared())
-    NBE_FAIL(QStringLiteral("isSquared()"));
-}
-
 // The name of these two is that of the library whose part the numeric library's own threads play.
 
 void NgmMatrix::_initPlasma(int nThreads)
@@ -186,7 +183,7 @@ int NgmMatrix::resolveEquat(NgmMatrix &rhs, int *pivots, int nThreads)
 {
   _requireSquared();
   if (rhs._rowCount != _rowCount)
-    NBE_FAIL(QStringLiteral("rhs.getNRows() == getNRows()"));
+    NBE_FAIL_AT(SOURCE, QStringLiteral("rhs.getNRows() == getNRows()"));
   const int n = _rowCount;
   const int nRhs = rhs._columnCount;
   if (n == 0)
@@ -211,7 +208,9 @@ bool NgmMatrix::_eigenValuesEx(NgmMatrix &values, NgmMatrix &vectors, bool withV
   const int n = source._rowCount;
   const char job = withVectors ? 'V' : 'N';
   values.resize(n, 1, false);
-  vectors = source;
+  // The eigenvectors of a symmetrical matrix are none: the elements only.
+  vectors.resize(n, n, false);
+  vectors.copy(source);
   if (n == 0)
     return false;
   double *a = vectors.elements();
@@ -464,7 +463,7 @@ NgmMatrix NgmMatrix::blockwiseInverse(const NgmMatrix &inverseA, const NgmMatrix
   const int n = inverseA._rowCount;
   const int m = c._rowCount;
   if (!inverseA.isSquared() || !c.isSquared() || b._rowCount != n || b._columnCount != m)
-    NBE_FAIL(QStringLiteral("shapes of the blocks agree"));
+    NBE_FAIL_AT(SOURCE, QStringLiteral("shapes of the blocks agree"));
   const int ldn = std::max(1, n);
   const int ldm = std::max(1, m);
 

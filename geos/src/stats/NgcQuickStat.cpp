@@ -1,7 +1,8 @@
 #include "geos/stats/NgcQuickStat.h"
 
-#include "base/private/NgcBufferColumns.h"
+#include "base/private/NgcSelectedBlocks.h"
 #include "basic/data/NbdAData.h"
+#include "basic/data/NbdVariableSelection.h"
 #include "basic/error/NbeAssertion.h"
 #include "geos/base/NgwAThread.h"
 #include "geos/data/NgdADataSet.h"
@@ -34,9 +35,9 @@ double correlation(const NgaStatSum &sum, const NbcStatMono &record1, const NbcS
 class NgcQuickStat::Worker : public NgwAThread
 {
 public:
-  Worker(NgwThreadPool *pool, NgcQuickStat *calculator)
-      : NgwAThread(pool), _calculator(calculator), _weights(NgcBufferColumns::BLOCK)
+  Worker(NgwThreadPool *pool, NgcQuickStat *calculator) : NgwAThread(pool), _calculator(calculator)
   {
+    std::fill_n(_ones, BLOCK, 1.);
   }
 
 protected:
@@ -55,38 +56,67 @@ protected:
 private:
   void _addBuffer(const NbdAData &buffer, NgaCorrel &sums)
   {
-    const NgcBufferColumns columns(buffer, _calculator->_getRoleV());
-    _values.resize(std::size_t(columns.getNColumns()) * NgcBufferColumns::BLOCK);
-    for (int block = 0; block < columns.getNBlocks(); ++block) {
+    const NbdDataTable &table = buffer.getDataTableConst();
+    _variables = table.getVarsNumeric(_calculator->_getRoleV());
+    _weight = table.getVarNumeric(Nbd::Role::WEIGHT);
+    _mask = table.getVarSelection(Nbd::Role::MASK);
+    _values.resize(std::size_t(_variables.size()) * BLOCK);
+
+    const NgcSelectedBlocks blocks(buffer);
+    for (int block = 0; block < blocks.getNBlocks(); ++block) {
       if (_calculator->_mustStop())
         return;
-      _addBlock(columns, block, sums);
+      _addBlock(blocks, block, sums);
     }
   }
 
-  void _addBlock(const NgcBufferColumns &columns, int block, NgaCorrel &sums)
+  void _addBlock(const NgcSelectedBlocks &blocks, int block, NgaCorrel &sums)
   {
-    const int n = columns.getBlockLength(block);
-    const double *weights = columns.readWeights(block, _calculator->_invertMask, _weights.data());
-    const int nColumns = columns.getNColumns();
-    _pointers.resize(nColumns);
-    for (int i = 0; i < nColumns; ++i) {
-      double *work = _values.data() + std::size_t(i) * NgcBufferColumns::BLOCK;
-      _pointers[i] = columns.read(i, block, work);
-      sums.at(i, i).addValues(n, _pointers[i], weights);
+    const int n = blocks.getLength(block);
+    const double *weights = _readWeights(blocks, block);
+    _columns.clear();
+    for (int i = 0; i < _variables.size(); ++i) {
+      _columns.push_back(
+          blocks.read(*_variables[i], block, _values.data() + std::size_t(i) * BLOCK));
+      sums.at(i, i).addValues(n, _columns[i], weights);
     }
     if (!_calculator->_bivariateStat)
       return;
-    for (int i = 0; i < nColumns; ++i) {
-      for (int j = i + 1; j < nColumns; ++j)
-        NgaStatSum::addPairs(sums.at(i, j), sums.at(j, i), n, _pointers[i], _pointers[j], weights);
+    for (int i = 0; i < _variables.size(); ++i) {
+      for (int j = i + 1; j < _variables.size(); ++j)
+        NgaStatSum::addPairs(sums.at(i, j), sums.at(j, i), n, _columns[i], _columns[j], weights);
     }
   }
 
+  /// The weights of a block, 0 where the mask leaves a sample out; null when all count alike.
+  const double *_readWeights(const NgcSelectedBlocks &blocks, int block)
+  {
+    if (!_weight && !_mask)
+      return nullptr;
+    const int n = blocks.getLength(block);
+    const double *weights = _ones;
+    if (_weight)
+      weights = blocks.read(*_weight, block, _weights);
+    if (!_mask)
+      return weights;
+    double work[BLOCK];
+    const double *mask = blocks.read(*_mask, block, work);
+    const double excluded = _calculator->_invertMask ? 1. : 0.;
+    for (int i = 0; i < n; ++i)
+      _weights[i] = mask[i] == excluded ? 0. : weights[i];
+    return _weights;
+  }
+
+  static constexpr int BLOCK = NgcSelectedBlocks::BLOCK;
+
   NgcQuickStat *_calculator;
+  QList<NbdAVariableNumeric *> _variables;
+  NbdAVariableNumeric *_weight = nullptr;
+  NbdVariableSelection *_mask = nullptr;
   std::vector<double> _values;  // one block per variable
-  std::vector<double> _weights;
-  std::vector<const double *> _pointers;
+  std::vector<const double *> _columns;
+  double _weights[BLOCK];
+  double _ones[BLOCK];
 };
 
 NgcQuickStat::NgcQuickStat(const QString &roleV) : NgcAStat(roleV, true, Nbd::TYPE_DOUBLE)

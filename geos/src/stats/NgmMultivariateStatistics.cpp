@@ -270,7 +270,7 @@ void NgmMultivariateStatistics::_unserialize(QDataStream &stream, unsigned int)
   _checkStream(stream);
   if (nElements != n2)
     NBE_FAIL(QStringLiteral("bad array size"));
-  NgmMatrix rho(int(nNames), int(nNames), false);
+  NgmMatrix rho(names.size(), names.size(), false);
   double *elements = rho.elements();
   for (qint64 k = 0; k < n2; ++k)
     stream >> elements[k];

@@ -2,6 +2,7 @@
 
 #include "basic/error/NbeProgrammingError.h"
 #include "basic/interval/NbiIntervalData.h"
+#include "vmodel/private/NgmCovaKernels.h"
 
 #include <QObject>
 
@@ -122,19 +123,28 @@ void NgmAVStruct::calcCovaFromDist(int /*n*/, const double * /*dist*/, double * 
       QStringLiteral("NgmAVStruct::calcCovaFromDist: should never be called"));
 }
 
-void NgmAVStruct::addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
-                                         double *sum) const
+void NgmAVStruct::calcCovas(const Separations &separations, double sill, bool add, double *covas,
+                            qint64 stride) const
 {
   constexpr int BLOCK = 256;
   double dist[BLOCK];
-  double covas[BLOCK];
-  for (int first = 0; first < n; first += BLOCK) {
-    const int count = std::min(BLOCK, n - first);
-    for (int k = 0; k < count; ++k)
-      dist[k] = std::sqrt(squaredDist[first + k]);
-    calcCovaFromDist(count, dist, covas);
-    for (int k = 0; k < count; ++k)
-      sum[first + k] += sill * covas[k];
+  double values[BLOCK];
+  const Separations &s = separations;
+  for (int t = 0; t < s.nTargets; ++t) {
+    double *out = covas + t * stride;
+    for (int first = 0; first < s.nSamples; first += BLOCK) {
+      const int count = std::min(BLOCK, s.nSamples - first);
+      for (int k = 0; k < count; ++k) {
+        const int i = first + k;
+        const NgmCovaKernels::Vector v = NgmCovaKernels::reduce(
+            {s.targetX[t] - s.x[i], s.targetY[t] - s.y[i], s.targetZ[t] - s.z[i]}, s.rotation,
+            s.anisotropy);
+        dist[k] = NbgVector3D(v.x, v.y, v.z).norm();
+      }
+      calcCovaFromDist(count, dist, values);
+      for (int k = 0; k < count; ++k)
+        out[first + k] = (add ? out[first + k] : 0.) + sill * values[k];
+    }
   }
 }
 

@@ -32,13 +32,6 @@ bool isNearOrigin(const NbgVector3D &h)
          std::abs(h.z()) < ORIGIN_TOLERANCE;
 }
 
-NbgVector3D reducedVector(const NbgVector3D &h, const NgmCovaKernels::Reduction &reduction)
-{
-  NbgVector3D reduced;
-  NgmCovaKernels::reduce(h.getData(), reduction, reduced.getData());
-  return reduced;
-}
-
 NgmMatrix symmetrical(const NgmMatrix &matrix)
 {
   NgmMatrix copy(matrix);
@@ -433,7 +426,7 @@ void NgmVModel::calcCova(const NbgVector3D &h, NgmMatrix &covas) const
     const NgmAVStruct &structure = getStructure(k);
     // An isotropic structure takes the vector that the last anisotropic one left.
     if (!structure.isIsotropic())
-      reduced = reducedVector(h, NgmBulkCovas::reductionOf(*this, k));
+      reduced = NgmBulkCovas::reducedVector(*this, k, h);
     const double rho = structure.calcCova(reduced);
     const NgmMatrix &sills = _sills[std::size_t(k)];
     for (int i = 0; i < _nVariables; ++i)
@@ -462,7 +455,7 @@ double NgmVModel::calcVarioIJ(int i, int j, const NbgVector3D &h) const
 
 double NgmVModel::calcElementaryStructure(const NbgVector3D &h, int index) const
 {
-  return getStructure(index).calcCova(reducedVector(h, NgmBulkCovas::reductionOf(*this, index)));
+  return getStructure(index).calcCova(NgmBulkCovas::reducedVector(*this, index, h));
 }
 
 void NgmVModel::calcAllCovas(const NbdVariableDouble &x, const NbdVariableDouble &y,

@@ -29,10 +29,10 @@ void NgmVStructCauchy::calcCovaFromDist(int n, const double *dist, double *out) 
   covaFromDist(Cauchy{_value}, _scale, n, dist, out);
 }
 
-void NgmVStructCauchy::addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
-                                              double *sum) const
+void NgmVStructCauchy::calcCovas(const Separations &separations, double sill, bool add,
+                                 double *covas, qint64 stride) const
 {
-  NgmVStructKernels::addCovaFromSquaredDist(Cauchy{_value}, _scale, sill, n, squaredDist, sum);
+  NgmVStructKernels::calcCovas(Cauchy{_value}, _scale, separations, sill, add, covas, stride);
 }
 
 double NgmVStructCauchy::_calcPracticalFactor() const

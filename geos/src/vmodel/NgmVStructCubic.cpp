@@ -19,10 +19,10 @@ void NgmVStructCubic::calcCovaFromDist(int n, const double *dist, double *out) c
   covaFromDist(Cubic{}, _scale, n, dist, out);
 }
 
-void NgmVStructCubic::addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
-                                             double *sum) const
+void NgmVStructCubic::calcCovas(const Separations &separations, double sill, bool add,
+                                double *covas, qint64 stride) const
 {
-  NgmVStructKernels::addCovaFromSquaredDist(Cubic{}, _scale, sill, n, squaredDist, sum);
+  NgmVStructKernels::calcCovas(Cubic{}, _scale, separations, sill, add, covas, stride);
 }
 
 double NgmVStructCubic::calcFirstDerivative(const NbgVector3D &reducedH) const

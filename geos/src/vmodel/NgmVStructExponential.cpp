@@ -19,8 +19,8 @@ void NgmVStructExponential::calcCovaFromDist(int n, const double *dist, double *
   covaFromDist(Exponential{}, _scale, n, dist, out);
 }
 
-void NgmVStructExponential::addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
-                                                   double *sum) const
+void NgmVStructExponential::calcCovas(const Separations &separations, double sill, bool add,
+                                      double *covas, qint64 stride) const
 {
-  NgmVStructKernels::addCovaFromSquaredDist(Exponential{}, _scale, sill, n, squaredDist, sum);
+  NgmVStructKernels::calcCovas(Exponential{}, _scale, separations, sill, add, covas, stride);
 }

@@ -29,10 +29,10 @@ void NgmVStructGamma::calcCovaFromDist(int n, const double *dist, double *out) c
   covaFromDist(Gamma{_value}, _scale, n, dist, out);
 }
 
-void NgmVStructGamma::addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
-                                             double *sum) const
+void NgmVStructGamma::calcCovas(const Separations &separations, double sill, bool add,
+                                double *covas, qint64 stride) const
 {
-  NgmVStructKernels::addCovaFromSquaredDist(Gamma{_value}, _scale, sill, n, squaredDist, sum);
+  NgmVStructKernels::calcCovas(Gamma{_value}, _scale, separations, sill, add, covas, stride);
 }
 
 double NgmVStructGamma::_calcPracticalFactor() const

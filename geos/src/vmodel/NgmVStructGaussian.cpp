@@ -19,10 +19,10 @@ void NgmVStructGaussian::calcCovaFromDist(int n, const double *dist, double *out
   covaFromDist(Gaussian{}, _scale, n, dist, out);
 }
 
-void NgmVStructGaussian::addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
-                                                double *sum) const
+void NgmVStructGaussian::calcCovas(const Separations &separations, double sill, bool add,
+                                   double *covas, qint64 stride) const
 {
-  NgmVStructKernels::addCovaFromSquaredDist(Gaussian{}, _scale, sill, n, squaredDist, sum);
+  NgmVStructKernels::calcCovas(Gaussian{}, _scale, separations, sill, add, covas, stride);
 }
 
 double NgmVStructGaussian::calcFirstDerivative(const NbgVector3D &reducedH) const

@@ -19,8 +19,8 @@ void NgmVStructSincard::calcCovaFromDist(int n, const double *dist, double *out)
   covaFromDist(Sincard{}, _scale, n, dist, out);
 }
 
-void NgmVStructSincard::addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
-                                               double *sum) const
+void NgmVStructSincard::calcCovas(const Separations &separations, double sill, bool add,
+                                  double *covas, qint64 stride) const
 {
-  NgmVStructKernels::addCovaFromSquaredDist(Sincard{}, _scale, sill, n, squaredDist, sum);
+  NgmVStructKernels::calcCovas(Sincard{}, _scale, separations, sill, add, covas, stride);
 }

@@ -19,8 +19,8 @@ void NgmVStructSpherical::calcCovaFromDist(int n, const double *dist, double *ou
   covaFromDist(Spherical{}, _scale, n, dist, out);
 }
 
-void NgmVStructSpherical::addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
-                                                 double *sum) const
+void NgmVStructSpherical::calcCovas(const Separations &separations, double sill, bool add,
+                                    double *covas, qint64 stride) const
 {
-  NgmVStructKernels::addCovaFromSquaredDist(Spherical{}, _scale, sill, n, squaredDist, sum);
+  NgmVStructKernels::calcCovas(Spherical{}, _scale, separations, sill, add, covas, stride);
 }

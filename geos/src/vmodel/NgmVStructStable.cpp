@@ -28,10 +28,10 @@ void NgmVStructStable::calcCovaFromDist(int n, const double *dist, double *out) 
   covaFromDist(Stable{_value}, _scale, n, dist, out);
 }
 
-void NgmVStructStable::addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
-                                              double *sum) const
+void NgmVStructStable::calcCovas(const Separations &separations, double sill, bool add,
+                                 double *covas, qint64 stride) const
 {
-  NgmVStructKernels::addCovaFromSquaredDist(Stable{_value}, _scale, sill, n, squaredDist, sum);
+  NgmVStructKernels::calcCovas(Stable{_value}, _scale, separations, sill, add, covas, stride);
 }
 
 double NgmVStructStable::_calcPracticalFactor() const

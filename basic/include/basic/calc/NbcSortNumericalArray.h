@@ -4,11 +4,11 @@
 
 /// The order of the values of an array. The array itself is not changed, nor needed afterwards.
 ///
-/// Increasing: by value, and the undefined values follow all defined ones, NaN last. Decreasing:
-/// the defined values from the largest down, then the undefined ones. Equal values keep their
-/// order in every mode; undefined values keep theirs in decreasing order.
+/// Increasing: by value, and the undefined values follow all defined ones, -infinity and NaN last.
+/// Decreasing: the defined values from the largest down, then the undefined ones. Equal values keep
+/// their order in every mode; undefined values keep theirs in decreasing order.
 ///
-/// Cost: O(n log n) time, 16 bytes per value.
+/// Cost: linear in n for large arrays (radix sort), 32 bytes per value while sorting.
 class NbcSortNumericalArray
 {
 public:

@@ -172,7 +172,9 @@ public:
 
 private:
   NbgVector3D _getLocal(double i, double j, double k) const;
-  NbgVector3D _getCellCoordinates(const NbgVector3D &point, NbgVector3D &tolerance) const;
+  NbgVector3D _getCellCoordinates(const NbgVector3D &point) const;
+  double _getTolerance(const NbgVector3D &point, int axis) const;
+  bool _getCell(const NbgVector3D &point, int nAxes, int *ijk, NbgVector3D &cells) const;
   bool _getCell(const NbgVector3D &point, int nAxes, int *ijk) const;
   bool _hasSameCells(const NbgGeomGrid &other, int nAxes, double tolerance) const;
 

@@ -43,6 +43,9 @@ public:
 protected:
   NgcACalculatorSimple();
 
+  /// Forgets the results of the last run first.
+  void _doFinalChecks() override;
+
   /// The data set whose variables statistics are made of; may be null.
   virtual const NgdADataSet *_statisticsDataset() const = 0;
 

@@ -68,6 +68,8 @@ protected:
   bool _hasSelectedSamples() const { return _hasSelected; }
 
 private:
+  void _logSizes(const char *operation) const;
+
   int _sampleSize;
   bool _hasSelected;
   int _nBuffers = 1;

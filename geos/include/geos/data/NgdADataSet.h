@@ -4,17 +4,23 @@
 #include "basic/data/Nbd.h"
 #include "geos/data/NgdVariableDescriptor.h"
 
+#include <QByteArray>
 #include <QList>
 #include <QMap>
 #include <QSharedPointer>
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+#include <memory>
+
 class NbdAData;
+class NbdAVariable;
 class NbdDataPoints;
 class NbdEVarRole;
 class NbgBox;
 class NbgGeomCuboid;
+class NbiIntervalIntLarge;
 class NbiIntervalIntLargeDisjoint;
 class NbiIntervalIntSmallO64;
 class NbpIProviderR;
@@ -32,6 +38,9 @@ class NgdADataSet : public NbbIDebuggable
 public:
   /// How many coordinates a data set exposes.
   enum MaxDim { DIM_0 = 0, DIM_1 = 1, DIM_2 = 2, DIM_3 = 3 };
+
+  /// Context of the descriptor of a selection that its provider holds in memory.
+  static const QString MEMORY_SELECTION_CONTEXT;
 
   ~NgdADataSet() override;
 
@@ -171,21 +180,56 @@ protected:
 
   void _setDataProvider(QSharedPointer<NbpIProviderR> provider);
 
+  /// Binds a variable behind the others of its role.
+  void _append(const QString &role, const NgdVariableDescriptor &descriptor);
+
+  /// The provider; a programming error without one.
+  NbpIProviderR &_requireProvider() const;
+  void _requireOpened() const;
+
+  /// Calls transfer(id, variable) for every column of the buffer that the data set fills (saves); a
+  /// programming error with the provider's reason when it returns false.
+  using _Transfer = std::function<bool(const QString &id, NbdAVariable &variable)>;
+  void _loadColumns(const NbdAData &buffer, const _Transfer &transfer) const;
+  void _saveColumns(const NbdAData &buffer, const _Transfer &transfer) const;
+
 private:
   friend class NgdVariableRules;
   friend class NgdDataSetPoints;
-  friend class NgdDataSetGrid;
-  friend class NgdDataSetLines;
 
+  // Steps of a run, for the variable rules.
   void _createTempVariables(const QString &role);
   void _createMissingMacroRealizations(const QString &role);
   void _deleteTmpVariables();
+
+  void _assignStructural(const NbdEVarRole &role);
+  NgdVariableDescriptor _describe(const QString &id, bool isMacro) const;
+  void _appendTemporary(const QString &role, const QString &name, Nbd::EVariableType type,
+                        bool isMacro);
+  template <class Predicate>
+  bool _hasVariable(Predicate matches) const;
+  void _openVariable(const NgdVariableDescriptor &descriptor);
+  void _closeOpened();
+  QString _createTemporary(const NgdVariableDescriptor &descriptor);
+  void _setTemporaryId(const QString &name, const QString &id);
+  void _createVariables(const QString &role, const NgdVariableDescriptor &descriptor,
+                        NbdAData &buffer) const;
+  void _loadInBuffer(const NbiIntervalIntLargeDisjoint &ranks, NbdDataPoints &buffer) const;
+  void _checkRanks(const NbiIntervalIntLargeDisjoint &ranks) const;
+  NbiIntervalIntLargeDisjoint _findRanksInside(const NbgGeomCuboid &cuboid) const;
+
+  /// The selected values of a range; those of the first realization of a macro.
+  std::unique_ptr<NbdAVariable> _readValues(const NgdVariableDescriptor &descriptor,
+                                            const NbiIntervalIntLarge &ranks) const;
+  QByteArray _toCsvLines(const NgdVariableDescriptor &descriptor, const NbiIntervalIntLarge &ranks,
+                         bool withCoordinates, bool is3D) const;
 
   QSharedPointer<NbpIProviderR> _provider;
   QMap<QString, QList<NgdVariableDescriptor>> _variables;
   bool _opened = false;
   MaxDim _maxDimension = DIM_3;
   int _sampleSizeBits = 0;
+  QStringList _openedIds;
   QStringList _temporaryVariables;
   QStringList _temporaryMacros;
 };

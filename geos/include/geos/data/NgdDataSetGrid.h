@@ -7,6 +7,7 @@
 
 class NbdDataGrid;
 class NbiIntervalIntSmall;
+class NbpIProviderGridR;
 
 /// A data set on a regular grid.
 class NgdDataSetGrid : public NbbCloneable<NgdDataSetGrid, NgdADataSet>
@@ -39,5 +40,9 @@ public:
                       const NbiIntervalIntSmall &k, const NbdDataGrid &buffer) const;
 
 private:
+  const NbpIProviderGridR &_getGridProvider() const;
+  void _loadSelection(const NbiIntervalIntSmall &i, const NbiIntervalIntSmall &j,
+                      const NbiIntervalIntSmall &k, NbdDataGrid &buffer) const;
+
   NbgGeomGrid _geometry;
 };

@@ -5,6 +5,7 @@
 #include "geos/data/NgdBufferManagerLines.h"
 
 class NbdDataLines;
+class NbpIProviderObjectR;
 
 /// A data set of lines such as boreholes: samples grouped by line.
 class NgdDataSetLines : public NbbCloneable<NgdDataSetLines, NgdADataSet>
@@ -37,4 +38,7 @@ public:
 
   /// Whether samples are intervals along their line (cores).
   bool isDataSupportCore() const;
+
+private:
+  const NbpIProviderObjectR &_getLineProvider() const;
 };

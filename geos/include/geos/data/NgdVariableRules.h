@@ -92,15 +92,36 @@ private:
   void _createMissingMacroRealizations();
 
   void _checkRegister(const _DatasetRole &key, const QString &context) const;
+  void _checkCount(const _DatasetRole &key) const;
+  void _checkCountMatch(const _DatasetRole &key) const;
+  void _checkKind(const _DatasetRole &key) const;
+
+  /// Declared as a macro, or as either with a macro bound to it.
+  bool _isDeclaredMacro(const _DatasetRole &key) const;
+  void _checkMacroRule(const _DatasetRole &key, const char *notMacro, const char *linked) const;
   void _checkMacroIndexInfo(const _DatasetRole &key) const;
   void _checkMacroIndices(const _DatasetRole &key) const;
   void _updateRefMacroIndices();
   void _updateRefMacroByPiece();
   void _updateLinkedMacroInfos();
+  void _updateLinkedOf(const _DatasetRole &reference,
+                       const QMap<_DatasetRole, QList<_DatasetRole>> &linkedOf);
+  void _checkLink(const _DatasetRole &key, const _DatasetRole &reference) const;
+  void _checkLinkCycle(const _DatasetRole &start) const;
+
+  /// A macro of the reference role, all of which have the same indices.
+  NgdVariableDescriptor _getCommonMacro(const _DatasetRole &reference) const;
+
+  /// The kind of indices that rules or links give to the role's macros; false when none does.
+  bool _findIndexInfo(_DatasetRole key, NbdMacroIndexInfo &info) const;
   void _resetMacroDescriptors();
   void _buildIndicesLoopOnce();
   QMap<_DatasetRole, QList<_DatasetRole>> _getMacroLinksMap() const;
   bool _hasMacroByPiece() const;
+
+  /// action(data set, key) for every registered role that holds a variable.
+  template <class Action>
+  void _forEachBoundRole(Action action) const;
 
   void _register(const _DatasetRole &key, Nbd::EAccessType access, Nbd::EVariableType type,
                  _Kind kind);

@@ -27,6 +27,23 @@ class NbiIntervalData;
 class NgmAVStruct : public NbbIDebuggable
 {
 public:
+  /// Separation vectors from samples to targets, and how they become reduced vectors: rotation
+  /// (nine elements column by column, columns being the local axes), then product with the
+  /// anisotropy coefficients. Either is left out when null.
+  struct Separations
+  {
+    int nSamples = 0;
+    const double *x = nullptr;
+    const double *y = nullptr;
+    const double *z = nullptr;
+    int nTargets = 0;
+    const double *targetX = nullptr;
+    const double *targetY = nullptr;
+    const double *targetZ = nullptr;
+    const double *rotation = nullptr;
+    const double *anisotropy = nullptr;
+  };
+
   explicit NgmAVStruct(const NgmEVStruct &type);
   NgmAVStruct(const NgmEVStruct &type, const NgmModelContext &context);
   ~NgmAVStruct() override;
@@ -70,11 +87,12 @@ public:
   /// place in the array nor on n.
   virtual void calcCovaFromDist(int n, const double *dist, double *out) const;
 
-  /// sum[k] += sill * C(sqrt(squaredDist[k]) / scale): what the bulk evaluators of the model call,
-  /// once per block of pairs. The arrays must not overlap. The base goes through
-  /// calcCovaFromDist(); the closed forms do it in one loop.
-  virtual void addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
-                                      double *sum) const;
+  /// What the bulk evaluators of the model call, once per block of pairs: with c = sill *
+  /// C(|reduced vector from sample s to target t| / scale), element t * stride + s of `covas`
+  /// becomes c, or grows by it when `add` is set. `covas` must not overlap the coordinates. The
+  /// base goes through calcCovaFromDist(); the closed forms do all of it in one loop.
+  virtual void calcCovas(const Separations &separations, double sill, bool add, double *covas,
+                         qint64 stride) const;
 
   /// For factorized structures only.
   virtual void calcCovaFromVectors(int n, const double *vectors, double *out) const;

@@ -47,7 +47,7 @@ public:
   /// What a bulk evaluator fills of a symmetric matrix.
   enum class MatrixPart {
     Full,  ///< both triangles when the matrix must be symmetrical, else the upper one
-    Upper  ///< diagonal and upper triangle; the strict lower triangle keeps what it held
+    Upper  ///< diagonal and upper triangle; what the strict lower triangle holds is of no use
   };
 
   /// A model of `nVariables` (1 to 999) without structure and nugget, in the context (-1, 3, 0).

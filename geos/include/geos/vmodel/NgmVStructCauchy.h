@@ -14,8 +14,8 @@ public:
 
   double calcCova(const NbgVector3D &reducedH) const override;
   void calcCovaFromDist(int n, const double *dist, double *out) const override;
-  void addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
-                              double *sum) const override;
+  void calcCovas(const Separations &separations, double sill, bool add, double *covas,
+                 qint64 stride) const override;
 
 protected:
   double _calcPracticalFactor() const override;

@@ -13,6 +13,6 @@ public:
 
   double calcCova(const NbgVector3D &reducedH) const override;
   void calcCovaFromDist(int n, const double *dist, double *out) const override;
-  void addCovaFromSquaredDist(int n, double sill, const double *squaredDist,
-                              double *sum) const override;
+  void calcCovas(const Separations &separations, double sill, bool add, double *covas,
+                 qint64 stride) const override;
 };

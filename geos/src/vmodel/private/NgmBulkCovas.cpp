@@ -1,173 +1,132 @@
 #include "vmodel/private/NgmBulkCovas.h"
 
 #include "geos/vmodel/NgmAVStruct.h"
+#include "vmodel/private/NgmCovaKernels.h"
 #include "vmodel/private/NgmVModelCovaCache.h"
 
 #include <algorithm>
 
-using NgmCovaKernels::Points;
-using NgmCovaKernels::Reduction;
+using NgmBulkCovas::Points;
+using Separations = NgmAVStruct::Separations;
 
 namespace {
 
-/// Columns of a block, and the multiple that its rows are rounded up to: one cache line of doubles.
+/// Columns of a block: a cache line of doubles, so that its mirror image is written line by line.
 constexpr int GROUP = 8;
 
-/// Rows of a block: GROUP columns of them take 8 KB per array.
+/// Rows of a block: GROUP columns of them take 8 KB.
 constexpr int BLOCK_ROWS = 128;
-
-/// Samples of a block of the point set.
-constexpr int BLOCK_POINTS = 1024;
 
 constexpr double NULL_NUGGET = 1e-30;
 constexpr double NULL_SQUARED_DISTANCE = 1e-30;
-
-int roundedUp(int n)
-{
-  return (n + GROUP - 1) / GROUP * GROUP;
-}
 
 std::size_t offset(int row, int column, int rowCount)
 {
   return std::size_t(row) + std::size_t(column) * std::size_t(rowCount);
 }
 
-/// Copies of the coordinates, each column padded with its last value, so that blocks need no
-/// remainder.
-Points paddedCopy(int n, const Points &samples, NgmVModelCovaCache &cache)
-{
-  const int padded = roundedUp(n);
-  double *copy = NgmVModelCovaCache::atLeast(cache.coordinates, 3 * std::size_t(padded));
-  const double *columns[3] = {samples.x, samples.y, samples.z};
-  for (int axis = 0; axis < 3; ++axis) {
-    double *column = copy + std::size_t(axis) * padded;
-    std::copy(columns[axis], columns[axis] + n, column);
-    std::fill(column + n, column + padded, n > 0 ? column[n - 1] : 0.);
-  }
-  return {copy, copy + padded, copy + 2 * std::size_t(padded)};
-}
-
-/// The pairs of samples firstRow .. firstRow + rows - 1 and firstColumn .. firstColumn + 7. Pair
-/// (r, c) of the block is at c * rows + r.
+/// The pairs of samples firstRow .. and firstColumn ...
 struct PairBlock
 {
   int firstRow;
   int rows;
   int firstColumn;
-
-  int size() const { return GROUP * rows; }
-
-  /// Columns that are samples and not padding.
-  int columnCount(int n) const { return std::min(GROUP, n - firstColumn); }
+  int columns;
 
   /// Rows in the upper triangle of column firstColumn + c, diagonal included.
   int upperRowCount(int c) const { return std::min(rows, firstColumn + c + 1 - firstRow); }
-
-  bool holdsDiagonal() const { return firstRow + rows > firstColumn; }
 };
 
-void squaredDistancesOfBlock(const PairBlock &block, const Points &samples,
-                             const Reduction &reduction, double *out)
-{
-  for (int c = 0; c < GROUP; ++c) {
-    const int column = block.firstColumn + c;
-    const double target[3] = {samples.x[column], samples.y[column], samples.z[column]};
-    NgmCovaKernels::squaredDistances(target, block.rows, samples.from(block.firstRow), reduction,
-                                     out + std::size_t(c) * block.rows);
-  }
-}
-
-/// Visits the blocks of the upper triangle, diagonal included, group of columns by group.
+/// Visits the blocks that hold the upper triangle, group of columns by group. Those on the diagonal
+/// reach into the lower triangle.
 template <class Visitor>
 void forEachPairBlock(int n, Visitor visitor)
 {
   for (int column = 0; column < n; column += GROUP) {
-    const int rowsOfGroup = column + GROUP;
+    const int columns = std::min(GROUP, n - column);
+    const int rowsOfGroup = column + columns;
     for (int row = 0; row < rowsOfGroup; row += BLOCK_ROWS)
-      visitor(PairBlock{row, std::min(BLOCK_ROWS, rowsOfGroup - row), column});
+      visitor(PairBlock{row, std::min(BLOCK_ROWS, rowsOfGroup - row), column, columns});
   }
 }
 
-/// Calls visitor(k, squared distances) for every structure; distances are computed once for
-/// structures in a row that reduce alike.
-template <class Distances, class Visitor>
-void forEachStructure(const NgmVModel &model, Distances computeDistances, Visitor visitor)
+/// How structure `index` of the model reduces a separation vector: the rotation and anisotropy of
+/// `separations`, pointing into the model.
+void setReduction(const NgmVModel &model, int index, Separations &separations)
 {
-  Reduction last;
-  for (int k = 0; k < model.getNStructures(); ++k) {
-    const Reduction reduction = NgmBulkCovas::reductionOf(model, k);
-    if (k == 0 || !(reduction == last))
-      computeDistances(reduction);
-    last = reduction;
-    visitor(k);
-  }
+  const NgmAVStruct &structure = model.getStructure(index);
+  separations.rotation = nullptr;
+  separations.anisotropy = nullptr;
+  if (model.hasRotation() && model.hasGlobalRotation())
+    separations.rotation = model.getGlobalRotation().getMatrix().getData();
+  if (structure.isIsotropic())
+    return;
+  if (model.hasRotation() && !model.hasGlobalRotation())
+    separations.rotation = structure.getRotation().getMatrix().getData();
+  separations.anisotropy = structure.getAnisotropy().getData();
 }
 
-/// Copies the upper part of a block of a univariate matrix.
-void storeUpper(const PairBlock &block, int n, const double *values, double *covas, int rowCount)
+Separations separationsOf(const PairBlock &block, const Points &samples)
 {
-  for (int c = 0; c < block.columnCount(n); ++c) {
-    const double *column = values + std::size_t(c) * block.rows;
-    std::copy(column, column + block.upperRowCount(c),
-              covas + offset(block.firstRow, block.firstColumn + c, rowCount));
-  }
+  Separations separations;
+  separations.nSamples = block.rows;
+  separations.x = samples.x + block.firstRow;
+  separations.y = samples.y + block.firstRow;
+  separations.z = samples.z + block.firstRow;
+  separations.nTargets = block.columns;
+  separations.targetX = samples.x + block.firstColumn;
+  separations.targetY = samples.y + block.firstColumn;
+  separations.targetZ = samples.z + block.firstColumn;
+  return separations;
 }
 
-/// Writes the block's mirror image below the diagonal. A row of the block is contiguous there.
-void storeMirrored(const PairBlock &block, int n, const double *values, double *covas, int rowCount)
+/// Copies what lies above the diagonal blocks of a univariate matrix to below them; a row of a
+/// block is contiguous there.
+void storeMirrored(const PairBlock &block, double *covas, int rowCount)
 {
-  const int columns = block.columnCount(n);
-  const int rows = std::min(block.rows, n - block.firstRow);
-  for (int r = 0; r < rows; ++r) {
-    double *target = covas + offset(block.firstColumn, block.firstRow + r, rowCount);
-    // In the block of the diagonal only what lies below it.
-    const int first = std::max(0, block.firstRow + r - block.firstColumn + 1);
-    if (first == 0 && columns == GROUP) {
-      for (int c = 0; c < GROUP; ++c)
-        target[c] = values[std::size_t(c) * block.rows + r];
-    } else {
-      for (int c = first; c < columns; ++c)
-        target[c] = values[std::size_t(c) * block.rows + r];
-    }
+  const double *columns = covas + offset(0, block.firstColumn, rowCount);
+  const int end = std::min(block.firstRow + block.rows, block.firstColumn);
+  for (int row = block.firstRow; row < end; ++row) {
+    double *mirrored = covas + offset(block.firstColumn, row, rowCount);
+    for (int c = 0; c < block.columns; ++c)
+      mirrored[c] = columns[offset(row, c, rowCount)];
   }
 }
 
+/// Fills the upper triangle (and the lower one inside the blocks of the diagonal, or everywhere).
 void allCovasOfOneVariable(const NgmVModel &model, int n, const Points &samples, double *covas,
-                           int rowCount, bool mirrored, NgmVModelCovaCache &cache)
+                           int rowCount, bool mirrored)
 {
-  const int blockSize = GROUP * std::min(BLOCK_ROWS, roundedUp(n));
-  double *distances = NgmVModelCovaCache::atLeast(cache.squaredDistances, blockSize);
-  double *values = NgmVModelCovaCache::atLeast(cache.covariances, blockSize);
-  const double nugget = model.getNugget(0, 0);
   forEachPairBlock(n, [&](const PairBlock &block) {
-    std::fill(values, values + block.size(), 0.);
-    if (block.holdsDiagonal()) {
-      for (int c = 0; c < GROUP; ++c)
-        values[std::size_t(c) * block.rows + (block.firstColumn + c - block.firstRow)] = nugget;
+    Separations separations = separationsOf(block, samples);
+    double *out = covas + offset(block.firstRow, block.firstColumn, rowCount);
+    for (int k = 0; k < model.getNStructures(); ++k) {
+      setReduction(model, k, separations);
+      const double sill = model.getCoregionalisationMatrix(k).getElement(0, 0);
+      model.getStructure(k).calcCovas(separations, sill, k > 0, out, rowCount);
     }
-    forEachStructure(
-        model,
-        [&](const Reduction &reduction) {
-          squaredDistancesOfBlock(block, samples, reduction, distances);
-        },
-        [&](int k) {
-          const double sill = model.getCoregionalisationMatrix(k).getElement(0, 0);
-          model.getStructure(k).addCovaFromSquaredDist(block.size(), sill, distances, values);
-        });
-    storeUpper(block, n, values, covas, rowCount);
     if (mirrored)
-      storeMirrored(block, n, values, covas, rowCount);
+      storeMirrored(block, covas, rowCount);
   });
+  const double c00 = model.getC0IJ(0, 0);
+  for (int s = 0; s < n; ++s)
+    covas[offset(s, s, rowCount)] = c00;
+}
+
+void zeroLower(int n, double *covas, int rowCount)
+{
+  for (int j = 0; j < n; ++j)
+    std::fill(covas + offset(j + 1, j, rowCount), covas + offset(n, j, rowCount), 0.);
 }
 
 /// Adds correlation * sills to the blocks of the sample pairs. On the diagonal only the upper
 /// triangle of the sills.
-void addToBlockOfVariables(const PairBlock &block, int n, const double *correlations,
+void addToBlockOfVariables(const PairBlock &block, const double *correlations,
                            const NgmMatrix &sills, double *covas, int rowCount)
 {
   const int nVariables = sills.getNRows();
   const double *sill = sills.constElements();
-  for (int c = 0; c < block.columnCount(n); ++c) {
+  for (int c = 0; c < block.columns; ++c) {
     const int column = block.firstColumn + c;
     for (int r = 0; r < block.upperRowCount(c); ++r) {
       const int row = block.firstRow + r;
@@ -204,21 +163,16 @@ void setNuggetOfSamples(const NgmMatrix &nugget, int n, double *covas, int rowCo
 void allCovasOfVariables(const NgmVModel &model, int n, const Points &samples, double *covas,
                          int rowCount, NgmVModelCovaCache &cache)
 {
-  const int blockSize = GROUP * std::min(BLOCK_ROWS, roundedUp(n));
-  double *distances = NgmVModelCovaCache::atLeast(cache.squaredDistances, blockSize);
-  double *correlations = NgmVModelCovaCache::atLeast(cache.correlations, blockSize);
+  double *correlations =
+      NgmVModelCovaCache::atLeast(cache.correlations, std::size_t(GROUP) * BLOCK_ROWS);
   forEachPairBlock(n, [&](const PairBlock &block) {
-    forEachStructure(
-        model,
-        [&](const Reduction &reduction) {
-          squaredDistancesOfBlock(block, samples, reduction, distances);
-        },
-        [&](int k) {
-          std::fill(correlations, correlations + block.size(), 0.);
-          model.getStructure(k).addCovaFromSquaredDist(block.size(), 1., distances, correlations);
-          addToBlockOfVariables(block, n, correlations, model.getCoregionalisationMatrix(k), covas,
-                                rowCount);
-        });
+    Separations separations = separationsOf(block, samples);
+    for (int k = 0; k < model.getNStructures(); ++k) {
+      setReduction(model, k, separations);
+      model.getStructure(k).calcCovas(separations, 1., false, correlations, block.rows);
+      addToBlockOfVariables(block, correlations, model.getCoregionalisationMatrix(k), covas,
+                            rowCount);
+    }
   });
 }
 
@@ -235,13 +189,37 @@ void zeroPart(NgmMatrix &covas, double *elements, NgmVModel::MatrixPart part, in
   }
 }
 
-/// The nugget of the samples that lie at the target, 0 for the others.
-void setNuggetAtTarget(const NgmMatrix &nugget, int n, const double *squaredDistances,
-                       double *covas, int rowCount)
+/// Whether a sample lies at the target. Counted, because a loop with a way out would not be
+/// vectorised; x alone answers first, for most targets.
+bool hasSampleAtTarget(const NbgVector3D &target, int n, const Points &samples)
 {
+  qint64 count = 0;  // as wide as the doubles that are compared
+  for (int s = 0; s < n; ++s) {
+    const double dx = target.x() - samples.x[s];
+    count += dx * dx < NULL_SQUARED_DISTANCE;
+  }
+  if (count == 0)
+    return false;
+  count = 0;
+  for (int s = 0; s < n; ++s) {
+    const double dx = target.x() - samples.x[s];
+    const double dy = target.y() - samples.y[s];
+    const double dz = target.z() - samples.z[s];
+    count += dx * dx + dy * dy + dz * dz < NULL_SQUARED_DISTANCE;
+  }
+  return count > 0;
+}
+
+/// The nugget of the samples that lie at the target; the others keep their 0.
+void setNuggetAtTarget(const NgmMatrix &nugget, const NbgVector3D &target, int n,
+                       const Points &samples, double *covas, int rowCount)
+{
+  if (nugget.isNull(NULL_NUGGET) || !hasSampleAtTarget(target, n, samples))
+    return;
   const int nVariables = nugget.getNRows();
   for (int s = 0; s < n; ++s) {
-    if (squaredDistances[s] >= NULL_SQUARED_DISTANCE)
+    const NbgVector3D sample(samples.x[s], samples.y[s], samples.z[s]);
+    if ((target - sample).squaredNorm() >= NULL_SQUARED_DISTANCE)
       continue;
     for (int b = 0; b < nVariables; ++b)
       for (int a = 0; a < nVariables; ++a)
@@ -266,37 +244,32 @@ void addToPoints(int n, const double *correlations, const NgmMatrix &sills, doub
 
 namespace NgmBulkCovas {
 
-Reduction reductionOf(const NgmVModel &model, int index)
+NbgVector3D reducedVector(const NgmVModel &model, int index, const NbgVector3D &h)
 {
-  const NgmAVStruct &structure = model.getStructure(index);
-  Reduction reduction;
-  if (model.hasRotation() && model.hasGlobalRotation())
-    reduction.rotation = model.getGlobalRotation().getMatrix().getData();
-  if (structure.isIsotropic())
-    return reduction;
-  if (model.hasRotation() && !model.hasGlobalRotation())
-    reduction.rotation = structure.getRotation().getMatrix().getData();
-  reduction.anisotropy = structure.getAnisotropy().getData();
-  return reduction;
+  Separations separations;
+  setReduction(model, index, separations);
+  const NgmCovaKernels::Vector v =
+      NgmCovaKernels::reduce({h.x(), h.y(), h.z()}, separations.rotation, separations.anisotropy);
+  return {v.x, v.y, v.z};
 }
 
 void allCovas(const NgmVModel &model, int n, const Points &samples, NgmMatrix &covas,
               NgmVModelCovaCache &cache, NgmVModel::MatrixPart part)
 {
-  const Points padded = paddedCopy(n, samples, cache);
   const bool full = part == NgmVModel::MatrixPart::Full;
   const bool mirrored = full && covas.mustBeSymmetrical();
   const int rowCount = covas.getNRows();
   double *elements = covas.elements();
   if (model.getNVariables() == 1) {
-    const bool allWritten = mirrored || !full;
-    zeroPart(covas, elements, part, allWritten ? n : 0);
-    allCovasOfOneVariable(model, n, padded, elements, rowCount, mirrored, cache);
+    zeroPart(covas, elements, part, model.getNStructures() > 0 ? n : 0);
+    allCovasOfOneVariable(model, n, samples, elements, rowCount, mirrored);
+    if (full && !mirrored)
+      zeroLower(n, elements, rowCount);
     return;
   }
   zeroPart(covas, elements, part, 0);
   setNuggetOfSamples(model.getNuggetMatrix(), n, elements, rowCount, full);
-  allCovasOfVariables(model, n, padded, elements, rowCount, cache);
+  allCovasOfVariables(model, n, samples, elements, rowCount, cache);
   if (mirrored)
     mirrorUpper(n * model.getNVariables(), elements, rowCount);
 }
@@ -306,34 +279,30 @@ void pointSet(const NgmVModel &model, const NbgVector3D &target, int n, const Po
 {
   const int nVariables = model.getNVariables();
   const int rowCount = covas.getNRows();
-  const NgmMatrix &nugget = model.getNuggetMatrix();
-  const bool withNugget = !nugget.isNull(NULL_NUGGET);
   double *elements = covas.elements();
   std::fill(elements, elements + covas.getNElements(), 0.);
-  double *distances = NgmVModelCovaCache::atLeast(cache.squaredDistances, BLOCK_POINTS);
-  double *correlations = NgmVModelCovaCache::atLeast(cache.correlations, BLOCK_POINTS);
-  for (int first = 0; first < n; first += BLOCK_POINTS) {
-    const int count = std::min(BLOCK_POINTS, n - first);
-    double *covasOfBlock = elements + std::size_t(first) * nVariables;
-    const auto computeDistances = [&](const Reduction &reduction) {
-      NgmCovaKernels::squaredDistances(target.getData(), count, samples.from(first), reduction,
-                                       distances);
-    };
-    if (withNugget) {
-      computeDistances(Reduction());
-      setNuggetAtTarget(nugget, count, distances, covasOfBlock, rowCount);
+  setNuggetAtTarget(model.getNuggetMatrix(), target, n, samples, elements, rowCount);
+
+  Separations separations;
+  separations.nSamples = n;
+  separations.x = samples.x;
+  separations.y = samples.y;
+  separations.z = samples.z;
+  separations.nTargets = 1;
+  separations.targetX = target.getData();
+  separations.targetY = target.getData() + 1;
+  separations.targetZ = target.getData() + 2;
+  for (int k = 0; k < model.getNStructures(); ++k) {
+    const NgmAVStruct &structure = model.getStructure(k);
+    const NgmMatrix &sills = model.getCoregionalisationMatrix(k);
+    setReduction(model, k, separations);
+    if (nVariables == 1) {
+      structure.calcCovas(separations, sills.getElement(0, 0), true, elements, rowCount);
+    } else {
+      double *correlations = NgmVModelCovaCache::atLeast(cache.correlations, std::size_t(n));
+      structure.calcCovas(separations, 1., false, correlations, n);
+      addToPoints(n, correlations, sills, elements, rowCount);
     }
-    forEachStructure(model, computeDistances, [&](int k) {
-      const NgmAVStruct &structure = model.getStructure(k);
-      const NgmMatrix &sills = model.getCoregionalisationMatrix(k);
-      if (nVariables == 1) {
-        structure.addCovaFromSquaredDist(count, sills.getElement(0, 0), distances, covasOfBlock);
-        return;
-      }
-      std::fill(correlations, correlations + count, 0.);
-      structure.addCovaFromSquaredDist(count, 1., distances, correlations);
-      addToPoints(count, correlations, sills, covasOfBlock, rowCount);
-    });
   }
 }
 

@@ -1,38 +1,62 @@
 #pragma once
 
-/// Arithmetic of the bulk covariance evaluators on plain arrays.
+/// Reduction of separation vectors. Single vectors and arrays of them take the same operations in
+/// the same order, so they get the same bits.
 namespace NgmCovaKernels {
 
-/// How a separation vector becomes the reduced vector of a structure: first the rotation (nine
-/// elements column by column, columns being the local axes), then the product with the anisotropy
-/// coefficients. A null pointer leaves the step out.
-struct Reduction
+struct Vector
 {
-  const double *rotation = nullptr;
-  const double *anisotropy = nullptr;
+  double x;
+  double y;
+  double z;
+};
 
-  bool operator==(const Reduction &other) const
+/// Rotation into a local frame (nine elements column by column, columns being the local axes), then
+/// product with the anisotropy coefficients.
+template <bool ROTATED, bool SCALED>
+class Reducer
+{
+public:
+  /// Copies, because the compiler cannot know that results do not overlap the arrays.
+  Reducer(const double *rotation, const double *anisotropy)
   {
-    return rotation == other.rotation && anisotropy == other.anisotropy;
+    if constexpr (ROTATED)
+      for (int k = 0; k < 9; ++k)
+        _m[k] = rotation[k];
+    if constexpr (SCALED)
+      for (int k = 0; k < 3; ++k)
+        _a[k] = anisotropy[k];
   }
+
+  Vector reduce(Vector h) const
+  {
+    if constexpr (ROTATED)
+      h = {_m[0] * h.x + _m[1] * h.y + _m[2] * h.z, _m[3] * h.x + _m[4] * h.y + _m[5] * h.z,
+           _m[6] * h.x + _m[7] * h.y + _m[8] * h.z};
+    if constexpr (SCALED)
+      h = {h.x * _a[0], h.y * _a[1], h.z * _a[2]};
+    return h;
+  }
+
+  double squaredNorm(Vector h) const
+  {
+    h = reduce(h);
+    return h.x * h.x + h.y * h.y + h.z * h.z;
+  }
+
+private:
+  double _m[ROTATED ? 9 : 1] = {};
+  double _a[SCALED ? 3 : 1] = {};
 };
 
-/// Sample coordinates in three columns.
-struct Points
+/// The reduced vector of h; null pointers leave a step out.
+inline Vector reduce(Vector h, const double *rotation, const double *anisotropy)
 {
-  const double *x;
-  const double *y;
-  const double *z;
-
-  Points from(int first) const { return {x + first, y + first, z + first}; }
-};
-
-/// The reduced vector of h, written to reduced[0..2]: the operations, in the same order, of
-/// squaredDistances().
-void reduce(const double h[3], const Reduction &reduction, double reduced[3]);
-
-/// out[i] = squared norm of the reduced vector from sample i to the target.
-void squaredDistances(const double target[3], int n, const Points &samples,
-                      const Reduction &reduction, double *out);
+  if (rotation)
+    h = Reducer<true, false>(rotation, nullptr).reduce(h);
+  if (anisotropy)
+    h = Reducer<false, true>(nullptr, anisotropy).reduce(h);
+  return h;
+}
 
 }  // namespace NgmCovaKernels

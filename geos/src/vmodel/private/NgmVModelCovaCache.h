@@ -19,8 +19,5 @@ public:
     return array.data();
   }
 
-  Array coordinates;
-  Array squaredDistances;
   Array correlations;
-  Array covariances;
 };

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "geos/vmodel/NgmAVStruct.h"
+#include "vmodel/private/NgmCovaKernels.h"
+
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -40,19 +43,15 @@ inline double expOfNegative(double x)
   const double shifted = x * log2e + shifter;
   const double n = shifted - shifter;
   const double r = (x - n * ln2High) - n * ln2Low;
-  double q = 1. / 6227020800.;
-  q = q * r + 1. / 479001600.;
-  q = q * r + 1. / 39916800.;
-  q = q * r + 1. / 3628800.;
-  q = q * r + 1. / 362880.;
-  q = q * r + 1. / 40320.;
-  q = q * r + 1. / 5040.;
-  q = q * r + 1. / 720.;
-  q = q * r + 1. / 120.;
-  q = q * r + 1. / 24.;
-  q = q * r + 1. / 6.;
-  q = q * r + 0.5;
-  const double expR = 1. + (r + r * r * q);
+  // Coefficients 1/2!, 1/3!, ... in pairs: a short chain of dependent operations.
+  const double r2 = r * r;
+  const double r4 = r2 * r2;
+  const double q0 = (0.5 + r * (1. / 6.)) + r2 * (1. / 24. + r * (1. / 120.));
+  const double q4 = (1. / 720. + r * (1. / 5040.)) + r2 * (1. / 40320. + r * (1. / 362880.));
+  const double q8 =
+      (1. / 3628800. + r * (1. / 39916800.)) + r2 * (1. / 479001600. + r * (1. / 6227020800.));
+  const double q = q0 + r4 * (q4 + r4 * q8);
+  const double expR = 1. + (r + r2 * q);
   const double powerOf2 = fromBits((toBits(shifted) << 52) + (std::uint64_t(1023) << 52));
   return x < -708. ? 0. : expR * powerOf2;
 }
@@ -117,13 +116,49 @@ void covaFromDist(Form form, double scale, int n, const double *dist, double *ou
     out[k] = form(dist[k] / scale);
 }
 
-/// sum[k] += sill C(sqrt(squaredDist[k]) / scale)
-template <class Form>
-void addCovaFromSquaredDist(Form form, double scale, double sill, int n,
-                            const double *__restrict squaredDist, double *__restrict sum)
+/// See NgmAVStruct::calcCovas(). The distance stays in a register on its way to the covariance: the
+/// loop is bound by square root and division, behind which everything else hides (a pass of its own
+/// for the distances costs a third more).
+template <bool ROTATED, bool SCALED, bool ADD, class Form>
+void calcCovasOf(Form form, double scale, const NgmAVStruct::Separations &s, double sill,
+                 double *covas, qint64 stride)
 {
-  for (int k = 0; k < n; ++k)
-    sum[k] += sill * form(std::sqrt(squaredDist[k]) / scale);
+  const NgmCovaKernels::Reducer<ROTATED, SCALED> reducer(s.rotation, s.anisotropy);
+  const int n = s.nSamples;
+  const double *__restrict x = s.x;
+  const double *__restrict y = s.y;
+  const double *__restrict z = s.z;
+  for (int t = 0; t < s.nTargets; ++t) {
+    const double targetX = s.targetX[t];
+    const double targetY = s.targetY[t];
+    const double targetZ = s.targetZ[t];
+    double *__restrict out = covas + t * stride;
+    for (int i = 0; i < n; ++i) {
+      const double squared = reducer.squaredNorm({targetX - x[i], targetY - y[i], targetZ - z[i]});
+      const double cova = sill * form(std::sqrt(squared) / scale);
+      out[i] = ADD ? out[i] + cova : cova;
+    }
+  }
+}
+
+template <bool ADD, class Form>
+void calcCovasReduced(Form form, double scale, const NgmAVStruct::Separations &s, double sill,
+                      double *covas, qint64 stride)
+{
+  if (s.rotation)
+    s.anisotropy ? calcCovasOf<true, true, ADD>(form, scale, s, sill, covas, stride)
+                 : calcCovasOf<true, false, ADD>(form, scale, s, sill, covas, stride);
+  else
+    s.anisotropy ? calcCovasOf<false, true, ADD>(form, scale, s, sill, covas, stride)
+                 : calcCovasOf<false, false, ADD>(form, scale, s, sill, covas, stride);
+}
+
+template <class Form>
+void calcCovas(Form form, double scale, const NgmAVStruct::Separations &s, double sill, bool add,
+               double *covas, qint64 stride)
+{
+  add ? calcCovasReduced<true>(form, scale, s, sill, covas, stride)
+      : calcCovasReduced<false>(form, scale, s, sill, covas, stride);
 }
 
 }  // namespace NgmVStructKernels

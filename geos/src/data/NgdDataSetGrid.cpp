@@ -1,0 +1,132 @@
+#include "geos/data/NgdDataSetGrid.h"
+
+#include "basic/base/NbbDebug.h"
+#include "basic/data/NbdAVariable.h"
+#include "basic/data/NbdDataGrid.h"
+#include "basic/data/NbdVariableSelection.h"
+#include "basic/error/NbeAssertion.h"
+#include "basic/geom/NbgBox.h"
+#include "basic/provider/NbpIProviderGridW.h"
+
+NgdDataSetGrid::NgdDataSetGrid() = default;
+
+void NgdDataSetGrid::setDataProvider(QSharedPointer<NbpIProviderR> provider)
+{
+  const auto grid = provider.dynamicCast<NbpIProviderGridR>();
+  if (provider && !grid)
+    NBE_FAIL(QStringLiteral("provider is not a grid provider"));
+  _setDataProvider(provider);
+  _geometry = grid->getGridGeometry();
+
+  if (grid->hasSelection() && grid->getSelectionId().isEmpty()) {
+    NgdVariableDescriptor selection(QStringLiteral("Memory selection for grid dataset"));
+    selection.setContext(MEMORY_SELECTION_CONTEXT);
+    selection.setVariableType(Nbd::TYPE_BOOLEAN);
+    _append(Nbd::Role::SELECTION, selection);
+  }
+}
+
+const NbpIProviderGridR &NgdDataSetGrid::_getGridProvider() const
+{
+  return dynamic_cast<const NbpIProviderGridR &>(_requireProvider());
+}
+
+qint64 NgdDataSetGrid::getNSamples() const
+{
+  return getDataProvider() ? getDataProvider()->getSampleCount() : 0;
+}
+
+void NgdDataSetGrid::updateBoundingBox(NbgBox &box) const
+{
+  _requireProvider().updateBoundingBox(box);
+}
+
+NgdBufferManagerGrid *NgdDataSetGrid::createBufferManager() const
+{
+  return new NgdBufferManagerGrid(*this);
+}
+
+void NgdDataSetGrid::loadInBuffer(const NbiIntervalIntSmall &i, const NbiIntervalIntSmall &j,
+                                  const NbiIntervalIntSmall &k, NbdDataGrid &buffer) const
+{
+  _requireOpened();
+  if (getNSamples() == 0)
+    NBE_FAIL(QStringLiteral("empty dataset."));
+  if (i.isEmpty() || j.isEmpty() || k.isEmpty() ||
+      !_geometry.isIjkValid(i.getLower(), j.getLower(), k.getLower()) ||
+      !_geometry.isIjkValid(i.getUpper(), j.getUpper(), k.getUpper()))
+    NBE_FAIL(QStringLiteral("Invalid interval given"));
+
+  const NbpIProviderGridR &provider = _getGridProvider();
+  buffer.setNDimensions(getNDimensions());
+  buffer.setGeometry(_geometry);
+  buffer.setParentIntervals(i, j, k);
+  _loadColumns(buffer, [&](const QString &id, NbdAVariable &variable) {
+    return provider.readGrid(id, i, j, k, variable);
+  });
+  _loadSelection(i, j, k, buffer);
+}
+
+void NgdDataSetGrid::_loadSelection(const NbiIntervalIntSmall &i, const NbiIntervalIntSmall &j,
+                                    const NbiIntervalIntSmall &k, NbdDataGrid &buffer) const
+{
+  const NbpIProviderGridR &provider = _getGridProvider();
+  buffer.clearSelection();
+  if (!provider.hasSelection())
+    return;
+  NbdVariableSelection selection;
+  if (!provider.readGridSelection(i, j, k, selection))
+    NBE_FAIL(QStringLiteral("Error when reading the selection.\nReason: %1.")
+                 .arg(provider.getLastError()));
+  buffer.setSelection(selection);
+
+  // A selection that the provider holds in memory is also bound as a variable.
+  for (const NgdVariableDescriptor &descriptor : getVariableDescriptors(Nbd::Role::SELECTION)) {
+    NbdAVariable *column =
+        buffer.getDataTable().getVarByRoleAndName(Nbd::Role::SELECTION, descriptor.getName());
+    if (descriptor.getContext() == MEMORY_SELECTION_CONTEXT && column)
+      column->copyValuesFrom(selection, 0, 0, selection.getNValues());
+  }
+}
+
+void NgdDataSetGrid::loadWholeGrid(NbdDataGrid &buffer) const
+{
+  const NbgIntVector3D nodes = _geometry.getNodesNumber();
+  loadInBuffer(NbiIntervalIntSmall::fromLength(nodes.x()),
+               NbiIntervalIntSmall::fromLength(nodes.y()),
+               NbiIntervalIntSmall::fromLength(nodes.z()), buffer);
+}
+
+void NgdDataSetGrid::saveFromBuffer(const NbiIntervalIntSmall &i, const NbiIntervalIntSmall &j,
+                                    const NbiIntervalIntSmall &k, const NbdDataGrid &buffer) const
+{
+  _requireOpened();
+  const auto writer = getDataProvider().dynamicCast<NbpIProviderGridW>();
+  if (!writer)
+    NBE_FAIL(QStringLiteral("current provider is not valid for writing!"));
+  _saveColumns(buffer, [&](const QString &id, NbdAVariable &variable) {
+    return writer->writeGrid(id, i, j, k, variable);
+  });
+}
+
+void NgdDataSetGrid::saveFromBufferInParent(const NbdAData &buffer) const
+{
+  const auto *grid = dynamic_cast<const NbdDataGrid *>(&buffer);
+  if (!grid)
+    NBE_FAIL(QStringLiteral("Passed argument is meant to be NbdDataGrid"));
+  if (grid->getParentIntervalI().isValid() && grid->getParentIntervalJ().isValid())
+    saveFromBuffer(grid->getParentIntervalI(), grid->getParentIntervalJ(),
+                   grid->getParentIntervalK(), *grid);
+  else
+    NbbDebug::printWarning(
+        QStringLiteral("NgdDataSetGrid::saveFromBufferInParent: warning empty or invalid interval "
+                       "in X or Y."));
+}
+
+QString NgdDataSetGrid::debug(int level) const
+{
+  return QStringLiteral("DataSetGrid: Nb Dim : %1 / Nb Samples : %2 /")
+             .arg(getNDimensions())
+             .arg(getNSamples()) +
+         NgdADataSet::debug(level);
+}
