@@ -10,6 +10,8 @@
 
 #include <QSharedPointer>
 
+#include <ostream>
+#include <string>
 #include <vector>
 
 /// What every data file of the suite holds: 24 samples, standing as the nodes of a grid of
@@ -88,6 +90,12 @@ class GridConformance : public ProviderSuite
 class LineConformance : public ProviderSuite
 {
 };
+
+/// Names a failing case in the test output.
+inline void PrintTo(const ProviderCase *provider, std::ostream *stream)
+{
+  *stream << provider->name();
+}
 
 inline std::string nameOfCase(const testing::TestParamInfo<const ProviderCase *> &info)
 {

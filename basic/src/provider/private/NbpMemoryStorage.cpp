@@ -28,6 +28,15 @@ void checkBuffer(const NbdAVariable &values, int nPositions)
              .arg(nPositions));
 }
 
+/// Buffers count in int.
+void checkPositions(int position, qint64 n)
+{
+  if (position < 0)
+    fail(QObject::tr("The first position in the buffer is negative."));
+  if (n > std::numeric_limits<int>::max() - position)
+    fail(QObject::tr("%1 samples are too many for one buffer.").arg(n));
+}
+
 const NbdEVarRole &coordinateRole(int axis)
 {
   return axis == 0 ? NbdEVarRole::X : axis == 1 ? NbdEVarRole::Y : NbdEVarRole::Z;
@@ -423,10 +432,7 @@ int NbpMemoryStorage::appendSelectedRuns(qint64 first, qint64 last, int position
                                          NbpRuns &runs) const
 {
   const qint64 n = getSelectedCount(first, last);
-  if (position < 0)
-    fail(QObject::tr("The first position in the buffer is negative."));
-  if (n > std::numeric_limits<int>::max() - position)
-    fail(QObject::tr("Samples %1 to %2 are too many for one buffer.").arg(first + 1).arg(last + 1));
+  checkPositions(position, n);
   if (n > 0 && hasSelection())
     _getSelection().appendRuns(first, last, true, position, runs);
   else
@@ -437,6 +443,10 @@ int NbpMemoryStorage::appendSelectedRuns(qint64 first, qint64 last, int position
 int NbpMemoryStorage::appendRuns(qint64 first, qint64 last, bool selectedOnly, int position,
                                  NbpRuns &runs) const
 {
+  checkRange(first, last);
+  if (last < first)
+    return position;
+  checkPositions(position, last - first + 1);
   if (selectedOnly && hasSelection())
     return _getSelection().appendRuns(first, last, false, position, runs);
   const int n = int(last - first + 1);
