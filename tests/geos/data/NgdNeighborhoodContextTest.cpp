@@ -103,7 +103,7 @@ std::vector<int> selectByRules(const Configuration &configuration, const NbgVect
     if (anisotropic >= radius * radius)
       continue;
     int sector = 0;
-    if (nSectors > 1) {
+    if (nSectors > 1 && (local.x() != 0. || local.y() != 0.)) {
       double angle = std::atan2(local.y(), local.x());
       if (angle < 0.)
         angle += 6.283185307179586;
