@@ -126,6 +126,7 @@ void NgdDataSetGrid::_loadWithBorder(NbdDataGridExtended &buffer, BorderOption o
 {
   _requireOpened();
   buffer.setNDimensions(getNDimensions());
+  buffer.setResizedTo(buffer.getNSamples());
   const NgdGridBorder source(buffer, option);
   const NbpIProviderGridR &provider = _getGridProvider();
   NbdVariableDouble values;
