@@ -658,7 +658,8 @@ void NgdADataSet::_checkRanks(const NbiIntervalIntLargeDisjoint &ranks) const
 
 void NgdADataSet::_loadColumns(const NbdAData &buffer, const _Transfer &transfer) const
 {
-  for (const NgdBufferColumn &column : NgdBufferColumns::findLoaded(*this, buffer)) {
+  for (const NgdBufferColumn &column :
+       NgdBufferColumns::findLoaded(_variables, *_provider, buffer)) {
     column.variable->setCurrentRealizationRank(column.realization);
     if (!transfer(column.id, *column.variable))
       NBE_FAIL(accessError(column.name, column.id, _provider->getLastError()));
@@ -668,7 +669,8 @@ void NgdADataSet::_loadColumns(const NbdAData &buffer, const _Transfer &transfer
 
 void NgdADataSet::_saveColumns(const NbdAData &buffer, const _Transfer &transfer) const
 {
-  for (const NgdBufferColumn &column : NgdBufferColumns::findSaved(*this, buffer)) {
+  for (const NgdBufferColumn &column :
+       NgdBufferColumns::findSaved(_variables, *_provider, buffer)) {
     column.variable->setCurrentRealizationRank(column.realization);
     if (!transfer(column.id, *column.variable))
       NBE_FAIL(accessError(column.name, column.id, _provider->getLastError()));
