@@ -9,6 +9,7 @@
 #include "NgdVariableRulesRun.h"
 #include "basic/data/NbdAVariableNumeric.h"
 #include "basic/data/NbdDataGrid.h"
+#include "basic/data/NbdDataGridSampled.h"
 #include "basic/data/NbdDataLines.h"
 #include "basic/data/NbdDataPoints.h"
 #include "basic/data/NbdEVarRole.h"
@@ -268,6 +269,134 @@ TEST(NgdADataSet, GridBuffersHoldTheSelection)
   dataSet.setDataProvider(provider);
   EXPECT_EQ(QStringList(text("User selection ignored")), messages.texts);
   EXPECT_EQ(1, dataSet.getRoleCount(Nbd::Role::SELECTION));
+}
+
+TEST(NgdDataSetGrid, ExtendedBuffersReachBeyondTheGrid)
+{
+  const auto provider = testsupport::makeGrid(5, 4, 3);
+  const std::vector<double> all = readAll(*provider, provider->getIdFromName(text("Z1")));
+  provider->deselect(NbiIntervalIntLarge(7, 7));
+  NgdDataSetGrid dataSet;
+  dataSet.setDataProvider(provider);
+  assign(dataSet, in, text("Z1"));
+  dataSet.setAccessType(in, Nbd::ACCESS_READ_WRITE);
+  dataSet.openAllVariables();
+  NbdDataGridExtended buffer;
+  dataSet.createAllVariables(buffer, true, true);
+  dataSet.loadExtendedInBuffer({0, 1}, {1, 3}, {0, 2}, NbgIntVector3D(1, 2, 1), buffer);
+  ASSERT_EQ(4 * 7 * 5, buffer.getNSamples());
+  const NbgGeomGrid extended = buffer.getExtendedGeometry();
+  NbdAVariableNumeric &values = *buffer.getVariableNumeric(in, 0);
+  int nInBlock = 0;
+  for (int position = 0; position < buffer.getNSamples(); ++position) {
+    const qint64 number = buffer.getVariableSN()->getValueAsType(position);
+    EXPECT_EQ(buffer.isInGrid(position), number > 0);
+    EXPECT_EQ(buffer.isInGrid(position) ? all[number - 1] : NbbGlobal::D_FFFF,
+              values.getValue(position));
+    EXPECT_EQ(buffer.isInGrid(position) && number != 8, buffer.isSelected(position));
+    const NbgVector3D difference =
+        buffer.getLocation(position) - extended.getCellCenter(qint64(position));
+    EXPECT_LT(difference.norm(), 1e-9);  // metres, coordinates below 100: rounding only
+    EXPECT_EQ(buffer.getLocation(position).x(),
+              buffer.getVariableNumeric(Nbd::Role::X, 0)->getValue(position));
+    nInBlock += buffer.isInBlock(position);
+  }
+  EXPECT_EQ(2 * 3 * 3, nInBlock);
+
+  values.setAllValues(-3.);
+  dataSet.saveExtendedFromBuffer(buffer);
+  const std::vector<double> after = readAll(*provider, provider->getIdFromName(text("Z1")));
+  for (int rank = 0; rank < 60; ++rank) {
+    const bool isWritten = rank / 12 <= 1 && rank / 3 % 4 >= 1 && rank != 7;
+    EXPECT_EQ(isWritten ? -3. : rank == 7 ? -1. : all[rank], after[rank]);
+  }
+}
+
+TEST(NgdDataSetGrid, SampledBuffersFollowTheBorderOption)
+{
+  const auto provider = QSharedPointer<NbpMemoryProviderGridW>::create(
+      testsupport::makeGridGeometry(7, 1, 1, NbgVector3D::Unit));
+  provider->addVariable(text("V"), std::vector<double>{10., 11., 12., 13., 14., 15., 16.});
+  NgdDataSetGrid dataSet;
+  dataSet.setDataProvider(provider);
+  assign(dataSet, in, text("V"));
+  dataSet.openAllVariables();
+  NbdDataGridSampled buffer;
+  buffer.setStep(NbgIntVector3D(2, 1, 1));
+  buffer.setBlock(dataSet.getGeometry(), {3, 6}, {0, 0}, {0, 0}, NbgIntVector3D(5, 0, 0));
+  dataSet.createAllVariables(buffer, false, false);
+
+  const double u = NbbGlobal::D_FFFF;
+  const QVector<double> expected[] = {{u, 10., 12., 14., 16., u, u},  // nodes -2, 0 ... 10
+                                      {10., 10., 12., 14., 16., 16., 16.},
+                                      {12., 10., 12., 14., 16., 14., 12.}};
+  for (int option = 0; option < 3; ++option) {
+    dataSet.setBorderOption(NgdDataSetGrid::BorderOption(option));
+    dataSet.loadSampledInBuffer(buffer);
+    QVector<double> loaded;
+    for (int position = 0; position < buffer.getNSamples(); ++position)
+      loaded << buffer.getVariableNumeric(in, 0)->getValue(position);
+    EXPECT_EQ(expected[option], loaded);
+  }
+  EXPECT_EQ(2., buffer.getSampledGeometry().getCellSize().x());
+  EXPECT_EQ(NbgIntVector3D(-2, 0, 0), buffer.getIJK(0));
+  EXPECT_EQ(NbbGlobal::I64_FFFF, buffer.getSampleNumber(0));
+
+  const QString path = text("data\\NgdDataSetGrid");
+  buffer.getDataTable().clearTable();
+  provider->addVariable(text("T"), std::vector<QString>(7));
+  dataSet.closeAllVariables();
+  assign(dataSet, out, text("T"));
+  dataSet.openAllVariables();
+  dataSet.createAllVariables(buffer, false, false);
+  expectAssertion(path, text("Non numeric variables Not implemented"),
+                  [&] { dataSet.loadSampledInBuffer(buffer); });
+  dataSet.closeAllVariables();
+  dataSet.clearRole(out);
+  dataSet.assignMacro(out, addMacro(*provider, text("M"), 2, Nbd::TYPE_FLOAT));
+  NgdVariableDescriptor multi = dataSet.getDataDescriptor(out, 0);
+  multi.setVariableType(Nbd::TYPE_MULTI_FLOAT);
+  dataSet.setDataDescriptor(out, 0, multi);
+  dataSet.openAllVariables();
+  buffer.getDataTable().clearTable();
+  dataSet.createAllVariables(buffer, false, false);
+  expectAssertion(path, text("Multi variables Not implemented"),
+                  [&] { dataSet.loadSampledInBuffer(buffer); });
+}
+
+TEST(NgdDataSetGrid, CompressionLeavesOutUndefinedCells)
+{
+  struct SparseGrid : NbpMemoryProviderGridR
+  {
+    using NbpMemoryProviderGridR::NbpMemoryProviderGridR;
+    bool isSparse() const override { return true; }
+    NbiIntervalIntLargeDisjoint getDefinedRanks(const NbiIntervalIntLarge &ranks) const override
+    {
+      return NbiIntervalIntLargeDisjoint(ranks.intersect(NbiIntervalIntLarge(5, 9)));
+    }
+  };
+  const auto provider =
+      QSharedPointer<SparseGrid>::create(testsupport::makeGridGeometry(3, 2, 2, NbgVector3D::Unit));
+  provider->deselect(NbiIntervalIntLarge(6, 6));
+  NgdDataSetGrid dataSet;
+  dataSet.setDataProvider(provider);
+  dataSet.openAllVariables();
+  NbdDataPoints points;
+  dataSet.loadAllData(points, true, true);
+  EXPECT_EQ(11, points.getNSamples());
+  dataSet.loadInBuffer(NbiIntervalIntLargeDisjoint(NbiIntervalIntLarge(0, 11)), points);
+  EXPECT_EQ(4, points.getNSamples());
+
+  const std::unique_ptr<NgdBufferManagerGrid> manager(dataSet.createBufferManager());
+  for (bool compressed : {false, true}) {
+    manager->setCompressionEnabled(compressed);
+    manager->tuneBufferSize(1 << 20, 1, 100);
+    int nSelected = 0;
+    const std::unique_ptr<NgdIBufferIterator> buffers(manager->createBufferIterator());
+    while (buffers->hasNext())
+      nSelected += std::unique_ptr<NbdAData>(buffers->next())->getNSelected();
+    EXPECT_EQ(compressed ? 4 : 11, nSelected);
+  }
 }
 
 TEST(NgdADataSet, MacrosBecomeOneVariablePerRealization)
