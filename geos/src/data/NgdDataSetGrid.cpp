@@ -58,9 +58,8 @@ void NgdDataSetGrid::loadInBuffer(const NbiIntervalIntSmall &i, const NbiInterva
     NBE_FAIL(QStringLiteral("Invalid interval given"));
 
   const NbpIProviderGridR &provider = _getGridProvider();
+  buffer.setBlock(_geometry, i, j, k);
   buffer.setNDimensions(getNDimensions());
-  buffer.setGeometry(_geometry);
-  buffer.setParentIntervals(i, j, k);
   _loadColumns(buffer, [&](const QString &id, NbdAVariable &variable) {
     return provider.readGrid(id, i, j, k, variable);
   });

@@ -39,6 +39,16 @@ NgmMatrix symmetrical(const NgmMatrix &matrix)
   return copy;
 }
 
+/// Beyond what rounding makes of a zero one: perfectly correlated variables are admitted.
+bool hasNegativeEigenvalue(const NgmMatrix &matrix)
+{
+  NgmMatrix values(false);
+  NgmMatrix vectors(false);
+  const double largest = matrix.eigenValues(values, vectors, false, false, 1);
+  const double rounding = matrix.getNRows() * std::numeric_limits<double>::epsilon();
+  return matrix.getNRows() > 0 && values.getElement(0, 0) < -rounding * std::abs(largest);
+}
+
 /// Multiplies the elements off the diagonal.
 void scaleOffDiagonal(NgmMatrix &matrix, double factor)
 {
@@ -649,7 +659,7 @@ int NgmVModel::_addStructure(const NgmAVStruct &structure, const NgmMatrix &sill
   if (sills.getNColumns() != _nVariables || sills.getNRows() != _nVariables)
     throw NbeProgrammingError(
         QStringLiteral("NgmVModel::addStructure: sills matrix has wrong size."));
-  if (!sills.isPositiveDefinite(false, false))
+  if (hasNegativeEigenvalue(sills))
     throw NbeProgrammingError(
         QStringLiteral("NgmVModel::_addStructure: sills matrix must be positive definite"));
   std::unique_ptr<NgmAVStruct> copy = NgmVStructFactory::createVStruct(structure);
@@ -791,6 +801,7 @@ void NgmVModel::_readStructure(QDataStream &stream)
   }
   // After the parameters, on which the ratio of practical range and scale depends.
   structure->_setScaleFactor(practicalScale);
+  structure->_matchPracticalScale(practicalScale);
   structure->_setAnisotropy(anisotropy);
   structure->setRotation(rotation);
   structure->setContext(_context);
