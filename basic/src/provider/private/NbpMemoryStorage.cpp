@@ -422,9 +422,9 @@ const NbpMemorySelection &NbpMemoryStorage::_getSelection() const
 void NbpMemoryStorage::checkRange(qint64 first, qint64 last) const
 {
   if (first <= last && (first < 0 || last >= _nSamples))
-    fail(QObject::tr("Samples %1 to %2 are asked for, the file has %3.")
-             .arg(first + 1)
-             .arg(last + 1)
+    fail(QObject::tr("Ranks %1 to %2 are asked for, the file has %3 samples.")
+             .arg(first)
+             .arg(last)
              .arg(_nSamples));
 }
 
