@@ -42,8 +42,6 @@ private:
     double cumulative = 0.;
   };
 
-  double _nextInPiece(int rank);
-
   double _min = -10.;
   double _max = 0.;
   std::array<Piece, 4> _pieces;
