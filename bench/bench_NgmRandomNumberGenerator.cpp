@@ -1,5 +1,5 @@
-// Random numbers and samples, beside the recurrence in its defining form (two divisions per number).
-// Counters: numbers (samples) per second.
+// Random numbers and samples, beside the recurrence in its defining form (two divisions per
+// number). Counters: numbers (samples) per second.
 
 #include "geos/simu/NgmDistributionGamma.h"
 #include "geos/simu/NgmDistributionGaussian.h"
