@@ -1,10 +1,10 @@
 // Covariance matrices of sample sets, beside loops written by hand for one spherical structure.
 // Counters: pairs (or samples) per second.
 
+#include "BenchPoints.h"
 #include "basic/geom/NbgVector3D.h"
 #include "geos/matrix/NgmMatrix.h"
 #include "geos/vmodel/NgmVModel.h"
-#include "support/Random.h"
 
 #include <benchmark/benchmark.h>
 
@@ -22,8 +22,8 @@ struct Samples
   explicit Samples(int n) : x(n), y(n), z(n, 0.)
   {
     for (int i = 0; i < n; ++i) {
-      x[i] = testsupport::uniform(20240601, 2 * i, 0., 3000.);
-      y[i] = testsupport::uniform(20240601, 2 * i + 1, 0., 4000.);
+      x[i] = 3000. * bench::uniform(20240601, 2 * i);
+      y[i] = 4000. * bench::uniform(20240601, 2 * i + 1);
     }
   }
 
@@ -165,3 +165,5 @@ BENCHMARK(BM_allCovasExponential)->Arg(16)->Arg(32)->Arg(500);
 BENCHMARK(BM_allCovasRotated)->Arg(16)->Arg(32)->Arg(500);
 BENCHMARK(BM_pointSetByHand)->Arg(16)->Arg(1000);
 BENCHMARK(BM_pointSet)->Arg(16)->Arg(1000);
+
+BENCHMARK_MAIN();

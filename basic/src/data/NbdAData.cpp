@@ -70,12 +70,13 @@ void NbdAData::clearSelection()
 
 bool NbdAData::isSelected(int position) const
 {
-  return !_selection || _selection->getBoolValue(position);
+  // Samples added through the table, unknown to the selection, take part.
+  return !_selection || position >= _selection->getNValues() || _selection->getBoolValue(position);
 }
 
 int NbdAData::getNSelected() const
 {
-  return int(getSelectedPositions().size());
+  return _selection ? int(getSelectedPositions().size()) : getNSamples();
 }
 
 const std::vector<int> &NbdAData::getSelectedPositions() const

@@ -60,6 +60,14 @@ void NbdDataGrid::setGeometry(const NbgGeomGrid &geometry)
     setParentIntervals({}, {}, {});
 }
 
+void NbdDataGrid::setBlock(const NbgGeomGrid &geometry, const NbiIntervalIntSmall &i,
+                           const NbiIntervalIntSmall &j, const NbiIntervalIntSmall &k)
+{
+  _geometry = geometry;
+  setNDimensions(geometry.getNDim());
+  setParentIntervals(i, j, k);
+}
+
 void NbdDataGrid::setParentIntervals(const NbiIntervalIntSmall &i, const NbiIntervalIntSmall &j,
                                      const NbiIntervalIntSmall &k)
 {

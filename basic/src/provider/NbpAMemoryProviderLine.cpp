@@ -1,6 +1,7 @@
 #include "basic/provider/NbpAMemoryProviderLine.h"
 
 #include "basic/data/NbdVariableDouble.h"
+#include "basic/error/NbeAssertion.h"
 #include "provider/private/NbpMemoryStorage.h"
 
 #include <algorithm>
@@ -20,6 +21,9 @@ NbpAMemoryProviderLine::NbpAMemoryProviderLine(const NbgEDimension &dimension,
     : NbpAMemoryProviderPoints<NbpIProviderObjectW>(dimension, sumOf(nSamplesPerLine)),
       _firstOfLine(nSamplesPerLine.size() + 1, 0)
 {
+  for (const int count : nSamplesPerLine)
+    if (count < 0)
+      NBE_FAIL(QStringLiteral("count >= 0"));
   std::transform(nSamplesPerLine.begin(), nSamplesPerLine.end(), _firstOfLine.begin(),
                  _firstOfLine.begin() + 1, [](int count, qint64 first) { return first + count; });
 }

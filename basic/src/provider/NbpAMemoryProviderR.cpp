@@ -28,7 +28,6 @@ bool NbpAMemoryProviderR<I>::readSelection(const NbiIntervalIntLarge &ranks,
   const NbpMemoryStorage &storage = this->_getStorage();
   return storage.call([&] {
     NbpRuns runs;
-    storage.checkRange(ranks.getLower(), ranks.getUpper());
     const int n = storage.appendRuns(ranks.getLower(), ranks.getUpper(), false, 0, runs);
     storage.readFlags(runs, n, selection);
     return true;

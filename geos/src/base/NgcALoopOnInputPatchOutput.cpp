@@ -56,8 +56,7 @@ NbdAData *NgcALoopOnInputPatchOutput::getNextInputBuffer()
 NbdDataPoints *NgcALoopOnInputPatchOutput::getOutputBuffer() const
 {
   auto buffer = std::make_unique<NbdDataPoints>();
-  _getDataset(Nbd::Dataset::OUTPUT)
-      ->createAllVariables(*buffer, _getNeedCoordinates(), _getNeedSampleNumber());
+  _getDataset(Nbd::Dataset::OUTPUT)->createAllVariables(*buffer, _getNeedCoordinates(), true);
   return buffer.release();
 }
 

@@ -678,20 +678,22 @@ void NgdADataSet::_saveColumns(const NbdAData &buffer, const _Transfer &transfer
 
 void NgdADataSet::loadInBuffer(const NbiIntervalIntSmallO64 &ranks, NbdDataPoints &buffer) const
 {
-  _loadInBuffer(NbiIntervalIntLargeDisjoint({ranks.getLower(), ranks.getUpper()}), buffer);
+  const NbiIntervalIntLargeDisjoint interval({ranks.getLower(), ranks.getUpper()});
+  _checkRanks(interval);
+  _loadInBuffer(interval, buffer);
   buffer.setParentInterval(ranks);
 }
 
 void NgdADataSet::loadInBuffer(const NbiIntervalIntLargeDisjoint &ranks,
                                NbdDataPoints &buffer) const
 {
+  _checkRanks(ranks);
   _loadInBuffer(_tuneLoadInBufferInterval(ranks), buffer);
 }
 
 void NgdADataSet::_loadInBuffer(const NbiIntervalIntLargeDisjoint &ranks,
                                 NbdDataPoints &buffer) const
 {
-  _checkRanks(ranks);
   QVector<int> firsts(1, 0);
   for (int rank = 0; rank < ranks.count(); ++rank) {
     const qint64 next = firsts.last() + _provider->getSelectedSampleCount(ranks.at(rank));
@@ -719,10 +721,7 @@ void NgdADataSet::loadInBufferFromCuboid(const NbgGeomCuboid &cuboid, NbdDataPoi
     NBE_FAIL(QStringLiteral("method openAllVariables should be called before"));
 
   const NbiIntervalIntLargeDisjoint inside = _findRanksInside(cuboid);
-  if (inside.isEmpty())
-    buffer.clearSamples();
-  else
-    _loadInBuffer(inside, buffer);
+  _loadInBuffer(inside, buffer);
   for (const NbdAVariable *variable : buffer.getDataTableConst().getAllVars()) {
     if (variable->getNValues() != buffer.getNSamples())
       NBE_FAIL(

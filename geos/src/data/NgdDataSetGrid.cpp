@@ -3,10 +3,16 @@
 #include "basic/base/NbbDebug.h"
 #include "basic/data/NbdAVariable.h"
 #include "basic/data/NbdDataGrid.h"
+#include "basic/data/NbdDataGridSampled.h"
+#include "basic/data/NbdVariableDouble.h"
+#include "basic/data/NbdVariableFactory.h"
+#include "basic/data/NbdVariableInt64.h"
 #include "basic/data/NbdVariableSelection.h"
 #include "basic/error/NbeAssertion.h"
 #include "basic/geom/NbgBox.h"
+#include "basic/interval/NbiIntervalIntLargeDisjoint.h"
 #include "basic/provider/NbpIProviderGridW.h"
+#include "data/private/NgdGridBorder.h"
 
 NgdDataSetGrid::NgdDataSetGrid() = default;
 
@@ -58,9 +64,8 @@ void NgdDataSetGrid::loadInBuffer(const NbiIntervalIntSmall &i, const NbiInterva
     NBE_FAIL(QStringLiteral("Invalid interval given"));
 
   const NbpIProviderGridR &provider = _getGridProvider();
+  buffer.setBlock(_geometry, i, j, k);
   buffer.setNDimensions(getNDimensions());
-  buffer.setGeometry(_geometry);
-  buffer.setParentIntervals(i, j, k);
   _loadColumns(buffer, [&](const QString &id, NbdAVariable &variable) {
     return provider.readGrid(id, i, j, k, variable);
   });
@@ -97,6 +102,69 @@ void NgdDataSetGrid::loadWholeGrid(NbdDataGrid &buffer) const
                NbiIntervalIntSmall::fromLength(nodes.z()), buffer);
 }
 
+void NgdDataSetGrid::loadExtendedInBuffer(const NbiIntervalIntSmall &i,
+                                          const NbiIntervalIntSmall &j,
+                                          const NbiIntervalIntSmall &k,
+                                          const NbgIntVector3D &border,
+                                          NbdDataGridExtended &buffer) const
+{
+  buffer.setBlock(_geometry, i, j, k, border);
+  _loadWithBorder(buffer, BORDER_UNDEFINED);
+}
+
+void NgdDataSetGrid::loadSampledInBuffer(NbdDataGridSampled &buffer, BorderOption option) const
+{
+  _loadWithBorder(buffer, option);
+}
+
+void NgdDataSetGrid::loadSampledInBuffer(NbdDataGridSampled &buffer) const
+{
+  _loadWithBorder(buffer, _borderOption);
+}
+
+void NgdDataSetGrid::_loadWithBorder(NbdDataGridExtended &buffer, BorderOption option) const
+{
+  _requireOpened();
+  buffer.setNDimensions(getNDimensions());
+  buffer.setResizedTo(buffer.getNSamples());
+  const NgdGridBorder source(buffer, option);
+  const NbpIProviderGridR &provider = _getGridProvider();
+  NbdVariableDouble values;
+  _loadColumns(buffer, [&](const QString &id, NbdAVariable &variable) {
+    if (variable.isMultiRealizations())
+      NBE_FAIL(QStringLiteral("Multi variables Not implemented"));
+    if (!variable.isNumeric())
+      NBE_FAIL(QStringLiteral("Non numeric variables Not implemented"));
+    values.resizeAndFill(source.getBlockLength());
+    if (!source.isEmpty() &&
+        !provider.readGrid(id, source.getI(), source.getJ(), source.getK(), values))
+      return false;
+    source.scatter(values.getArrayConst(), static_cast<NbdAVariableNumeric &>(variable));
+    return true;
+  });
+  NgdGridBorder::setLocations(buffer);
+  _loadSelectionWithBorder(buffer, option);
+}
+
+void NgdDataSetGrid::_loadSelectionWithBorder(NbdDataGridExtended &buffer,
+                                              BorderOption option) const
+{
+  const NgdGridBorder source(buffer, option);
+  const NbpIProviderGridR &provider = _getGridProvider();
+  NbdVariableSelection block, selection;
+  block.resizeAndFill(source.getBlockLength());
+  if (!source.isEmpty() &&
+      !provider.readGridSelection(source.getI(), source.getJ(), source.getK(), block))
+    NBE_FAIL(QStringLiteral("Error when reading the selection.\nReason: %1.")
+                 .arg(provider.getLastError()));
+  NbdVariableDouble flags;
+  flags.resizeAndFill(block.getNValues());
+  flags.copyValuesFrom(block, 0, 0, block.getNValues());
+  selection.resizeAndFill(buffer.getNSamples());
+  source.scatter(flags.getArrayConst(), selection);
+  buffer.setSelection(selection);
+}
+
 void NgdDataSetGrid::saveFromBuffer(const NbiIntervalIntSmall &i, const NbiIntervalIntSmall &j,
                                     const NbiIntervalIntSmall &k, const NbdDataGrid &buffer) const
 {
@@ -107,6 +175,57 @@ void NgdDataSetGrid::saveFromBuffer(const NbiIntervalIntSmall &i, const NbiInter
   _saveColumns(buffer, [&](const QString &id, NbdAVariable &variable) {
     return writer->writeGrid(id, i, j, k, variable);
   });
+}
+
+void NgdDataSetGrid::saveExtendedFromBuffer(const NbdDataGridExtended &buffer) const
+{
+  _requireOpened();
+  const auto writer = getDataProvider().dynamicCast<NbpIProviderGridW>();
+  if (!writer)
+    NBE_FAIL(QStringLiteral("current provider is not valid for writing!"));
+  QVector<int> positions;
+  for (int position = 0; position < buffer.getNSamples(); ++position) {
+    if (buffer.isInBlock(position))
+      positions << position;
+  }
+  _saveColumns(buffer, [&](const QString &id, NbdAVariable &variable) {
+    const auto block =
+        NbdVariableFactory::createVariable(variable.getVariableType(), variable.getDetails());
+    block->resizeAndFill(positions.size());
+    for (int k = 0; k < positions.size(); ++k)
+      block->copyValuesFrom(variable, positions[k], k, 1);
+    return writer->writeGrid(id, buffer.getParentIntervalI(), buffer.getParentIntervalJ(),
+                             buffer.getParentIntervalK(), *block);
+  });
+}
+
+NbiIntervalIntLargeDisjoint NgdDataSetGrid::_tuneLoadInBufferInterval(
+    const NbiIntervalIntLargeDisjoint &ranks) const
+{
+  const NbpIProviderGridR &provider = _getGridProvider();
+  if (!provider.isSparse())
+    return ranks;
+  NbiIntervalIntLargeDisjoint defined;
+  for (int rank = 0; rank < ranks.count(); ++rank)
+    defined.merge(provider.getDefinedRanks(ranks.at(rank)));
+  return defined;
+}
+
+void NgdDataSetGrid::deselectUndefinedCells(NbdDataGrid &buffer) const
+{
+  const int n = buffer.getNSamples();
+  if (!_getGridProvider().isSparse() || n == 0)
+    return;
+  const NbiIntervalIntLarge ranks(_geometry.getRankFromIJK(buffer.getIJK(0)),
+                                  _geometry.getRankFromIJK(buffer.getIJK(n - 1)));
+  const NbiIntervalIntLargeDisjoint defined = _getGridProvider().getDefinedRanks(ranks);
+  NbdVariableSelection selection;
+  selection.resizeAndFill(n);
+  for (int position = 0; position < n; ++position) {
+    const qint64 rank = _geometry.getRankFromIJK(buffer.getIJK(position));
+    selection.setBoolValue(position, buffer.isSelected(position) && defined.isIncluded(rank));
+  }
+  buffer.setSelection(selection);
 }
 
 void NgdDataSetGrid::saveFromBufferInParent(const NbdAData &buffer) const

@@ -72,9 +72,13 @@ void NgmKrigingSystemDualContext::_buildCompressedRHS(const NbgVector3D &target,
   }
 }
 
-double NgmKrigingSystemDualContext::_makeResult(const double *rhsColumn) const
+void NgmKrigingSystemDualContext::_makeResults(const double *rhs, qint64 leadingDimension,
+                                               int nColumns, double *out) const
 {
-  return dotProduct(getNValidEquations(), _dual.getDualCoefficients().constElements(), rhsColumn);
+  const int n = getNValidEquations();
+  const double *coefficients = _dual.getDualCoefficients().constElements();
+  for (int c = 0; c < nColumns; ++c)
+    out[c] = dotProduct(n, coefficients, rhs + c * leadingDimension);
 }
 
 // One target.
@@ -113,8 +117,7 @@ void NgmKrigingSystemDualContext::krigingResultsPoint(const NgmTarget &target,
 {
   preparRHSPoint(target, model, samples, cache);
   out.resize(getNVariables());
-  for (int t = 0; t < getNVariables(); ++t)
-    out[t] = _makeResult(_rhs.constElements() + qint64(t) * getNValidEquations());
+  _makeResults(_rhs.constElements(), getNValidEquations(), getNVariables(), out.data());
 }
 
 void NgmKrigingSystemDualContext::computeWeights()
@@ -156,8 +159,7 @@ void NgmKrigingSystemDualContext::prepareBatch(int nTargets, const double *targe
 
 void NgmKrigingSystemDualContext::computeBatchEstimates(double *out) const
 {
-  for (int c = 0; c < _batchSize * getNVariables(); ++c)
-    out[c] = _makeResult(_batchRHS.data() + qint64(c) * _leadingDimension);
+  _makeResults(_batchRHS.data(), _leadingDimension, _batchSize * getNVariables(), out);
 }
 
 void NgmKrigingSystemDualContext::computeBatchWeights()

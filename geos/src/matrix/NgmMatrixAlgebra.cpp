@@ -229,6 +229,7 @@ bool NgmMatrix::_eigenValuesLoc(NgmMatrix &values, NgmMatrix &vectors, bool with
 {
   const int n = _rowCount;
   NgmMatrix reduced(*this);
+  reduced._mirrorUpperToLower();
   values.resize(n, 1, false);
   if (withVectors)
     vectors.resize(n, n, false);

@@ -223,6 +223,18 @@ void NgmAVStruct::_setScaleFactor(double practicalRange)
   _scale = practicalRange / _practicalFactor;
 }
 
+void NgmAVStruct::_matchPracticalScale(double practicalScale)
+{
+  const double below = std::nextafter(_scale, 0.);
+  const double above = std::nextafter(_scale, 2. * _scale);
+  for (const double scale : {_scale, below, above}) {
+    if (scale * _practicalFactor == practicalScale) {
+      _scale = scale;
+      return;
+    }
+  }
+}
+
 void NgmAVStruct::_setupParameters() {}
 
 void NgmAVStruct::_setAnisotropy(const NbgVector3D &anisotropy)

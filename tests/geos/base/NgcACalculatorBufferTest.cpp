@@ -368,15 +368,10 @@ TEST(NgcALoopOnInputPatchOutput, PatchesByForeignSampleNumbers)
   const int n = 50;
   const Provider input = makeCounting(n);
   const Provider output = makeCounting(n);
-  std::vector<qint64> numbers(n);
-  for (int i = 0; i < n; ++i)
-    numbers[i] = i + 1;
-  output->addVariable(QStringLiteral("NUMBER"), numbers);
   NgdDataSetPoints in = makeDataSet(input);
   assign(in, input, Nbd::Role::V, "IN");
   NgdDataSetPoints out = makeDataSet(output);
   assign(out, output, Nbd::Role::DISTANCE, "OUT");
-  assign(out, output, Nbd::Role::SN, "NUMBER");
 
   Mirror mirror;
   EXPECT_EQ(mirror.execute(), NbcAProgress::FAILED);

@@ -6,6 +6,7 @@
 #include "basic/data/NbdMacroIndexInfo.h"
 #include "basic/data/NbdVariableMulti.h"
 #include "basic/error/NbeProgrammingError.h"
+#include "geos/data/NgdDataSetGrid.h"
 
 #include <map>
 

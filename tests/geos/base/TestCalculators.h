@@ -1,6 +1,6 @@
 #pragma once
 
-#include "basic/data/NbdAData.h"
+#include "basic/data/NbdDataPoints.h"
 #include "basic/data/NbdVariableDouble.h"
 #include "basic/error/NbeError.h"
 #include "geos/base/NgcACalculatorComposite.h"

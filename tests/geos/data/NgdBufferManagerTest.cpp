@@ -31,7 +31,7 @@ namespace {
 
 const qint64 ample = qint64(1) << 50;
 
-/// An open data set whose samples have a sample number only: 8 bytes each.
+/// An open data set whose samples have a sample number only (8 bytes).
 template <class DataSet, class Provider>
 std::unique_ptr<DataSet> openDataSet(QSharedPointer<Provider> provider)
 {
@@ -39,7 +39,6 @@ std::unique_ptr<DataSet> openDataSet(QSharedPointer<Provider> provider)
   dataSet->setMaxDimension(NgdADataSet::DIM_0);
   dataSet->setDataProvider(provider);
   dataSet->openAllVariables();
-  EXPECT_EQ(8, dataSet->getSampleSizeBytes());
   return dataSet;
 }
 
@@ -121,9 +120,10 @@ TEST(NgdBufferManagerPoints, TuningKeepsItsBounds)
       const auto partOf = [&](qint64 count) { return (n + count - 1) / count; };
       EXPECT_GE(size, std::min<qint64>(1000, n));
       EXPECT_LE(size, std::max<qint64>(1000, partOf(nThreads)));
-      if (partOf(nPreferred) >= 1000)
-        EXPECT_EQ(std::max<qint64>(std::min(partOf(nPreferred), partOf(nThreads)), 1000), size);
       EXPECT_EQ((n + size - 1) / size, manager.getNBuffers());
+      if (partOf(nPreferred) >= 1000) {
+        EXPECT_EQ(std::max<qint64>(std::min(partOf(nPreferred), partOf(nThreads)), 1000), size);
+      }
     }
   }
 }

@@ -10,6 +10,9 @@
 
 namespace testsupport {
 
+/// Of reference values that were computed twice and agree so far.
+constexpr double REFERENCE = 1e-12;
+
 /// Samples with the arrays that hold them.
 class Samples
 {

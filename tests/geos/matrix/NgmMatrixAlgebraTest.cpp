@@ -2,6 +2,9 @@
 #include "basic/base/NbbGlobal.h"
 #include "geos/matrix/NgmNumericLibrary.h"
 
+#include <QStringList>
+#include <array>
+
 #include <array>
 #include <limits>
 
@@ -331,6 +334,33 @@ TEST(NgmMatrixAlgebra, SequentialResultsDoNotDependOnTheProcessThreads)
   NgmNumericLibrary::setThreads(1);
   EXPECT_TRUE(sameBits(inverses[0], inverses[1]));
   EXPECT_TRUE(sameBits(inverses[0], inverses[2]));
+}
+
+TEST(NgmMatrixAlgebra, VerboseOperationsLogTheirMatrices)
+{
+  static QStringList lines;
+  lines.clear();
+  const QtMessageHandler handler = qInstallMessageHandler(
+      [](QtMsgType, const QMessageLogContext &, const QString &text) { lines << text; });
+  NgmMatrix a = matrixOf(2, 2, {1., 2., 2., 1.}, true);
+  NgmMatrix out(true);
+  a.generalizedInverse(out, false, true, 1);
+  a.makePositiveDefinite(false, true, 1e-10);
+  qInstallMessageHandler(handler);
+
+  QStringList headers;
+  for (const QString &line : lines)
+    headers << line.section('\n', 0, 0);
+  EXPECT_EQ(headers, (QStringList{QStringLiteral("@@NgmMatrix::generalizedInverse: this"),
+                                  QStringLiteral("@@NgmMatrix::generalizedInverse: eigen_val"),
+                                  QStringLiteral("@@NgmMatrix::generalizedInverse: eigen_vect"),
+                                  QStringLiteral("@@NgmMatrix::generalizedInverse: inverse"),
+                                  QStringLiteral("@@NgmMatrix::makePositiveDefinite: this"),
+                                  QStringLiteral("@@NgmMatrix::makePositiveDefinite: eig_vals"),
+                                  QStringLiteral("@@NgmMatrix::makePositiveDefinite: eig_vect"),
+                                  QStringLiteral("@@NgmMatrix::makePositiveDefinite: val_prop_mat"),
+                                  QStringLiteral("@@NgmMatrix::makePositiveDefinite: vec_prop_inv"),
+                                  QStringLiteral("@@NgmMatrix::makePositiveDefinite: work_mat")}));
 }
 
 TEST(NgmMatrixAlgebra, ErrorTexts)

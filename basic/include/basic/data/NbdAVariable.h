@@ -59,6 +59,9 @@ public:
   /// undefined.
   virtual void setVariant(int position, const QVariant &value) = 0;
 
+  /// Text for people, in the C locale; NbbGlobal::STR_NA when the value is undefined.
+  virtual QString getText(int position) const;
+
   /// Appends one value; see setVariant().
   void appendValue(const QVariant &value);
 
@@ -90,7 +93,9 @@ public:
   /// Keeps the values whose flag, one per value, is not 0.
   virtual void compress(const unsigned char *keep) = 0;
   /// Value k becomes what value ranks[k] was; `ranks` has one element per value.
-  virtual void permute(const int *ranks) = 0;
+  void permute(const int *ranks) { extract(ranks, getNValues()); }
+  /// Keeps the values at n positions, in their order; positions may come again.
+  virtual void extract(const int *positions, int n) = 0;
   /// Makes the values independent of all copies at once.
   virtual void detachData() = 0;
 
@@ -122,6 +127,10 @@ protected:
 
   /// NbeProgrammingError unless [first, first + count) is within the values.
   void _checkRange(int first, int count) const;
+  static void _checkOtherRange(const NbdAVariable &other, int first, int count)
+  {
+    other._checkRange(first, count);
+  }
   /// NbeProgrammingError for a negative size, NbeMemoryError beyond the range of int.
   static void _checkSize(qint64 size);
   [[noreturn]] static void _refuseConversion(const NbdAVariable &from, const NbdAVariable &to);

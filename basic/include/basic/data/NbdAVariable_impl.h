@@ -56,7 +56,7 @@ public:
   void insertUndefinedValues(int position, int count) override;
   void removeValues(int first, int count) override;
   void compress(const unsigned char *keep) override;
-  void permute(const int *ranks) override;
+  void extract(const int *positions, int n) override;
   void detachData() override { _values.get(); }
 
   /// Whether the values are, for now, those of `other` in memory.

@@ -32,6 +32,10 @@ public:
   /// nodes than a buffer counts.
   void setGeometry(const NbgGeomGrid &geometry);
 
+  /// Both at once: the table never takes the size of the whole grid.
+  void setBlock(const NbgGeomGrid &geometry, const NbiIntervalIntSmall &i,
+                const NbiIntervalIntSmall &j, const NbiIntervalIntSmall &k);
+
   /// The block that the buffer holds, in indices of the whole grid. Resizes the table's variables.
   void setParentIntervals(const NbiIntervalIntSmall &i, const NbiIntervalIntSmall &j,
                           const NbiIntervalIntSmall &k);

@@ -214,6 +214,7 @@ private:
   };
 
   void _checkRank(int rank) const;
+  void _checkLengths() const;
   void _checkSamples(int first, int count) const;
   void _fitVariable(NbdAVariable &variable);
   void _updateRanks();

@@ -25,6 +25,8 @@ public:
   /// NONE.
   NbdEVarType();
 
+  /// Whether the code is that of a type with storage or of NONE.
+  static bool existsUdVarType(int type);
   /// NbeProgrammingError for a code that has no storage.
   static const NbdEVarType &fromUdVarType(Nbd::EVariableType type);
   Nbd::EVariableType toUdVarType() const { return static_cast<Nbd::EVariableType>(getValue()); }

@@ -25,6 +25,8 @@ public:
   /// Name of the category; empty when it is undefined or not in the catalogue.
   QString getCategoryName(int position) const { return _catalog.getName(getValueAsType(position)); }
 
+  QString getText(int position) const override;
+
   /// Numbers and shares of the samples by code.
   NbcProportions getProportions() const;
 

@@ -62,7 +62,7 @@ public:
   void insertUndefinedValues(int position, int count) override;
   void removeValues(int first, int count) override;
   void compress(const unsigned char *keep) override;
-  void permute(const int *ranks) override;
+  void extract(const int *positions, int n) override;
   void detachData() override;
 
 protected:

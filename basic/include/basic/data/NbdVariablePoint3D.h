@@ -16,6 +16,8 @@ public:
 
   bool isNumeric() const override { return false; }
 
+  QString getText(int position) const override;
+
   const NbgVector3D &getValue(int position) const { return getValueAsType(position); }
   void setValue(int position, const NbgVector3D &value) { setValueAsType(position, value); }
   void appendValue(const NbgVector3D &value) { appendValueAsType(value); }

@@ -3,6 +3,7 @@
 #include "basic/provider/NbpIProviderR.h"
 
 class NbgGeomGrid;
+class NbiIntervalIntLargeDisjoint;
 class NbiIntervalIntSmall;
 
 /// Reading side of a regular grid: blocks of nodes, whole, in the order k fastest, i slowest.
@@ -15,6 +16,9 @@ public:
 
   /// A sparse grid stores only the cells that are defined.
   virtual bool isSparse() const { return false; }
+
+  /// The defined cells among `ranks`: all of them unless the grid is sparse.
+  virtual NbiIntervalIntLargeDisjoint getDefinedRanks(const NbiIntervalIntLarge &ranks) const;
 
   /// All values of a block, selected or not; `values` has the block's size.
   virtual bool readGrid(const QString &id, const NbiIntervalIntSmall &i,

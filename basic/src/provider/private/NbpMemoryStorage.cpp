@@ -6,6 +6,7 @@
 #include "basic/data/NbdVarTypeFlags.h"
 #include "basic/data/NbdVariableDouble.h"
 #include "basic/data/NbdVariableSelection.h"
+#include "basic/error/NbeAssertion.h"
 #include "provider/private/NbpMemoryColumn.h"
 #include "provider/private/NbpServedColumns.h"
 
@@ -27,6 +28,15 @@ void checkBuffer(const NbdAVariable &values, int nPositions)
              .arg(nPositions));
 }
 
+/// Buffers count in int.
+void checkPositions(int position, qint64 n)
+{
+  if (position < 0)
+    fail(QObject::tr("The first position in the buffer is negative."));
+  if (n > std::numeric_limits<int>::max() - position)
+    fail(QObject::tr("%1 samples are too many for one buffer.").arg(n));
+}
+
 const NbdEVarRole &coordinateRole(int axis)
 {
   return axis == 0 ? NbdEVarRole::X : axis == 1 ? NbdEVarRole::Y : NbdEVarRole::Z;
@@ -34,8 +44,10 @@ const NbdEVarRole &coordinateRole(int axis)
 
 }  // namespace
 
-NbpMemoryStorage::NbpMemoryStorage(qint64 nSamples) : _nSamples(std::max<qint64>(nSamples, 0))
+NbpMemoryStorage::NbpMemoryStorage(qint64 nSamples) : _nSamples(nSamples)
 {
+  if (nSamples < 0)
+    NBE_FAIL(QStringLiteral("nSamples >= 0"));
   _addServed(NbdEVarRole::SN, std::make_unique<NbpSampleNumberColumn>());
 }
 
@@ -410,9 +422,9 @@ const NbpMemorySelection &NbpMemoryStorage::_getSelection() const
 void NbpMemoryStorage::checkRange(qint64 first, qint64 last) const
 {
   if (first <= last && (first < 0 || last >= _nSamples))
-    fail(QObject::tr("Samples %1 to %2 are asked for, the file has %3.")
-             .arg(first + 1)
-             .arg(last + 1)
+    fail(QObject::tr("Ranks %1 to %2 are asked for, the file has %3 samples.")
+             .arg(first)
+             .arg(last)
              .arg(_nSamples));
 }
 
@@ -420,10 +432,7 @@ int NbpMemoryStorage::appendSelectedRuns(qint64 first, qint64 last, int position
                                          NbpRuns &runs) const
 {
   const qint64 n = getSelectedCount(first, last);
-  if (position < 0)
-    fail(QObject::tr("The first position in the buffer is negative."));
-  if (n > std::numeric_limits<int>::max() - position)
-    fail(QObject::tr("Samples %1 to %2 are too many for one buffer.").arg(first + 1).arg(last + 1));
+  checkPositions(position, n);
   if (n > 0 && hasSelection())
     _getSelection().appendRuns(first, last, true, position, runs);
   else
@@ -434,6 +443,10 @@ int NbpMemoryStorage::appendSelectedRuns(qint64 first, qint64 last, int position
 int NbpMemoryStorage::appendRuns(qint64 first, qint64 last, bool selectedOnly, int position,
                                  NbpRuns &runs) const
 {
+  checkRange(first, last);
+  if (last < first)
+    return position;
+  checkPositions(position, last - first + 1);
   if (selectedOnly && hasSelection())
     return _getSelection().appendRuns(first, last, false, position, runs);
   const int n = int(last - first + 1);

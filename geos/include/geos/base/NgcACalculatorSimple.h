@@ -21,7 +21,8 @@ public:
   ~NgcACalculatorSimple() override;
 
   /// Asks for statistics (proportions) of the variables of a role. Without any such call, and
-  /// statistics switched on by setPerformStatsOrProps(), all roles are covered.
+  /// statistics switched on by setPerformStatsOrProps(), all roles are covered but coordinates and
+  /// sample numbers.
   void setPerformStatistics(const QString &role);
   void setPerformProportions(const QString &role);
   void setPerformStatsOrProps(bool perform);

@@ -35,6 +35,10 @@ public:
 
   void setNSamplesPerBuffer(int nSamples);
 
+  /// Bytes per sample by which buffers are sized; those of the data set by default.
+  int getSampleSize() const { return _sampleSize; }
+  void setSampleSize(int bytes) { _sampleSize = bytes; }
+
   /// How many buffers an iterator hands out, loop indices included.
   int getNBuffers() const { return _nBuffers; }
 
@@ -61,11 +65,6 @@ protected:
   /// Sets the number of cuts; buffers are that many times the loop indices. A data set without a
   /// selected sample has none.
   void _setNBuffers(qint64 nCuts);
-
-  /// Bytes of one sample.
-  int _getSampleSize() const { return _sampleSize; }
-
-  bool _hasSelectedSamples() const { return _hasSelected; }
 
 private:
   void _logSizes(const char *operation) const;

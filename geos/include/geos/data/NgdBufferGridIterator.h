@@ -22,4 +22,5 @@ private:
   std::unique_ptr<NgdDataSetGrid> _dataSet;
   bool _needCoordinates;
   bool _needSampleNumber;
+  bool _isCompressed;
 };

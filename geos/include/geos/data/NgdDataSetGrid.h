@@ -6,6 +6,8 @@
 #include "geos/data/NgdBufferManagerGrid.h"
 
 class NbdDataGrid;
+class NbdDataGridExtended;
+class NbdDataGridSampled;
 class NbiIntervalIntSmall;
 class NbpIProviderGridR;
 
@@ -13,6 +15,10 @@ class NbpIProviderGridR;
 class NgdDataSetGrid : public NbbCloneable<NgdDataSetGrid, NgdADataSet>
 {
 public:
+  /// What nodes outside the grid receive: undefined values (and they are not selected), those of
+  /// the nearest node, or those of the node mirrored at the border node.
+  enum BorderOption { BORDER_UNDEFINED = 0, BORDER_NEAREST = 1, BORDER_MIRRORED = 2 };
+
   NgdDataSetGrid();
 
   using NgdADataSet::setDataProvider;
@@ -33,16 +39,44 @@ public:
                     const NbiIntervalIntSmall &k, NbdDataGrid &buffer) const;
   void loadWholeGrid(NbdDataGrid &buffer) const;
 
+  /// Loads a block with `border` more nodes on each side; those outside the grid are undefined and
+  /// not selected. Numeric plain variables only.
+  void loadExtendedInBuffer(const NbiIntervalIntSmall &i, const NbiIntervalIntSmall &j,
+                            const NbiIntervalIntSmall &k, const NbgIntVector3D &border,
+                            NbdDataGridExtended &buffer) const;
+
+  /// Loads the nodes that the buffer was set to. Numeric plain variables only.
+  void loadSampledInBuffer(NbdDataGridSampled &buffer, BorderOption option) const;
+  void loadSampledInBuffer(NbdDataGridSampled &buffer) const;
+
+  /// The option of loadSampledInBuffer() when none is given.
+  BorderOption getBorderOption() const { return _borderOption; }
+  void setBorderOption(BorderOption option) { _borderOption = option; }
+
   using NgdADataSet::saveFromBuffer;
 
   /// Writes a block; nodes that are not selected keep their values.
   void saveFromBuffer(const NbiIntervalIntSmall &i, const NbiIntervalIntSmall &j,
                       const NbiIntervalIntSmall &k, const NbdDataGrid &buffer) const;
 
+  /// Writes the buffer's block, without its border.
+  void saveExtendedFromBuffer(const NbdDataGridExtended &buffer) const;
+
+  /// Takes the undefined cells of a sparse grid out of the buffer's selection.
+  void deselectUndefinedCells(NbdDataGrid &buffer) const;
+
+protected:
+  /// Leaves out the undefined cells of a sparse grid.
+  NbiIntervalIntLargeDisjoint _tuneLoadInBufferInterval(
+      const NbiIntervalIntLargeDisjoint &ranks) const override;
+
 private:
   const NbpIProviderGridR &_getGridProvider() const;
   void _loadSelection(const NbiIntervalIntSmall &i, const NbiIntervalIntSmall &j,
                       const NbiIntervalIntSmall &k, NbdDataGrid &buffer) const;
+  void _loadWithBorder(NbdDataGridExtended &buffer, BorderOption option) const;
+  void _loadSelectionWithBorder(NbdDataGridExtended &buffer, BorderOption option) const;
 
   NbgGeomGrid _geometry;
+  BorderOption _borderOption = BORDER_UNDEFINED;
 };

@@ -62,6 +62,7 @@ public:
 
 private:
   friend class NgcACalculator;
+  friend class NgdVariableRulesRun;  // the tests' calculator
 
   /// A data set and one of its variable roles.
   struct _DatasetRole

@@ -99,7 +99,8 @@ private:
   void _buildCompressedRHS(const NbgVector3D &target, const NgmVModel &model,
                            const NgmKrigingSamples &samples, NgmVModelCovaCache *cache,
                            qint64 leadingDimension, double *compressed);
-  double _makeResult(const double *rhsColumn) const;
+  /// out[c] = dual coefficients * column c.
+  void _makeResults(const double *rhs, qint64 leadingDimension, int nColumns, double *out) const;
 
   const NgmKrigingSystemDual &_dual;
   NgmMatrix _inverse;

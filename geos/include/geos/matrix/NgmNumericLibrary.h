@@ -7,8 +7,8 @@ public:
   /// Threads that the numeric library may use in the whole process.
   static void setThreads(int nThreads);
 
-  /// Results no longer depend on the alignment of arrays or the scheduling of threads, on one kind
-  /// of machine. Has to come before the first numeric call; false when it came too late.
+  /// Results on one machine no longer depend on the scheduling of threads, as long as arrays are
+  /// 64-byte aligned. Has to come before the first numeric call; false when it came too late.
   static bool setReproducible();
 
   /// Releases the memory that the numeric library holds for the calling thread.

@@ -149,6 +149,10 @@ protected:
   /// scale = practicalRange / practical factor.
   virtual void _setScaleFactor(double practicalRange);
 
+  /// Moves the scale by a unit in the last place where it takes that to give exactly this practical
+  /// scale, so that what is read is written again with the same bytes.
+  void _matchPracticalScale(double practicalScale);
+
   /// Recomputes what depends on the auxiliary parameter or the context.
   virtual void _setupParameters();
 

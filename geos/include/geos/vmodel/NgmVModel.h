@@ -217,6 +217,8 @@ protected:
   void _validateModel();
 
 private:
+  static constexpr int MAXIMUM_VARIABLES = 999;
+
   bool _isStructure(int index) const { return index >= 0 && index < getNStructures(); }
   bool _isVariable(int index) const { return index >= 0 && index < _nVariables; }
 

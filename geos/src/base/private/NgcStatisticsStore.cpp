@@ -88,8 +88,12 @@ void NgcStatisticsStore::prepare(const NgdADataSet &dataSet, int nLoops)
   clear();
   QMutexLocker lock(&_mutex);
   QStringList roles = statisticsRoles + proportionRoles;
-  if (roles.isEmpty())
-    roles = dataSet.getAllRoles();
+  if (roles.isEmpty()) {
+    for (const QString &role : dataSet.getAllRoles()) {
+      if (!Nbd::Role::isCoordinate(role) && !Nbd::Role::isSN(role))
+        roles.append(role);
+    }
+  }
   roles.removeDuplicates();
   for (const QString &role : qAsConst(roles)) {
     for (int index = 0; index < dataSet.getRoleCount(role); ++index)

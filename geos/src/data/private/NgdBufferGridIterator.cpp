@@ -10,7 +10,8 @@ NgdBufferGridIterator::NgdBufferGridIterator(const NgdDataSetGrid &dataSet,
     : NgdABufferGridIterator(manager, target, origin),
       _dataSet(dataSet.clone()),
       _needCoordinates(manager.getNeedCoordinates()),
-      _needSampleNumber(manager.getNeedSampleNumber())
+      _needSampleNumber(manager.getNeedSampleNumber()),
+      _isCompressed(manager.isCompressionEnabled())
 {
 }
 
@@ -23,5 +24,7 @@ NbdDataGrid *NgdBufferGridIterator::next()
   buffer->setMacroRanks({_getLoopRank()});
   _dataSet->createAllVariables(*buffer, _needCoordinates, _needSampleNumber);
   _dataSet->loadInBuffer(_getI(), _getJ(), _getK(), *buffer);
+  if (_isCompressed)
+    _dataSet->deselectUndefinedCells(*buffer);
   return buffer.release();
 }

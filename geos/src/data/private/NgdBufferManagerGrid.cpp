@@ -54,7 +54,7 @@ void NgdBufferManagerGrid::_checkOrder() const
 void NgdBufferManagerGrid::_tuneBufferSize(qint64 maxMemory, int nThreads, int nPreferred)
 {
   _checkOrder();
-  const qint64 sampleSize = _getSampleSize();
+  const qint64 sampleSize = getSampleSize();
   const qint64 planeSize = sampleSize * _target.y() * _target.z();
 
   if (nPreferred == 1) {
@@ -76,7 +76,7 @@ void NgdBufferManagerGrid::_tuneBufferSize(qint64 maxMemory, int nThreads, int n
 
 void NgdBufferManagerGrid::_setColumns(qint64 memoryPerThread, int nThreads)
 {
-  const qint64 columnSize = qint64(_getSampleSize()) * _target.z();
+  const qint64 columnSize = qint64(getSampleSize()) * _target.z();
   const qint64 nRows = std::max<qint64>(
       std::min(countParts(_target.y(), nThreads), memoryPerThread / columnSize), 1);
   if (columnSize * nRows > memoryPerThread) {
@@ -85,7 +85,7 @@ void NgdBufferManagerGrid::_setColumns(qint64 memoryPerThread, int nThreads)
             .arg(_target.z()) +
         QStringLiteral(" (") +
         QObject::tr("size needed for one sample = %1)")
-            .arg(NbbSysInfo::getStringSize(_getSampleSize()));
+            .arg(NbbSysInfo::getStringSize(getSampleSize()));
     if (nThreads > 1)
       text += '\n' + QObject::tr(
                          "You may try to reduce number of threads to reduce needed memory "
@@ -111,7 +111,7 @@ void NgdBufferManagerGrid::_setBufferSize(qint64 bytes)
 {
   _checkOrder();
   const qint64 total = _target.product();
-  const qint64 nSamples = std::max<qint64>(std::min(total, bytes / _getSampleSize()), 1);
+  const qint64 nSamples = std::max<qint64>(std::min(total, bytes / getSampleSize()), 1);
   if (nSamples > maxInt)
     NBE_FAIL(QStringLiteral("bufferSize too large."));
   if (nSamples >= total)
@@ -157,7 +157,7 @@ int NgdBufferManagerGrid::setOptimalBlockSize(qint64 maxMemory, const NbgIntVect
   const qint64 ny = _target.y() + 2 * border.y();
   const qint64 nz = _target.z() + 2 * border.z();
   const auto bytesOf = [&](qint64 nPlanes, int threads) {
-    return threads * qint64(_getSampleSize()) * (nPlanes + 2 * border.x()) * ny * nz;
+    return threads * qint64(getSampleSize()) * (nPlanes + 2 * border.x()) * ny * nz;
   };
 
   qint64 planes = std::max(countParts(_target.x(), nThreads), minPlanes);

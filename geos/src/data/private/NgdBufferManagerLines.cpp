@@ -47,7 +47,7 @@ void NgdBufferManagerLines::_tuneBufferSize(qint64 maxMemory, int nThreads, int 
   } else {
     qint64 fitting = 1000;
     if (maxPerLine > 0)
-      fitting = std::min<qint64>(maxMemory / nThreads / maxPerLine / _getSampleSize(),
+      fitting = std::min<qint64>(maxMemory / nThreads / maxPerLine / getSampleSize(),
                                  std::numeric_limits<int>::max());
     if (fitting == 0)
       NBE_FAIL(QStringLiteral("maximum memory too small."));
@@ -59,8 +59,8 @@ void NgdBufferManagerLines::_tuneBufferSize(qint64 maxMemory, int nThreads, int 
 void NgdBufferManagerLines::_setBufferSize(qint64 bytes)
 {
   const qint64 maxPerLine = std::max(_dataSet->getCountMaxPerLine(), 1);
-  const qint64 nLines = std::min<qint64>(bytes / (maxPerLine * _getSampleSize()), 1000);
-  if (nLines < 1 || bytes / _getSampleSize() + 1 < maxPerLine * nLines)
+  const qint64 nLines = std::min<qint64>(bytes / (maxPerLine * getSampleSize()), 1000);
+  if (nLines < 1 || bytes / getSampleSize() + 1 < maxPerLine * nLines)
     NBE_FAIL(QStringLiteral("bufferSize too small."));
   _setLines(int(nLines));
 }

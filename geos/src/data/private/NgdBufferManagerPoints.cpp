@@ -25,17 +25,17 @@ void NgdBufferManagerPoints::_tuneBufferSize(qint64 maxMemory, int nThreads, int
   const qint64 preferredPart = (n - 1) / nPreferred + 1;
   const qint64 threadPart = (n - 1) / nThreads + 1;
 
-  if (_getSampleSize() * preferredPart <= maxMemory) {
+  if (getSampleSize() * preferredPart <= maxMemory) {
     const qint64 wanted = std::min(std::max(preferredPart, minimum), threadPart);
     _setSamples(std::min(std::max(wanted, minimum), n));
   } else {
-    _setSamples(maxMemory / (qint64(_getSampleSize()) * nThreads) + 1);
+    _setSamples(maxMemory / (qint64(getSampleSize()) * nThreads) + 1);
   }
 }
 
 void NgdBufferManagerPoints::_setBufferSize(qint64 bytes)
 {
-  _setSamples(bytes / _getSampleSize());
+  _setSamples(bytes / getSampleSize());
 }
 
 void NgdBufferManagerPoints::_setNSamplesPerBuffer(int nSamples)

@@ -36,7 +36,11 @@ void NgdNeighborhoodMoving::loadData()
   _scaling = NbgVector3D(_radius / size.x(), nDimensions > 1 ? _radius / size.y() : 0.,
                          nDimensions > 2 ? _radius / size.z() : 0.);
 
-  _uniformScaling = (nDimensions < 2 || _scaling.y() == _scaling.x()) &&
+  // Below three dimensions a rotation may turn the axes of the data out of their space.
+  const NbgRotation &rotation = _parameters.getEllipseRotation();
+  const bool staysInSpace = nDimensions == 3 || rotation.isIdentity(0.) ||
+                            (nDimensions == 2 && rotation.isAroundZOnly(0.));
+  _uniformScaling = staysInSpace && (nDimensions < 2 || _scaling.y() == _scaling.x()) &&
                     (nDimensions < 3 || _scaling.z() == _scaling.x());
 
   // In the frame of a sphere the raw coordinates serve as they are.
@@ -49,7 +53,7 @@ void NgdNeighborhoodMoving::loadData()
     NbgBox box;
     _data.updateBoundingBox(box);
     const NbgVector3D origin = box.isValid() ? box.getCenter() : NbgVector3D();
-    _sortedData.setSystem(origin, _parameters.getEllipseRotation(), _scaling);
+    _sortedData.setSystem(origin, rotation, _scaling);
   }
   if (_data.getNSamples() > 0)
     _sortedData.build(_data);

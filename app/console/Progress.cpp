@@ -1,0 +1,124 @@
+#include "app/console/Progress.h"
+
+#include "app/console/Console.h"
+#include "app/console/Interruption.h"
+#include "basic/calc/NbcAProgress.h"
+#include "basic/error/NbeException.h"
+
+#include <QObject>
+
+#include <algorithm>
+#include <cmath>
+#include <unistd.h>
+
+namespace orvenal {
+
+namespace {
+
+constexpr int barWidth = 30;
+constexpr double secondsBetweenLines = 5.;
+constexpr unsigned long pollMilliseconds = 50;
+constexpr qint64 graceMilliseconds = 1000;
+
+/// One line names all: the parts by which a failure text is built end with line breaks.
+void throwFailure(const NbcAProgress &calculator)
+{
+  throw NbeError(calculator.getErrorType(), calculator.getErrorMessage().trimmed());
+}
+
+}  // namespace
+
+Progress::Progress(Console &console, const QString &action, qint64 nUnits, const QString &units)
+    : _console(console), _action(action), _nUnits(nUnits), _units(units)
+{
+  _timer.start();
+  if (!_console.isTerminal())
+    _console.report(QObject::tr("%1: %2 %3").arg(_action, grouped(_nUnits), _units));
+}
+
+void Progress::update(double fraction)
+{
+  const double seconds = double(_timer.elapsed()) / 1000.;
+  if (_console.isTerminal()) {
+    _console.showTransient(barLine(_action, fraction, seconds, _nUnits, _units));
+  } else if (seconds - _lastLine >= secondsBetweenLines) {
+    _lastLine = seconds;
+    _console.report(QObject::tr("%1: %2% after %3")
+                        .arg(_action, QString::number(int(100. * fraction)), duration(seconds)));
+  }
+}
+
+void Progress::finish()
+{
+  const double seconds = double(_timer.elapsed()) / 1000.;
+  _console.showTransient(QString());
+  const QString rate = seconds > 0. ? grouped(std::llround(double(_nUnits) / seconds)) : QString();
+  _console.report(
+      QObject::tr("%1: %2 %3 in %4").arg(_action, grouped(_nUnits), _units, duration(seconds)) +
+      (rate.isEmpty() ? QString() : QObject::tr(" (%1 %2/s)").arg(rate, _units)));
+}
+
+QString Progress::barLine(const QString &action, double fraction, double seconds, qint64 nUnits,
+                          const QString &units)
+{
+  const double part = std::clamp(fraction, 0., 1.);
+  const int filled = int(part * barWidth);
+  QString line = QObject::tr("%1 [%2%3] %4%").arg(
+      action, QString(filled, '#'), QString(barWidth - filled, '.'),
+      QString::number(int(100. * part)).rightJustified(3));
+  if (part <= 0. || seconds <= 0.)
+    return line;
+  const double rate = part * double(nUnits) / seconds;
+  line += QObject::tr("  %1 %2/s").arg(grouped(std::llround(rate)), units);
+  if (part < 1.)
+    line += QObject::tr("  %1 left").arg(duration(std::ceil(seconds * (1. - part) / part)));
+  return line;
+}
+
+QString Progress::duration(double seconds)
+{
+  if (seconds < 60.)
+    return QObject::tr("%1 s").arg(QString::number(seconds, 'f', seconds < 10. ? 1 : 0));
+  const qint64 whole = std::llround(seconds);
+  const auto twoDigits = [](qint64 n) { return QString::number(n).rightJustified(2, '0'); };
+  const QString minutes = whole < 3600 ? QString::number(whole / 60)
+                                       : QString::number(whole / 3600) + ':' +
+                                             twoDigits(whole / 60 % 60);
+  return minutes + ':' + twoDigits(whole % 60);
+}
+
+QString Progress::grouped(qint64 number)
+{
+  QString digits = QString::number(number);
+  for (int place = digits.size() - 3; place > (number < 0 ? 1 : 0); place -= 3)
+    digits.insert(place, ',');
+  return digits;
+}
+
+void runCalculator(NbcAProgress &calculator, Progress &progress,
+                   const std::function<void()> &abandon)
+{
+  QElapsedTimer sinceStop;
+  calculator.start();
+  while (!calculator.wait(pollMilliseconds)) {
+    progress.update(double(calculator.getCounter()) /
+                    double(std::max<qint64>(1, calculator.getCounterMax())));
+    if (!Interruption::isRequested())
+      continue;
+    if (!sinceStop.isValid()) {
+      calculator.stop();
+      sinceStop.start();
+    } else if (sinceStop.elapsed() > graceMilliseconds) {
+      abandon();
+      _exit(Interruption::exitCode());
+    }
+  }
+  if (calculator.getState() == NbcAProgress::INTERRUPTED)
+    throw NbeException();
+  if (!calculator.isCompleted())
+    throwFailure(calculator);
+  progress.update(1.);
+  progress.finish();
+}
+
+}  // namespace orvenal

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QString>
+
+#include <functional>
+
+class NbcAProgress;
+
+namespace orvenal {
+
+class Console;
+
+/// Shows how far a computation is: a moving bar with rate and time left on a terminal, a plain line
+/// now and then elsewhere.
+class Progress
+{
+public:
+  /// What is done ("Kriging"), and how many of what ("nodes") it goes through.
+  Progress(Console &console, const QString &action, qint64 nUnits, const QString &units);
+
+  void update(double fraction);
+  void finish();
+
+  /// The bar of a terminal: "Kriging [#####.....]  50%  1,234 nodes/s  0:05 left".
+  static QString barLine(const QString &action, double fraction, double seconds, qint64 nUnits,
+                         const QString &units);
+
+  /// "0.4 s", "2:05" (minutes and seconds), "1:02:05".
+  static QString duration(double seconds);
+
+  /// 1234567 as "1,234,567".
+  static QString grouped(qint64 number);
+
+private:
+  Console &_console;
+  QString _action;
+  qint64 _nUnits;
+  QString _units;
+  QElapsedTimer _timer;
+  double _lastLine = 0.;
+};
+
+/// Runs a calculator on its thread and shows its progress. A failure is thrown as the calculator's
+/// error, a stop request from outside as NbeException.
+///
+/// A calculator that does not obey within a second of a stop request is abandoned: `abandon` is
+/// called (it removes what must not stay) and the process ends.
+void runCalculator(NbcAProgress &calculator, Progress &progress,
+                   const std::function<void()> &abandon);
+
+}  // namespace orvenal

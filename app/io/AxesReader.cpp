@@ -1,0 +1,66 @@
+#include "app/io/AxesReader.h"
+
+#include "app/io/JobObject.h"
+#include "app/study/Compass.h"
+
+#include <QObject>
+
+#include <algorithm>
+
+namespace orvenal {
+
+namespace {
+
+double readAngle(const JobObject &object, const QString &key)
+{
+  return object.has(key) ? object.number(key) : 0.;
+}
+
+}  // namespace
+
+QStringList angleKeys()
+{
+  return {QStringLiteral("azimuth"), QStringLiteral("dip"), QStringLiteral("pitch")};
+}
+
+NbgRotation readFrame(const JobObject &object, int nDimensions, bool needed)
+{
+  if (nDimensions < 3) {
+    for (const QString &key : {QStringLiteral("dip"), QStringLiteral("pitch")}) {
+      if (object.has(key))
+        object.fail(key, QObject::tr("has a meaning in three dimensions only"));
+    }
+  }
+  if (needed && !object.has(QStringLiteral("azimuth")))
+    object.fail(QStringLiteral("azimuth"),
+                QObject::tr("missing; it says where the first axis (U) points, clockwise from "
+                            "north in degrees"));
+  if (!needed && nDimensions < 3)
+    return NbgRotation();
+  if (!std::any_of(angleKeys().cbegin(), angleKeys().cend(),
+                   [&](const QString &key) { return object.has(key); }))
+    return NbgRotation();
+  return Compass::frame(readAngle(object, QStringLiteral("azimuth")),
+                        readAngle(object, QStringLiteral("dip")),
+                        readAngle(object, QStringLiteral("pitch")));
+}
+
+NbgVector3D readLengths(const JobObject &object, const QString &single, const QString &list,
+                        int nDimensions)
+{
+  if (object.has(single) && object.has(list))
+    object.fail(list, QObject::tr("give \"%1\" or \"%2\", not both").arg(single, list));
+  if (!object.has(list)) {
+    if (!object.has(single))
+      object.fail(single, QObject::tr("missing (\"%1\": one length, or \"%2\": one per axis)")
+                              .arg(single, list));
+    const double length = object.number(single, 0., JobObject::EXCLUDED);
+    return NbgVector3D(length, length, length);
+  }
+  const std::vector<double> lengths =
+      object.numbers(list, nDimensions, nDimensions, 0., JobObject::EXCLUDED);
+  return NbgVector3D(lengths[0], lengths[1],
+                     nDimensions > 2 ? lengths[2] : std::max(lengths[0], lengths[1]));
+}
+
+}  // namespace orvenal

@@ -1,0 +1,105 @@
+#include "app/io/GeoTiffWriter.h"
+
+#include "app/console/Interruption.h"
+#include "app/io/GdalErrors.h"
+#include "app/io/SpatialReference.h"
+#include "app/study/GridResult.h"
+#include "basic/base/NbbGlobal.h"
+#include "basic/error/NbeUserError.h"
+
+#include <QFile>
+#include <QObject>
+
+#include <gdal_frmts.h>
+#include <gdal_priv.h>
+
+#include <limits>
+#include <memory>
+#include <vector>
+
+namespace orvenal {
+
+namespace {
+
+struct Closer
+{
+  void operator()(GDALDataset *dataset) const { GDALClose(dataset); }
+};
+using DatasetPtr = std::unique_ptr<GDALDataset, Closer>;
+
+[[noreturn]] void failToWrite(const QString &shownName, const GdalErrors &errors)
+{
+  throw NbeUserError(QObject::tr("%1: cannot be written: %2").arg(shownName, errors.getMessage()));
+}
+
+DatasetPtr create(const QString &path, const NbgGeomGrid &grid)
+{
+  static const char *const options[] = {"COMPRESS=DEFLATE", "BIGTIFF=IF_SAFER", nullptr};
+  GDALDriver *driver = GetGDALDriverManager()->GetDriverByName("GTiff");
+  if (!driver) {
+    GDALRegister_GTiff();
+    driver = GetGDALDriverManager()->GetDriverByName("GTiff");
+  }
+  return DatasetPtr(driver->Create(QFile::encodeName(path).constData(), grid.getNodesNumber().x(),
+                                   grid.getNodesNumber().y(), 2, GDT_Float64,
+                                   const_cast<char **>(options)));
+}
+
+/// Pixels run along the first axis and rows down the second one; ranks run up the second one first.
+bool writeBand(GDALRasterBand &band, const NbgGeomGrid &grid, const std::vector<double> &values,
+               const QString &name)
+{
+  const NbgIntVector3D n = grid.getNodesNumber();
+  constexpr double noData = std::numeric_limits<double>::quiet_NaN();
+  band.SetDescription(name.toUtf8().constData());
+  bool written = band.SetNoDataValue(noData) == CE_None;
+  std::vector<double> row(std::size_t(n.x()));
+  for (int line = 0; line < n.y() && written; ++line) {
+    Interruption::check();
+    for (int i = 0; i < n.x(); ++i) {
+      const double value = values[std::size_t(grid.getRankFromIJK(i, n.y() - 1 - line, 0))];
+      row[std::size_t(i)] = NbbGlobal::isDefined(value) ? value : noData;
+    }
+    written = band.RasterIO(GF_Write, 0, line, n.x(), 1, row.data(), n.x(), 1, GDT_Float64, 0, 0) ==
+              CE_None;
+  }
+  return written;
+}
+
+}  // namespace
+
+std::array<double, 6> rasterTransform(const NbgGeomGrid &grid)
+{
+  const NbgVector3D cell = grid.getCellSize();
+  const NbgVector3D u = grid.getRotation().getAxisX();
+  const NbgVector3D v = grid.getRotation().getAxisY();
+  const NbgVector3D corner = grid.getOriginCentered() + u * (-0.5 * cell.x()) +
+                             v * ((grid.getNodesNumber().y() - 0.5) * cell.y());
+  return {corner.x(),     u.x() * cell.x(), -v.x() * cell.y(),
+          corner.y(),     u.y() * cell.x(), -v.y() * cell.y()};
+}
+
+void writeGeoTiff(const QString &path, const QString &shownName, const GridResult &result,
+                  const QString &crs, const QString &estimateName, const QString &deviationName)
+{
+  const GdalErrors errors;
+  DatasetPtr dataset = create(path, result.geometry);
+  if (!dataset)
+    failToWrite(shownName, errors);
+  std::array<double, 6> transform = rasterTransform(result.geometry);
+  QString reason;
+  const SpatialReference reference =
+      crs.isEmpty() ? SpatialReference() : SpatialReference::parse(crs, reason);
+  bool written = dataset->SetGeoTransform(transform.data()) == CE_None;
+  if (reference.isValid())
+    written = dataset->SetSpatialRef(reference.get()) == CE_None && written;
+  written = written &&
+            writeBand(*dataset->GetRasterBand(1), result.geometry, result.estimate, estimateName) &&
+            writeBand(*dataset->GetRasterBand(2), result.geometry, result.deviation, deviationName);
+  dataset->FlushCache(true);
+  dataset.reset();
+  if (!written || errors.hasFailed())
+    failToWrite(shownName, errors);
+}
+
+}  // namespace orvenal

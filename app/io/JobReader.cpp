@@ -1,0 +1,295 @@
+#include "app/io/JobReader.h"
+
+#include "app/io/JobObject.h"
+#include "app/io/ModelReader.h"
+#include "app/io/NeighborhoodReader.h"
+#include "app/io/SpatialReference.h"
+#include "app/io/UsageError.h"
+#include "app/study/Compass.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QObject>
+#include <QRegularExpression>
+
+#include <climits>
+
+namespace orvenal {
+
+namespace {
+
+QString key(const char *name)
+{
+  return QString::fromLatin1(name);
+}
+
+QByteArray readFile(const QString &path)
+{
+  constexpr qint64 largestJob = 16 << 20;
+  QFile file(path);
+  if (!file.open(QIODevice::ReadOnly))
+    throw UsageError(QObject::tr("%1: cannot be read: %2").arg(path, file.errorString()));
+  const QByteArray text = file.read(largestJob + 1);
+  if (text.size() > largestJob)
+    throw UsageError(QObject::tr("%1: larger than 16 MB; this is not a job").arg(path));
+  return text;
+}
+
+char readSeparator(const JobObject &object)
+{
+  const QString text =
+      object.choice(key("separator"), {key("auto"), key(","), key(";"), key("\t"), key(" ")},
+                    key("auto"));
+  return text == QLatin1String("auto") ? 0 : text[0].toLatin1();
+}
+
+CsvFormat readFormat(const JobObject &object)
+{
+  CsvFormat format;
+  format.separator = readSeparator(object);
+  format.decimal = object.choice(key("decimal"), {key("."), key(",")}, key("."))[0].toLatin1();
+  if (format.separator == format.decimal)
+    object.fail(key("decimal"), QObject::tr("the decimal mark is the separator of fields too"));
+  if (object.has(key("undefined")))
+    format.undefined = object.texts(key("undefined"));
+  return format;
+}
+
+QStringList tableKeys()
+{
+  return {key("file"),      key("separator"), key("decimal"), key("x"), key("y"), key("z"),
+          key("undefined")};
+}
+
+JobTable readTable(const JobObject &object, const QDir &folder)
+{
+  JobTable table;
+  table.path = object.getPath();
+  table.shown = object.text(key("file"));
+  table.file = folder.absoluteFilePath(table.shown);
+  const QFileInfo file(table.file);
+  if (table.shown.isEmpty() || !file.exists())
+    object.fail(key("file"), QObject::tr("there is no file \"%1\"").arg(table.file));
+  if (file.isDir())
+    object.fail(key("file"), QObject::tr("\"%1\" is a folder").arg(table.file));
+  table.format = readFormat(object);
+  table.x = object.text(key("x"));
+  table.y = object.text(key("y"));
+  table.z = object.text(key("z"), QString());
+  return table;
+}
+
+void readData(const JobObject &root, const QDir &folder, Job &job)
+{
+  const JobObject object = root.object(key("data"), tableKeys() << key("crs") << key("unit"));
+  job.data = readTable(object, folder);
+  job.crs = object.text(key("crs"), QString());
+  if (!job.crs.isEmpty()) {
+    QString reason;
+    const SpatialReference reference = SpatialReference::parse(job.crs, reason);
+    if (!reference.isValid())
+      object.fail(key("crs"), QObject::tr("\"%1\" is not a coordinate reference system that PROJ "
+                                          "knows%2")
+                                  .arg(job.crs, reason.isEmpty() ? QString() : ": " + reason));
+    job.lengthUnit = reference.getUnitSymbol();
+  }
+  job.lengthUnit = object.text(key("unit"), job.lengthUnit);
+}
+
+JobVariable readVariable(const JobObject &root)
+{
+  const JobObject object =
+      root.object(key("variable"), {key("column"), key("transform"), key("name"), key("unit")});
+  JobVariable variable;
+  variable.column = object.text(key("column"));
+  if (object.choice(key("transform"), {key("none"), key("log")}, key("none")) ==
+      QLatin1String("log"))
+    variable.transform = JobVariable::LOG;
+  variable.name = object.text(key("name"), variable.transform == JobVariable::LOG
+                                               ? QObject::tr("log %1").arg(variable.column)
+                                               : variable.column);
+  variable.unit = object.text(key("unit"), QString());
+  return variable;
+}
+
+void checkSize(const JobObject &object, const NbgGeomGrid &grid)
+{
+  // The results of a run are held in memory.
+  constexpr qint64 mostNodes = INT_MAX;
+  const qint64 nodes = grid.getGridSize();
+  if (nodes < 1 || nodes > mostNodes)
+    object.fail(key("nodes"), QObject::tr("the grid has too many nodes (at most %1)")
+                                  .arg(mostNodes));
+}
+
+NbgGeomGrid readGeometry(const JobObject &object)
+{
+  constexpr int mostNodesPerAxis = 1 << 24;
+  const std::vector<int> nodes = object.integers(key("nodes"), 2, 3, 1, mostNodesPerAxis);
+  const int n = int(nodes.size());
+  const std::vector<double> origin = object.numbers(key("origin"), n, n);
+  const std::vector<double> cell = object.numbers(key("cell"), n, n, 0., JobObject::EXCLUDED);
+  NbgGeomGrid grid;
+  if (n == 2)
+    grid.setNodesNumber2D(nodes[0], nodes[1]);
+  else
+    grid.setNodesNumber(nodes[0], nodes[1], nodes[2]);
+  grid.setOriginCentered({origin[0], origin[1], n > 2 ? origin[2] : 0.});
+  grid.setCellSize({cell[0], cell[1], n > 2 ? cell[2] : 1.});
+  if (object.has(key("rotation")))
+    grid.setRotation(Compass::gridFrame(object.number(key("rotation"))));
+  checkSize(object, grid);
+  return grid;
+}
+
+void checkDimension(const JobTable &table, const JobObject &root, int nDimensions)
+{
+  if (nDimensions > 2 && table.z.isEmpty())
+    root.fail(table.path + ".z", QObject::tr("missing; the grid has three dimensions"));
+  if (nDimensions < 3 && !table.z.isEmpty())
+    root.fail(table.path + ".z",
+              QObject::tr("the grid has two dimensions; give \"nodes\", \"cell\" and \"origin\" "
+                          "three values, or leave z out"));
+}
+
+void readGrid(const JobObject &root, const QDir &folder, Job &job)
+{
+  const JobObject object = root.object(
+      key("grid"), {key("origin"), key("cell"), key("nodes"), key("rotation"), key("mask")});
+  job.grid = readGeometry(object);
+  checkDimension(job.data, root, job.getNDimensions());
+  if (!object.has(key("mask")))
+    return;
+  job.mask = readTable(object.object(key("mask"), tableKeys()), folder);
+  checkDimension(*job.mask, root, job.getNDimensions());
+}
+
+/// The absolute path of an output; its ending must be among the given ones.
+QString readOutputFile(const JobObject &object, const QString &path, const QString &name,
+                       const QDir &folder, const QStringList &endings)
+{
+  const QString ending = QFileInfo(name).suffix().toLower();
+  if (!endings.contains(ending))
+    object.fail(path, QObject::tr("\"%1\" should end with %2")
+                          .arg(name, '.' + endings.join(QObject::tr(" or ."))));
+  return QDir::cleanPath(folder.absoluteFilePath(name));
+}
+
+QString readMap(const JobObject &maps, const QString &name, const QDir &folder, int nDimensions)
+{
+  if (!maps.has(name))
+    return QString();
+  if (nDimensions > 2)
+    maps.fail(name, QObject::tr("a map needs a grid of two dimensions"));
+  return readOutputFile(maps, name, maps.text(name), folder, {key("png")});
+}
+
+QStringList readGridFiles(const JobObject &object, const QDir &folder, int nDimensions)
+{
+  QStringList files;
+  for (const QString &name : object.texts(key("grid"))) {
+    const QString path = QStringLiteral("grid[%1]").arg(files.size());
+    files << readOutputFile(object, path, name, folder, {key("csv"), key("tif"), key("tiff")});
+    if (nDimensions > 2 && !files.last().endsWith(QLatin1String(".csv"), Qt::CaseInsensitive))
+      object.fail(path, QObject::tr("a GeoTIFF needs a grid of two dimensions"));
+  }
+  return files;
+}
+
+JobOutput readOutput(const JobObject &root, const QDir &jobFolder, int nDimensions)
+{
+  const JobObject object =
+      root.object(key("output"), {key("directory"), key("grid"), key("maps"), key("report")});
+  const QDir folder(jobFolder.absoluteFilePath(object.text(key("directory"), key("."))));
+  JobOutput output;
+  if (object.has(key("grid")))
+    output.grids = readGridFiles(object, folder, nDimensions);
+  if (object.has(key("maps"))) {
+    const JobObject maps = object.object(key("maps"), {key("estimate"), key("deviation")});
+    output.estimateMap = readMap(maps, key("estimate"), folder, nDimensions);
+    output.deviationMap = readMap(maps, key("deviation"), folder, nDimensions);
+  }
+  if (object.has(key("report")))
+    output.report = readOutputFile(object, key("report"), object.text(key("report")), folder,
+                                   {key("html"), key("htm")});
+  return output;
+}
+
+/// The path by which two names of one file are equal, whether it exists or not.
+QString identityOf(const QString &path)
+{
+  const QFileInfo file(path);
+  if (file.exists())
+    return file.canonicalFilePath();
+  const QString folder = QFileInfo(file.absolutePath()).canonicalFilePath();
+  return folder.isEmpty() ? QDir::cleanPath(path) : folder + '/' + file.fileName();
+}
+
+void checkOutputs(const JobObject &root, const Job &job)
+{
+  QStringList inputs = {identityOf(job.file), identityOf(job.data.file)};
+  if (job.mask)
+    inputs << identityOf(job.mask->file);
+  QStringList outputs;
+  for (const QString &file : job.output.getFiles()) {
+    const QString identity = identityOf(file);
+    if (inputs.contains(identity))
+      root.fail(key("output"), QObject::tr("\"%1\" is an input of the job and would be overwritten")
+                                   .arg(file));
+    if (outputs.contains(identity))
+      root.fail(key("output"), QObject::tr("\"%1\" would be written twice").arg(file));
+    outputs << identity;
+  }
+}
+
+void readResources(const JobObject &root, Job &job)
+{
+  if (root.has(key("threads")))
+    job.threads = root.integer(key("threads"), 1, 1024);
+  if (!root.has(key("memory")))
+    return;
+  job.memory = parseMemorySize(root.text(key("memory")));
+  if (job.memory <= 0)
+    root.fail(key("memory"), QObject::tr("expected a size such as \"500 MB\" or \"2 GB\""));
+}
+
+}  // namespace
+
+Job readJob(const QString &path)
+{
+  Job job;
+  job.file = QFileInfo(path).absoluteFilePath();
+  job.text = readFile(path);
+  const JobObject root = JobObject::parse(
+      path, job.text,
+      {key("title"), key("data"), key("variable"), key("grid"), key("model"), key("neighborhood"),
+       key("output"), key("threads"), key("memory")});
+  const QDir folder = QFileInfo(job.file).absoluteDir();
+  job.title = root.text(key("title"), QFileInfo(path).completeBaseName());
+  readData(root, folder, job);
+  job.variable = readVariable(root);
+  readGrid(root, folder, job);
+  job.model = readModel(root.object(key("model"), modelKeys()), job.getNDimensions());
+  job.neighborhood = readNeighborhood(root.object(key("neighborhood"), neighborhoodKeys()),
+                                      job.getNDimensions());
+  job.output = readOutput(root, folder, job.getNDimensions());
+  checkOutputs(root, job);
+  readResources(root, job);
+  return job;
+}
+
+qint64 parseMemorySize(const QString &text)
+{
+  static const QRegularExpression pattern(
+      QStringLiteral("^\\s*(\\d{1,12}(?:\\.\\d{1,6})?)\\s*([KMGT])B\\s*$"),
+      QRegularExpression::CaseInsensitiveOption);
+  const QRegularExpressionMatch match = pattern.match(text);
+  if (!match.hasMatch())
+    return -1;
+  const int power = QStringLiteral("KMGT").indexOf(match.captured(2).toUpper()) + 1;
+  const double bytes = match.captured(1).toDouble() * double(Q_INT64_C(1) << (10 * power));
+  constexpr double most = 1e18;
+  return bytes <= most ? qint64(bytes) : -1;
+}
+
+}  // namespace orvenal

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "app/study/Job.h"
+
+#include <QString>
+
+namespace orvenal {
+
+/// Reads a job file and checks all that can be checked without reading the data: syntax, keys and
+/// types, that the files it names exist, that the model is admissible, that no output is an input.
+/// Errors are UsageErrors that name the JSON path.
+Job readJob(const QString &path);
+
+/// Bytes of a memory size such as "500 MB" or "2 GB" (units of 1024); -1 when it is none.
+qint64 parseMemorySize(const QString &text);
+
+}  // namespace orvenal

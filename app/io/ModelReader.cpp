@@ -1,0 +1,126 @@
+#include "app/io/ModelReader.h"
+
+#include "app/io/AxesReader.h"
+#include "app/io/JobObject.h"
+#include "app/io/Suggestion.h"
+#include "basic/error/NbeError.h"
+#include "basic/interval/NbiIntervalData.h"
+#include "geos/vmodel/NgmAVStruct.h"
+#include "geos/vmodel/NgmVModel.h"
+#include "geos/vmodel/NgmVStructFactory.h"
+
+#include <QObject>
+
+#include <memory>
+
+namespace orvenal {
+
+namespace {
+
+using Types = QList<NgmEVStruct>;
+
+Types availableTypes()
+{
+  Types types;
+  for (NgmEVStruct::Iterator items = NgmEVStruct::createIterator(); items.hasNext();) {
+    const NgmEVStruct &type = items.next();
+    if (NgmVStructFactory::createTemplateVStruct(type))
+      types << type;
+  }
+  return types;
+}
+
+bool isNamed(const NgmEVStruct &type, const QString &name)
+{
+  return name.compare(type.getLabel(), Qt::CaseInsensitive) == 0 ||
+         name.compare(QLatin1String(type.getKey()), Qt::CaseInsensitive) == 0;
+}
+
+NgmEVStruct readType(const JobObject &object)
+{
+  const QString name = object.text(QStringLiteral("type"));
+  for (const NgmEVStruct &type : availableTypes()) {
+    if (isNamed(type, name))
+      return type;
+  }
+  object.fail(QStringLiteral("type"),
+              QObject::tr("\"%1\" is not known%2; allowed: %3")
+                  .arg(name, didYouMean(name, structureLabels()), quotedList(structureLabels())));
+}
+
+void readParameter(const JobObject &object, NgmVModel &model, int index)
+{
+  const QString key = QStringLiteral("parameter");
+  if (!object.has(key))
+    return;
+  const NgmAVStruct &structure = model.getStructure(index);
+  if (structure.getNAuxiliaryParameters() == 0)
+    object.fail(key, QObject::tr("a structure of type \"%1\" has no parameter")
+                         .arg(structure.getType().getLabel()));
+  const double value = object.number(key);
+  const NbiIntervalData bounds = structure.getAuxiliaryBounds(0);
+  if (!bounds.isIncluded(value))
+    object.fail(key, QObject::tr("%1 is not in %2 (%3)")
+                         .arg(QString::number(value), bounds.toString(),
+                              structure.getAuxiliaryName(0)));
+  model.setAuxiliaryParameter(index, 0, value);
+}
+
+void readStructure(const JobObject &object, int nDimensions, NgmVModel &model)
+{
+  const NgmEVStruct type = readType(object);
+  const double sill = object.number(QStringLiteral("sill"), 0., JobObject::EXCLUDED);
+  const NbgVector3D ranges =
+      readLengths(object, QStringLiteral("range"), QStringLiteral("ranges"), nDimensions);
+  const int index = model.addStructure(type.getLabel(), sill);
+  readParameter(object, model, index);  // the practical factor may depend on it
+  model.setRanges(index, ranges);
+  model.setRotation(index, readFrame(object, nDimensions, ranges.x() != ranges.y()));
+}
+
+/// The library's reason without the place in its sources.
+QString reasonOf(const NbeError &error)
+{
+  return error.getMessage().section(QStringLiteral("\n\n"), -1).trimmed();
+}
+
+}  // namespace
+
+QStringList modelKeys()
+{
+  return {QStringLiteral("nugget"), QStringLiteral("structures")};
+}
+
+QStringList structureLabels()
+{
+  QStringList labels;
+  for (const NgmEVStruct &type : availableTypes())
+    labels << type.getLabel();
+  return labels;
+}
+
+NgmVModel readModel(const JobObject &object, int nDimensions)
+{
+  static const QStringList structureKeys =
+      QStringList{QStringLiteral("type"), QStringLiteral("sill"), QStringLiteral("range"),
+                  QStringLiteral("ranges"), QStringLiteral("parameter")} +
+      angleKeys();
+  NgmVModel model(1);
+  model.setContextNDim(nDimensions);
+  if (object.has(QStringLiteral("nugget")))
+    model.setNugget(0, 0, object.number(QStringLiteral("nugget"), 0.));
+  if (object.has(QStringLiteral("structures"))) {
+    for (const JobObject &structure : object.objects(QStringLiteral("structures"), structureKeys))
+      readStructure(structure, nDimensions, model);
+  }
+  if (!model.isValid())
+    object.fail(QObject::tr("the model is empty; give a nugget or a structure"));
+  try {
+    model.makeAuthorized();
+  } catch (const NbeError &error) {
+    object.fail(QObject::tr("the model is not admissible: ") + reasonOf(error));
+  }
+  return model;
+}
+
+}  // namespace orvenal

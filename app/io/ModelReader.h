@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QStringList>
+
+class NgmVModel;
+
+namespace orvenal {
+
+class JobObject;
+
+/// Keys of the model of a job.
+QStringList modelKeys();
+
+/// The variogram model of one variable. A model that is not admissible is a UsageError.
+NgmVModel readModel(const JobObject &model, int nDimensions);
+
+/// Labels of the structures that the library has.
+QStringList structureLabels();
+
+}  // namespace orvenal

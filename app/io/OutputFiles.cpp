@@ -1,0 +1,116 @@
+#include "app/io/OutputFiles.h"
+
+#include "basic/error/NbeAssertion.h"
+#include "basic/error/NbeUserError.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QObject>
+#include <QTemporaryFile>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace orvenal {
+
+namespace {
+
+[[noreturn]] void failToWrite(const QString &path, const QString &reason)
+{
+  throw NbeUserError(QObject::tr("%1: cannot be written: %2").arg(path, reason));
+}
+
+/// Temporary files are private; give a new file the rights that any program would give it.
+void openRights(QFile &file)
+{
+  const mode_t mask = umask(0);
+  umask(mask);
+  fchmod(file.handle(), 0666 & ~mask);
+}
+
+}  // namespace
+
+OutputFiles::~OutputFiles()
+{
+  discard();
+}
+
+void OutputFiles::reserve(const QString &path)
+{
+  const QFileInfo target(path);
+  if (target.isDir())
+    failToWrite(path, QObject::tr("it is a folder"));
+  if (target.exists() && !target.isWritable())
+    failToWrite(path, QObject::tr("the file is protected"));
+  _makeFolder(target.absolutePath());
+  QTemporaryFile file(target.absolutePath() + "/." + target.fileName() + ".XXXXXX.part");
+  file.setAutoRemove(false);
+  if (!file.open())
+    failToWrite(path, file.errorString());
+  openRights(file);
+  _files.push_back({path, file.fileName()});
+}
+
+QString OutputFiles::getTemporaryPath(const QString &path) const
+{
+  return _find(path).temporary;
+}
+
+void OutputFiles::write(const QString &path, const QByteArray &content)
+{
+  QFile file(getTemporaryPath(path));
+  if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) ||
+      file.write(content) != content.size() || !file.flush())
+    failToWrite(path, file.errorString());
+}
+
+void OutputFiles::commit()
+{
+  for (File &file : _files) {
+    if (std::rename(QFile::encodeName(file.temporary).constData(),
+                    QFile::encodeName(file.path).constData()) != 0)
+      failToWrite(file.path, QString::fromLocal8Bit(std::strerror(errno)));
+    file.done = true;
+  }
+  _madeFolders.clear();
+}
+
+void OutputFiles::discard()
+{
+  for (const File &file : _files) {
+    if (!file.done)
+      QFile::remove(file.temporary);
+  }
+  _files.clear();
+  while (!_madeFolders.isEmpty())
+    QDir().rmdir(_madeFolders.takeLast());
+}
+
+const OutputFiles::File &OutputFiles::_find(const QString &path) const
+{
+  for (const File &file : _files) {
+    if (file.path == path)
+      return file;
+  }
+  NBE_FAIL(QStringLiteral("reserved file"));
+}
+
+/// Makes the missing folders one by one, so that they can be taken back.
+void OutputFiles::_makeFolder(const QString &folder)
+{
+  const QFileInfo info(folder);
+  if (info.isDir())
+    return;
+  if (!info.isRoot())
+    _makeFolder(info.absolutePath());
+  if (::mkdir(QFile::encodeName(folder).constData(), 0777) != 0 && !QFileInfo(folder).isDir())
+    failToWrite(folder, QString::fromLocal8Bit(std::strerror(errno)));
+  else
+    _madeFolders << folder;
+}
+
+}  // namespace orvenal

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QString>
+
+#include <memory>
+
+class OGRSpatialReference;
+
+namespace orvenal {
+
+/// A coordinate reference system, from the text by which a user names it: "EPSG:28992", WKT, a PROJ
+/// string. Neither files nor the network are asked.
+class SpatialReference
+{
+public:
+  /// An invalid one, and the reason, when the text names none.
+  static SpatialReference parse(const QString &text, QString &reason);
+
+  SpatialReference();
+  SpatialReference(SpatialReference &&) noexcept;
+  SpatialReference &operator=(SpatialReference &&) noexcept;
+  ~SpatialReference();
+
+  bool isValid() const { return _reference != nullptr; }
+
+  /// Coordinates are longitudes and latitudes.
+  bool isGeographic() const;
+
+  /// "m", "ft", "°"; the unit's name when it has no common symbol, empty for an invalid reference.
+  QString getUnitSymbol() const;
+
+  /// "Amersfoort / RD New"
+  QString getName() const;
+
+  const OGRSpatialReference *get() const { return _reference.get(); }
+
+private:
+  struct Deleter
+  {
+    void operator()(OGRSpatialReference *reference) const;
+  };
+  std::unique_ptr<OGRSpatialReference, Deleter> _reference;
+};
+
+}  // namespace orvenal

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <functional>
+
+#include <QtGlobal>
+
+class NbcAProgress;
+class QString;
+
+namespace orvenal {
+
+class Console;
+
+/// With what the calculators of a run work.
+struct RunContext
+{
+  Console &console;
+  int threads = 0;                ///< 0 leaves it to the library
+  qint64 memory = 0;              ///< bytes; 0 leaves it to the library
+  std::function<void()> abandon;  ///< see runCalculator()
+
+  /// Applies the settings to a calculator and runs it, showing its progress; see runCalculator().
+  void run(NbcAProgress &calculator, const QString &action, qint64 nUnits,
+           const QString &units) const;
+};
+
+}  // namespace orvenal

@@ -1,0 +1,143 @@
+#include "app/study/Samples.h"
+
+#include "app/io/CsvReader.h"
+#include "app/study/Job.h"
+#include "basic/base/NbbGlobal.h"
+#include "basic/error/NbeUserError.h"
+#include "basic/geom/NbgEDimension.h"
+#include "basic/provider/NbpMemoryProviderPointsW.h"
+
+#include <QObject>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numeric>
+
+namespace orvenal {
+
+namespace {
+
+/// Columns of the coordinates of a table; -1 for an axis that it does not have.
+std::array<int, 3> findCoordinates(const CsvReader &reader, const JobTable &table)
+{
+  return {reader.findColumn(table.x, table.path + ".x"),
+          reader.findColumn(table.y, table.path + ".y"),
+          table.z.isEmpty() ? -1 : reader.findColumn(table.z, table.path + ".z")};
+}
+
+NbgVector3D readLocation(const CsvReader &reader, const std::array<int, 3> &columns)
+{
+  std::array<double, 3> location = {0., 0., 0.};
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    if (columns[axis] < 0)
+      continue;
+    location[axis] = reader.getNumber(columns[axis]);
+    if (!NbbGlobal::isDefined(location[axis]))
+      reader.fail(columns[axis], QObject::tr("a coordinate is undefined"));
+  }
+  return NbgVector3D(location[0], location[1], location[2]);
+}
+
+double readValue(const CsvReader &reader, int column, JobVariable::Transform transform)
+{
+  const double value = reader.getNumber(column);
+  if (transform == JobVariable::NONE || !NbbGlobal::isDefined(value))
+    return value;
+  if (value <= 0.)
+    reader.fail(column, QObject::tr("%1 has no logarithm").arg(value));
+  return std::log(value);
+}
+
+qint64 countDuplicates(const Samples &samples)
+{
+  std::vector<std::size_t> order;
+  for (std::size_t i = 0; i < samples.value.size(); ++i) {
+    if (NbbGlobal::isDefined(samples.value[i]))
+      order.push_back(i);
+  }
+  const auto place = [&](std::size_t i) {
+    return std::array<double, 3>{samples.x[i], samples.y[i],
+                                 samples.z.empty() ? 0. : samples.z[i]};
+  };
+  std::sort(order.begin(), order.end(),
+            [&](std::size_t a, std::size_t b) { return place(a) < place(b); });
+  qint64 count = 0;
+  for (std::size_t k = 1; k < order.size(); ++k)
+    count += place(order[k]) == place(order[k - 1]) ? 1 : 0;
+  return count;
+}
+
+}  // namespace
+
+Samples readSamples(const Job &job)
+{
+  CsvReader reader(job.data.file, job.data.shown, job.data.format);
+  const std::array<int, 3> coordinates = findCoordinates(reader, job.data);
+  const int column = reader.findColumn(job.variable.column, QStringLiteral("variable.column"));
+  const bool is3D = coordinates[2] >= 0;
+  Samples samples;
+  while (reader.next()) {
+    const NbgVector3D location = readLocation(reader, coordinates);
+    samples.x.push_back(location.x());
+    samples.y.push_back(location.y());
+    if (is3D)
+      samples.z.push_back(location.z());
+    samples.value.push_back(readValue(reader, column, job.variable.transform));
+  }
+  if (samples.x.empty())
+    throw NbeUserError(QObject::tr("%1: no rows below the header").arg(job.data.shown));
+  samples.nUndefined = std::count(samples.value.begin(), samples.value.end(), NbbGlobal::D_FFFF);
+  if (samples.nUndefined == samples.getCount())
+    throw NbeUserError(QObject::tr("%1: all values of column \"%2\" are undefined")
+                           .arg(job.data.shown, job.variable.column));
+  samples.nDuplicates = countDuplicates(samples);
+  return samples;
+}
+
+QString sampleValueName()
+{
+  return QStringLiteral("value");
+}
+
+QSharedPointer<NbpMemoryProviderPointsW> makeProvider(const Samples &samples)
+{
+  const bool is3D = !samples.z.empty();
+  auto provider = QSharedPointer<NbpMemoryProviderPointsW>::create(
+      is3D ? NbgEDimension::DIM_3D : NbgEDimension::DIM_2D, samples.getCount());
+  provider->addXVariable(samples.x);
+  provider->addYVariable(samples.y);
+  if (is3D)
+    provider->addZVariable(samples.z);
+  provider->addVariable(sampleValueName(), samples.value);
+  return provider;
+}
+
+std::vector<unsigned char> readMask(const Job &job, qint64 &nOutside)
+{
+  nOutside = 0;
+  const std::size_t nNodes = std::size_t(job.grid.getGridSize());
+  if (!job.mask)
+    return std::vector<unsigned char>(nNodes, 1);
+  std::vector<unsigned char> selected(nNodes, 0);
+  CsvReader reader(job.mask->file, job.mask->shown, job.mask->format);
+  const std::array<int, 3> coordinates = findCoordinates(reader, *job.mask);
+  NbgIntVector3D ijk;
+  bool isEmpty = true;
+  while (reader.next()) {
+    if (job.grid.getCellIJK(readLocation(reader, coordinates), ijk)) {
+      selected[std::size_t(job.grid.getRankFromIJK(ijk))] = 1;
+      isEmpty = false;
+    } else {
+      ++nOutside;
+    }
+  }
+  if (isEmpty)
+    throw NbeUserError(nOutside == 0
+                           ? QObject::tr("%1: no rows below the header").arg(job.mask->shown)
+                           : QObject::tr("%1: none of its %2 points lies inside the grid")
+                                 .arg(job.mask->shown, QString::number(nOutside)));
+  return selected;
+}
+
+}  // namespace orvenal

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QSharedPointer>
+#include <QString>
+
+#include <vector>
+
+class NbpMemoryProviderPointsW;
+
+namespace orvenal {
+
+struct Job;
+struct JobTable;
+
+/// The samples of a job: coordinates, and the values of its variable after the transform.
+struct Samples
+{
+  std::vector<double> x;
+  std::vector<double> y;
+  std::vector<double> z;      ///< empty in two dimensions
+  std::vector<double> value;  ///< NbbGlobal::D_FFFF where it is undefined
+  qint64 nUndefined = 0;
+  qint64 nDuplicates = 0;  ///< defined samples at the place of an earlier one
+
+  qint64 getCount() const { return qint64(x.size()); }
+};
+
+/// Reads the samples from the job's data file. Undefined coordinates, a value that has no
+/// logarithm and a file without samples are errors.
+Samples readSamples(const Job &job);
+
+/// The samples as a data file in memory, and the name of their values there.
+QSharedPointer<NbpMemoryProviderPointsW> makeProvider(const Samples &samples);
+QString sampleValueName();
+
+/// For each node of the grid, in rank order, whether a point of the mask's file lies in its cell;
+/// all nodes without a mask. `nOutside` counts the points outside the grid. A mask that leaves no
+/// node is an error.
+std::vector<unsigned char> readMask(const Job &job, qint64 &nOutside);
+
+}  // namespace orvenal

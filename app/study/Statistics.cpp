@@ -1,0 +1,25 @@
+#include "app/study/Statistics.h"
+
+#include "app/study/RunContext.h"
+#include "geos/data/NgdADataSet.h"
+#include "geos/stats/NgcQuickStat.h"
+#include "geos/stats/NgmMultivariateStatistics.h"
+
+#include <QObject>
+
+namespace orvenal {
+
+QList<NbcStatMono> computeStatistics(const NgdADataSet &dataSet, const RunContext &context)
+{
+  NgcQuickStat calculator(Nbd::Role::V);
+  calculator.setFullStatFlag(true);
+  calculator.setInputDataSet(dataSet);
+  context.run(calculator, QObject::tr("Statistics"), dataSet.getNSamples(), QObject::tr("values"));
+  const NgmMultivariateStatistics &result = calculator.getMultivariateStatistics();
+  QList<NbcStatMono> statistics;
+  for (int i = 0; i < result.getNVariables(); ++i)
+    statistics << result.getConstUnivariateStats(i);
+  return statistics;
+}
+
+}  // namespace orvenal

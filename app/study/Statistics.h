@@ -1,0 +1,16 @@
+#pragma once
+
+#include "basic/calc/NbcStatMono.h"
+
+#include <QList>
+
+class NgdADataSet;
+
+namespace orvenal {
+
+struct RunContext;
+
+/// Statistics of the variables that a data set binds to the role V, skewness and kurtosis included.
+QList<NbcStatMono> computeStatistics(const NgdADataSet &dataSet, const RunContext &context);
+
+}  // namespace orvenal

@@ -1,0 +1,10 @@
+#include "basic/data/NbdDataGridSampled.h"
+
+NbdDataGridSampled::NbdDataGridSampled() = default;
+
+NbdDataGridSampled::~NbdDataGridSampled() = default;
+
+NbdDataGridSampled *NbdDataGridSampled::makeCopy() const
+{
+  return new NbdDataGridSampled(*this);
+}

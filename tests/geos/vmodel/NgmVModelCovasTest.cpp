@@ -1,0 +1,368 @@
+#include "basic/data/NbdVariableDouble.h"
+#include "geos/interpol/NgmTarget.h"
+#include "geos/vmodel/NgmAVStruct.h"
+#include "geos/vmodel/NgmVModel.h"
+#include "support/Errors.h"
+#include "support/Random.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <thread>
+
+namespace {
+
+using testsupport::uniform;
+
+struct Samples
+{
+  explicit Samples(int n, std::uint64_t seed = 7) : x(n), y(n), z(n)
+  {
+    for (int i = 0; i < n; ++i) {
+      x[i] = uniform(seed, 3 * i, 0., 300.);
+      y[i] = uniform(seed, 3 * i + 1, 0., 200.);
+      z[i] = uniform(seed, 3 * i + 2, 0., 40.);
+    }
+  }
+
+  int size() const { return int(x.size()); }
+  NbgVector3D at(int i) const { return {x[i], y[i], z[i]}; }
+
+  std::vector<double> x, y, z;
+};
+
+NgmMatrix matrix2(double a, double b, double c)
+{
+  NgmMatrix matrix(2, 2, true);
+  matrix.setElement(0, 0, a);
+  matrix.setElement(0, 1, b);
+  matrix.setElement(1, 1, c);
+  return matrix;
+}
+
+void addStructures(NgmVModel &model, const NgmMatrix &sills)
+{
+  model.addStructure(QStringLiteral("Spherical"), sills);
+  model.setRanges(0, NbgVector3D(150., 80., 30.));
+  model.addStructure(QStringLiteral("Exponential"), sills);
+  model.setRangeIsotropic(1, 200.);
+  model.addStructure(QStringLiteral("Stable"), sills);
+  model.setAuxiliaryParameter(2, 0, 1.4);
+  model.setRanges(2, NbgVector3D(90., 120., 30.));
+}
+
+NgmVModel makeUnivariate()
+{
+  NgmVModel model(1);
+  model.setNugget(0, 0, 0.1);
+  NgmMatrix sill(1, 1, true);
+  sill.setElement(0, 0, 0.7);
+  addStructures(model, sill);
+  return model;
+}
+
+NgmVModel makeBivariate()
+{
+  NgmVModel model(2);
+  model.setNuggetMatrix(matrix2(0.1, 0.05, 0.2));
+  addStructures(model, matrix2(1., -0.4, 0.5));
+  return model;
+}
+
+/// The models of every way of reducing vectors: without, with one, with several rotations.
+std::vector<NgmVModel> rotatedInAllWays(const NgmVModel &model)
+{
+  std::vector<NgmVModel> models(3, model);
+  models[1].setGlobalRotation(NbgRotation(40., 15., -20.));
+  models[2].setRotation(0, NbgRotation(10., 0., 0.));
+  models[2].setRotation(2, NbgRotation(80., 5., 0.));
+  return models;
+}
+
+NgmMatrix allCovas(const NgmVModel &model, const Samples &s, NgmVModelCovaCache *cache = nullptr)
+{
+  const int n = s.size() * model.getNVariables();
+  NgmMatrix covas(n, n, true);
+  model.calcAllCovas(s.size(), s.x.data(), s.y.data(), s.z.data(), covas, cache);
+  return covas;
+}
+
+NgmMatrix pointSet(const NgmVModel &model, const NbgVector3D &target, const Samples &s,
+                   NgmVModelCovaCache *cache = nullptr)
+{
+  NgmMatrix covas(s.size() * model.getNVariables(), model.getNVariables(), false);
+  model.calcCovasPointSet(target, s.size(), s.x.data(), s.y.data(), s.z.data(), covas, cache);
+  return covas;
+}
+
+bool sameBits(const NgmMatrix &a, const NgmMatrix &b)
+{
+  return a.getNRows() == b.getNRows() && a.getNColumns() == b.getNColumns() &&
+         std::memcmp(a.constElements(), b.constElements(),
+                     std::size_t(a.getNElements()) * sizeof(double)) == 0;
+}
+
+TEST(NgmVModelCovas, AllPairsAreThoseOfSingleEvaluation)
+{
+  // Sizes around the blocks of 8 columns and 128 rows.
+  for (const int n : {1, 2, 7, 8, 9, 33, 127, 137})
+    for (const NgmVModel &model : rotatedInAllWays(makeUnivariate())) {
+      const Samples s(n);
+      const NgmMatrix covas = allCovas(model, s);
+      for (int i = 0; i < n; ++i)
+        for (int j = 0; j < n; ++j)
+          // Bits: the same operations in the same order.
+          ASSERT_EQ(covas(i, j), model.calcCovaIJ(0, 0, s.at(j) - s.at(i))) << i << ", " << j;
+    }
+}
+
+TEST(NgmVModelCovas, AllPairsOfSeveralVariables)
+{
+  const Samples s(21);
+  for (const NgmVModel &model : rotatedInAllWays(makeBivariate())) {
+    const NgmMatrix covas = allCovas(model, s);
+    for (int i = 0; i < s.size(); ++i)
+      for (int j = 0; j < s.size(); ++j)
+        for (int a = 0; a < 2; ++a)
+          for (int b = 0; b < 2; ++b)
+            ASSERT_EQ(covas(2 * i + a, 2 * j + b), model.calcCovaIJ(a, b, s.at(j) - s.at(i)));
+  }
+}
+
+TEST(NgmVModelCovas, TargetCovariancesAreThoseOfSingleEvaluation)
+{
+  const NbgVector3D target(140., 90., 11.);
+  for (const int n : {1, 3, 16, 130})
+    for (const NgmVModel &base : {makeUnivariate(), makeBivariate()})
+      for (const NgmVModel &model : rotatedInAllWays(base)) {
+        const Samples s(n);
+        const int nVariables = model.getNVariables();
+        const NgmMatrix covas = pointSet(model, target, s);
+        for (int i = 0; i < n; ++i)
+          for (int a = 0; a < nVariables; ++a)
+            for (int b = 0; b < nVariables; ++b)
+              ASSERT_EQ(covas(i * nVariables + a, b), model.calcCovaIJ(a, b, target - s.at(i)));
+      }
+}
+
+TEST(NgmVModelCovas, VariablesAndArraysGiveTheSame)
+{
+  const Samples s(19);
+  NbdVariableDouble x(QStringLiteral("X")), y(QStringLiteral("Y")), z(QStringLiteral("Z"));
+  x.setVector(s.x);
+  y.setVector(s.y);
+  z.setVector(s.z);
+  const NgmVModel model = makeUnivariate();
+  NgmMatrix covas(19, 19, true), column(19, 1, false);
+  model.calcAllCovas(x, y, z, covas);
+  EXPECT_TRUE(sameBits(covas, allCovas(model, s)));
+  const NbgVector3D target(1., 2., 3.);
+  model.calcCovasPointSet(NgmTarget(target), x, y, z, column);
+  EXPECT_TRUE(sameBits(column, pointSet(model, target, s)));
+}
+
+TEST(NgmVModelCovas, NuggetBelongsToTheSampleItself)
+{
+  Samples s(3);
+  s.x[1] = s.x[0];
+  s.y[1] = s.y[0];
+  s.z[1] = s.z[0];
+  for (const NgmVModel &model : {makeUnivariate(), makeBivariate()}) {
+    const int v = model.getNVariables();
+    const NgmMatrix covas = allCovas(model, s);
+    const double nugget = model.getNugget(v - 1, v - 1);
+    const double c00 = model.getC0IJ(v - 1, v - 1);
+    EXPECT_EQ(covas(v - 1, v - 1), c00);
+    EXPECT_NEAR(covas(v - 1, 2 * v - 1), c00 - nugget, 1e-15) << "two samples at one place";
+
+    EXPECT_NEAR(pointSet(model, s.at(2), s)(3 * v - 1, v - 1), c00, 1e-15);
+    const NbgVector3D near = s.at(2) + NbgVector3D(1e-9, 0., 0.);
+    EXPECT_NEAR(pointSet(model, near, s)(3 * v - 1, v - 1), c00 - nugget, 1e-9);
+  }
+}
+
+TEST(NgmVModelCovas, TheRestOfTheMatrixBecomesZero)
+{
+  const Samples s(11);
+  for (const NgmVModel &model : {makeUnivariate(), makeBivariate(), NgmVModel(1)}) {
+    const int n = 11 * model.getNVariables();
+    NgmMatrix covas(n + 3, n + 3, true);
+    covas.fill(5.);
+    model.calcAllCovas(11, s.x.data(), s.y.data(), s.z.data(), covas);
+    EXPECT_TRUE(covas.isSymmetrical(0.));
+    for (int i = 0; i < n + 3; ++i)
+      for (int j = n; j < n + 3; ++j)
+        ASSERT_EQ(covas(i, j), 0.);
+
+    NgmMatrix column(n + 3, model.getNVariables(), false);
+    column.fill(5.);
+    model.calcCovasPointSet(s.at(0), 11, s.x.data(), s.y.data(), s.z.data(), column);
+    EXPECT_EQ(column(n, 0), 0.);
+    EXPECT_EQ(column(n + 2, model.getNVariables() - 1), 0.);
+  }
+}
+
+TEST(NgmVModelCovas, UpperTriangleAloneIsThatOfTheFullMatrix)
+{
+  const Samples s(140);
+  for (const NgmVModel &model : {makeUnivariate(), makeBivariate()}) {
+    const int n = s.size() * model.getNVariables();
+    const NgmMatrix full = allCovas(model, s);
+    NgmMatrix upper(n + 1, n + 1, true), plain(n, n, false);
+    upper.fill(5.);
+    plain.fill(5.);
+    model.calcAllCovas(s.size(), s.x.data(), s.y.data(), s.z.data(), upper, nullptr,
+                       NgmVModel::MatrixPart::Upper);
+    model.calcAllCovas(s.size(), s.x.data(), s.y.data(), s.z.data(), plain);
+    for (int j = 0; j < n; ++j)
+      for (int i = 0; i <= j; ++i) {
+        ASSERT_EQ(upper(i, j), full(i, j));
+        ASSERT_EQ(plain(i, j), full(i, j));
+      }
+    for (int i = 0; i <= n; ++i)
+      ASSERT_EQ(upper(i, n), 0.);
+    // A matrix that need not be symmetrical is not mirrored; only the nugget is.
+    ASSERT_EQ(plain(n - 1, 0), 0.);
+    ASSERT_EQ(plain(1, 0), model.getNVariables() == 1 ? 0. : model.getNugget(0, 1));
+  }
+}
+
+TEST(NgmVModelCovas, BitsOfAPairDoNotDependOnItsPlace)
+{
+  const Samples all(97);
+  const NbgVector3D target(33., 44., 5.);
+  for (const NgmVModel &model : rotatedInAllWays(makeUnivariate())) {
+    const NgmMatrix pairs = allCovas(model, all);
+    const NgmMatrix column = pointSet(model, target, all);
+    const NgmVModelCovaCachePtr cache = NgmVModel::getCovaCache();
+    for (int first = 0; first < 12; ++first)
+      for (const int n : {1, 2, 3, 5, 16, 31, 64, 85}) {
+        Samples part(n);
+        for (int i = 0; i < n; ++i) {
+          part.x[i] = all.x[first + i];
+          part.y[i] = all.y[first + i];
+          part.z[i] = all.z[first + i];
+        }
+        const NgmMatrix pairsOfPart = allCovas(model, part, cache.get());
+        const NgmMatrix columnOfPart = pointSet(model, target, part, cache.get());
+        for (int j = 0; j < n; ++j) {
+          ASSERT_EQ(columnOfPart(j, 0), column(first + j, 0)) << first << ", " << n;
+          for (int i = 0; i < n; ++i)
+            ASSERT_EQ(pairsOfPart(i, j), pairs(first + i, first + j)) << first << ", " << n;
+        }
+      }
+  }
+}
+
+TEST(NgmVModelCovas, RotatedAnisotropyIsIsotropyOfTransformedCoordinates)
+{
+  NgmVModel model(1), isotropic(1);
+  model.addStructure(QStringLiteral("Exponential"), 1.);
+  model.setRanges(0, NbgVector3D(120., 60., 20.));
+  model.setGlobalRotation(NbgRotation(25., 10., 70.));
+  isotropic.addStructure(QStringLiteral("Exponential"), 1.);
+  isotropic.setRangeIsotropic(0, 1.);
+  const Samples s(40);
+  Samples transformed(40);
+  for (int i = 0; i < 40; ++i) {
+    const NbgVector3D local = NbgRotation(25., 10., 70.).worldToLocal(s.at(i));
+    transformed.x[i] = local.x() / 120.;
+    transformed.y[i] = local.y() / 60.;
+    transformed.z[i] = local.z() / 20.;
+  }
+  NgmMatrix expected = allCovas(isotropic, transformed);
+  expected.setPrecision(1e-13);  // coordinates of some hundred units, rounded before subtraction
+  NgmMatrix actual = allCovas(model, s);
+  actual.setPrecision(1e-13);
+  EXPECT_EQ(actual, expected);
+}
+
+TEST(NgmVModelCovas, MatricesArePositiveDefinite)
+{
+  for (const char *label : {"Spherical", "Exponential", "Cubic", "Gaussian", "Cardinal Sine",
+                            "Stable", "Gamma", "Generalized Cauchy"}) {
+    NgmVModel model(1);
+    model.addStructure(QString::fromLatin1(label), 1.);
+    model.setRanges(0, NbgVector3D(150., 100., 50.));
+    NgmMatrix covas = allCovas(model, Samples(60, 99));
+    // The smooth ones have eigenvalues of the order of rounding errors.
+    for (int i = 0; i < 60; ++i)
+      covas.addToElement(i, i, 1e-12);
+    EXPECT_TRUE(covas.isPositiveDefinite(true, false)) << label;
+  }
+  EXPECT_TRUE(allCovas(makeBivariate(), Samples(50)).isPositiveDefinite(true, false));
+}
+
+TEST(NgmVModelCovas, ManyThreadsReadOneModel)
+{
+  const NgmVModel model = makeUnivariate();
+  const Samples s(90);
+  const NgmMatrix expected = allCovas(NgmVModel(model), s);
+  std::vector<int> differences(8, -1);
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 8; ++t)
+    threads.emplace_back([&, t] {
+      const NgmVModelCovaCachePtr cache = NgmVModel::getCovaCache();
+      differences[t] = 0;
+      for (int run = 0; run < 20; ++run)
+        differences[t] += !sameBits(allCovas(model, s, cache.get()), expected);
+    });
+  for (std::thread &thread : threads)
+    thread.join();
+  EXPECT_EQ(differences, std::vector<int>(8, 0));
+}
+
+TEST(NgmVModelCovas, GeneralFormOfTheLoopAgreesWithTheFusedOnes)
+{
+  const Samples s(300);  // more than a block of the general form
+  const double rotation[9] = {0.6, 0.8, 0., -0.8, 0.6, 0., 0., 0., 1.};
+  const double anisotropy[3] = {1., 0.5, 0.25};
+  const double targets[3] = {100., 50., 10.};
+  const NgmVModel model = makeUnivariate();
+  for (int k = 0; k < model.getNStructures(); ++k)
+    for (int kind = 0; kind < 4; ++kind) {
+      NgmAVStruct::Separations separations;
+      separations.nSamples = s.size();
+      separations.x = s.x.data();
+      separations.y = s.y.data();
+      separations.z = s.z.data();
+      separations.nTargets = 1;
+      separations.targetX = targets;
+      separations.targetY = targets + 1;
+      separations.targetZ = targets + 2;
+      separations.rotation = kind & 1 ? rotation : nullptr;
+      separations.anisotropy = kind & 2 ? anisotropy : nullptr;
+      const NgmAVStruct &structure = model.getStructure(k);
+      for (const bool add : {false, true}) {
+        std::vector<double> fused(s.size(), 1.5), general(s.size(), 1.5);
+        structure.calcCovas(separations, 0.7, add, fused.data(), s.size());
+        structure.NgmAVStruct::calcCovas(separations, 0.7, add, general.data(), s.size());
+        EXPECT_EQ(fused, general);
+      }
+    }
+}
+
+TEST(NgmVModelCovas, RefusesMatricesOfAnotherShape)
+{
+  const QString path = QStringLiteral("vmodel\\NgmVModel");
+  const NgmVModel model = makeBivariate();
+  const Samples s(4);
+  const auto all = [&](int rows, int columns) {
+    NgmMatrix covas(rows, columns, false);
+    model.calcAllCovas(4, s.x.data(), s.y.data(), s.z.data(), covas);
+  };
+  const auto point = [&](int rows, int columns) {
+    NgmMatrix covas(rows, columns, false);
+    model.calcCovasPointSet(NbgVector3D(), 4, s.x.data(), s.y.data(), s.z.data(), covas);
+  };
+  testsupport::expectAssertion(path, QStringLiteral("wrong matrix size"), [&] { all(7, 7); });
+  testsupport::expectAssertion(path, QStringLiteral("wrong matrix size"), [&] { all(8, 7); });
+  testsupport::expectAssertion(path, QStringLiteral("wrong number of rows"), [&] { point(7, 2); });
+  testsupport::expectAssertion(path, QStringLiteral("wrong number of columns"),
+                               [&] { point(8, 1); });
+  EXPECT_NO_THROW(all(8, 8));
+  EXPECT_NO_THROW(point(9, 2));
+}
+
+}  // namespace
