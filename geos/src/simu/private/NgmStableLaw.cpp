@@ -38,62 +38,78 @@ double integrate(const Function &f, double a, double b, double whole, int depth)
   return integrate(f, a, centre, left, depth - 1) + integrate(f, centre, b, right, depth - 1);
 }
 
-/// ln g at an angle in ]0, pi / 2[, where g = x^(alpha / (alpha - 1)) V(angle) and the distribution
-/// function is made of the integral of exp(-g). It is monotonous.
+/// ln g of an angle in ]0, pi / 2[, where g = x^(alpha / (alpha - 1)) V(angle) and the distribution
+/// function is made of the integral of exp(-g). It is monotonous. Angles are given by their
+/// distance from 0 or from pi / 2, the nearer end: g changes by orders of magnitude there.
 class LogG
 {
 public:
   LogG(double alpha, double x)
-      : _alpha(alpha), _power(alpha / (alpha - 1.)), _constant(_power * std::log(x))
+      : _alpha(alpha),
+        _power(alpha / (alpha - 1.)),
+        _constant(_power * std::log(x)),
+        _gap((2. - alpha) * M_PI_2)
   {
   }
 
-  double operator()(double angle) const
+  double fromZero(double angle) const
   {
-    const double cosine = std::sin(M_PI_2 - angle);
+    const double cosine = std::cos(angle);
     return _constant + _power * std::log(cosine / std::sin(_alpha * angle)) +
            std::log(std::cos((_alpha - 1.) * angle) / cosine);
   }
 
-  /// Where ln g passes a level; an end of the interval when it does not.
-  double angleOf(double level) const
+  /// The sines are those of fromZero(), reflected so that nothing cancels near alpha = 2.
+  double fromRightAngle(double angle) const
   {
-    const bool rises = _alpha < 1.;
-    double low = 0.;
-    double high = M_PI_2;
-    for (int i = 0; i < 100; ++i) {
-      const double middle = 0.5 * (low + high);
-      ((operator()(middle) < level) == rises ? low : high) = middle;
-    }
-    return 0.5 * (low + high);
+    const double cosine = std::sin(angle);
+    return _constant + _power * std::log(cosine / std::sin(_gap + _alpha * angle)) +
+           std::log(std::sin(_gap + (_alpha - 1.) * angle) / cosine);
   }
 
 private:
   double _alpha;
   double _power;
   double _constant;
+  double _gap;
 };
 
-/// Integral of f(g) over the angle. The interval is cut where g takes given values: between them
-/// the integrand is smooth, however narrow the pieces are.
-template <class Function>
-double integrateOverAngle(double alpha, double x, const Function &f)
+/// Integral of f(exp(logG)) over ]0, pi / 4[. The interval is cut where g takes given values:
+/// between them the integrand is smooth, however narrow the pieces are.
+template <class LogOfG, class Function>
+double integrateOverHalf(const LogOfG &logG, const Function &f)
 {
-  const LogG logG(alpha, x);
+  constexpr int N_LEVELS = 10;
+  constexpr double LEVELS[N_LEVELS] = {-36., -18., -9., -4., -2., 0., 1., 2., 3., 4.5};
   const auto integrand = [&](double angle) { return f(std::exp(logG(angle))); };
-  constexpr double LEVELS[] = {-36., -18., -9., -4., -2., 0., 1., 2., 3., 4.5};
+  const bool rises = logG(0.1) < logG(0.2);
+  const auto angleOf = [&](double level) {
+    double low = 0.;
+    double high = M_PI_4;
+    for (int i = 0; i < 100; ++i) {
+      const double middle = 0.5 * (low + high);
+      ((logG(middle) < level) == rises ? low : high) = middle;
+    }
+    return high;
+  };
 
   double sum = 0.;
   double first = 0.;
-  for (int i = 0; i <= 10; ++i) {
-    double last = M_PI_2;
-    if (i < 10)
-      last = logG.angleOf(LEVELS[alpha < 1. ? i : 9 - i]);
-    if (last - first > 1e-15)
+  for (int i = 0; i <= N_LEVELS; ++i) {
+    const double last = i < N_LEVELS ? angleOf(LEVELS[rises ? i : N_LEVELS - 1 - i]) : M_PI_4;
+    if (last > first)
       sum += integrate(integrand, first, last, gauss(integrand, first, last), MAX_DEPTH);
     first = last;
   }
   return sum;
+}
+
+template <class Function>
+double integrateOverAngle(double alpha, double x, const Function &f)
+{
+  const LogG logG(alpha, x);
+  return integrateOverHalf([&](double angle) { return logG.fromZero(angle); }, f) +
+         integrateOverHalf([&](double angle) { return logG.fromRightAngle(angle); }, f);
 }
 
 }  // namespace

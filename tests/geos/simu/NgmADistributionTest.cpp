@@ -127,8 +127,8 @@ TEST(NgmADistribution, SamplesFollowTheirLaw)
   NgmDistributionGamma nonInteger(1.7, 1., SEED);
   expectLaw(nonInteger, [&](double x) { return nonInteger.getCdf(x); });
 
-  NgmDistributionBeta arcsine(0.5, 0.5, SEED);
-  expectLaw(arcsine, [](double x) { return M_2_PI * std::asin(std::sqrt(x)); });
+  NgmDistributionBeta rising(1., 0.5, SEED);
+  expectLaw(rising, [](double x) { return 1. - std::sqrt(1. - x); });
   NgmDistributionBeta skew(2., 3., SEED);
   expectLaw(skew, [](double x) { return x * x * (6. + x * (-8. + 3. * x)); });
 }
