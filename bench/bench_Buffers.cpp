@@ -3,6 +3,7 @@
 
 #include "basic/data/NbdAVariable.h"
 #include "basic/data/NbdDataPoints.h"
+#include "basic/interval/NbiIntervalIntLargeDisjoint.h"
 #include "basic/provider/NbpMemoryProviderPointsW.h"
 #include "geos/data/NgdDataSetPoints.h"
 #include "geos/data/NgdIBufferIterator.h"
@@ -84,6 +85,25 @@ void memoryCopy(benchmark::State &state)
   state.SetBytesProcessed(state.iterations() * nSamples * nColumns * qint64(sizeof(double)));
 }
 
+/// The same into memory of its own for every buffer, as buffers have it.
+void memoryCopyToNew(benchmark::State &state)
+{
+  const int nPerBuffer = int(state.range(0));
+  std::vector<std::vector<double>> columns(nColumns, std::vector<double>(nSamples, 1.));
+  for (auto _ : state) {
+    for (qint64 first = 0; first < nSamples; first += nPerBuffer) {
+      const qint64 n = std::min<qint64>(nPerBuffer, nSamples - first);
+      std::unique_ptr<double[]> buffer[nColumns];
+      for (int column = 0; column < nColumns; ++column) {
+        buffer[column].reset(new double[n]);
+        std::memcpy(buffer[column].get(), columns[column].data() + first, sizeof(double) * n);
+      }
+      benchmark::ClobberMemory();
+    }
+  }
+  state.SetBytesProcessed(state.iterations() * nSamples * nColumns * qint64(sizeof(double)));
+}
+
 void load(benchmark::State &state, Selection selection)
 {
   File &data = file(selection);
@@ -112,6 +132,7 @@ void save(benchmark::State &state, Selection selection)
 }  // namespace
 
 BENCHMARK(memoryCopy)->Arg(1000)->Arg(20000)->Arg(500000)->Unit(benchmark::kMillisecond);
+BENCHMARK(memoryCopyToNew)->Arg(1000)->Arg(20000)->Arg(500000)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(load, all, ALL)
     ->Arg(1000)
     ->Arg(20000)

@@ -14,7 +14,7 @@ function(orvenal_library)
     PUBLIC $<BUILD_INTERFACE:${ARG_DIR}/include> $<INSTALL_INTERFACE:include>
     PRIVATE ${ARG_DIR}/src)
   set_target_properties(${ARG_NAME} PROPERTIES
-    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    INSTALL_RPATH "$ORIGIN" VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
   target_compile_features(${ARG_NAME} PUBLIC cxx_std_17)
   target_precompile_headers(${ARG_NAME} PRIVATE ${ORVENAL_PCH_HEADERS})
 endfunction()

@@ -421,7 +421,10 @@ NbdAVariable *NbdDataTable::insertVariable(int rank, const QString &role,
   _fitVariable(*variable);
   NbdAVariable *added = variable.get();
   _columns.insert(_columns.begin() + rank, Column{role, std::move(variable)});
-  _updateRanks();
+  if (rank == getNVariables() - 1)
+    _ranksByRole[role].append(rank);
+  else
+    _updateRanks();
   return added;
 }
 

@@ -69,7 +69,10 @@ const QString NgdADataSet::MEMORY_SELECTION_CONTEXT = QStringLiteral("memory sel
 
 NgdADataSet::NgdADataSet() = default;
 
-NgdADataSet::~NgdADataSet() = default;
+NgdADataSet::~NgdADataSet()
+{
+  _closeOpened();
+}
 
 NgdADataSet::NgdADataSet(const NgdADataSet &other)
     : NbbIDebuggable(other),
@@ -89,12 +92,12 @@ NgdADataSet &NgdADataSet::operator=(const NgdADataSet &other)
     NbbDebug::printWarning(QStringLiteral("Remaining temporary variables may not be deleted"));
   if (!_temporaryMacros.isEmpty())
     NbbDebug::printWarning(QStringLiteral("Remaining temporary macros may not be deleted"));
+  _closeOpened();
   _provider = other._provider;
   _variables = other._variables;
   _opened = other._opened;
   _maxDimension = other._maxDimension;
   _sampleSizeBits = other._sampleSizeBits;
-  _openedIds.clear();
   _temporaryVariables.clear();
   _temporaryMacros.clear();
   return *this;
@@ -121,6 +124,7 @@ void NgdADataSet::_setDataProvider(QSharedPointer<NbpIProviderR> provider)
   if (!provider)
     NBE_FAIL(QStringLiteral("Given provider is null."));
 
+  closeAllVariables();
   if (hasVariablesWithRole(Nbd::Role::SELECTION))
     NbbDebug::printWarning(QStringLiteral("User selection ignored"));
   clearRoles({Nbd::Role::SELECTION, Nbd::Role::X, Nbd::Role::Y, Nbd::Role::Z, Nbd::Role::SN});
@@ -658,7 +662,8 @@ void NgdADataSet::_checkRanks(const NbiIntervalIntLargeDisjoint &ranks) const
 
 void NgdADataSet::_loadColumns(const NbdAData &buffer, const _Transfer &transfer) const
 {
-  for (const NgdBufferColumn &column : NgdBufferColumns::findLoaded(*this, buffer)) {
+  for (const NgdBufferColumn &column :
+       NgdBufferColumns::findLoaded(_variables, *_provider, buffer)) {
     column.variable->setCurrentRealizationRank(column.realization);
     if (!transfer(column.id, *column.variable))
       NBE_FAIL(accessError(column.name, column.id, _provider->getLastError()));
@@ -668,7 +673,8 @@ void NgdADataSet::_loadColumns(const NbdAData &buffer, const _Transfer &transfer
 
 void NgdADataSet::_saveColumns(const NbdAData &buffer, const _Transfer &transfer) const
 {
-  for (const NgdBufferColumn &column : NgdBufferColumns::findSaved(*this, buffer)) {
+  for (const NgdBufferColumn &column :
+       NgdBufferColumns::findSaved(_variables, *_provider, buffer)) {
     column.variable->setCurrentRealizationRank(column.realization);
     if (!transfer(column.id, *column.variable))
       NBE_FAIL(accessError(column.name, column.id, _provider->getLastError()));

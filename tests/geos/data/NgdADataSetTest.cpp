@@ -585,6 +585,26 @@ TEST(NgdADataSet, TemporariesLiveForOneRun)
             messages.texts);
 }
 
+TEST(NgdADataSet, ClosesWhatItOpened)
+{
+  const auto provider = testsupport::makePoints(4);
+  const QString id = provider->getIdFromName(text("Z1"));
+  std::unique_ptr<NgdDataSetPoints> copy;
+  {
+    NgdDataSetPoints dataSet;
+    dataSet.setDataProvider(provider);
+    dataSet.assignVariable(in, id);
+    dataSet.openAllVariables();
+    copy.reset(dataSet.clone());
+    copy->closeAllVariables();
+    EXPECT_TRUE(provider->isVariableOpen(id));
+    dataSet.closeAllVariables();
+    EXPECT_FALSE(provider->isVariableOpen(id));
+    dataSet.openAllVariables();
+  }
+  EXPECT_FALSE(provider->isVariableOpen(id));
+}
+
 TEST(NgdADataSet, DescribesItsVariables)
 {
   const auto provider = testsupport::makePoints(4);

@@ -31,8 +31,9 @@ class NgdABufferManager;
 /// play which role.
 ///
 /// Variables of one role are addressed by their index, in order of assignment. A data set is a
-/// value: copies share the provider and own their role bindings. It is not locked; calculators
-/// serialise loads and saves on shared data sets.
+/// value: copies share the provider and own their role bindings. Copies of an open data set read
+/// and write, but the one that opened the variables closes them, at the latest when it is
+/// destroyed. It is not locked; calculators serialise loads and saves on shared data sets.
 class NgdADataSet : public NbbIDebuggable
 {
 public:
@@ -229,7 +230,7 @@ private:
   bool _opened = false;
   MaxDim _maxDimension = DIM_3;
   int _sampleSizeBits = 0;
-  QStringList _openedIds;
+  QStringList _openedIds;  ///< what this data set opened and has to close; copies have none
   QStringList _temporaryVariables;
   QStringList _temporaryMacros;
 };

@@ -13,36 +13,62 @@ namespace {
 
 using NameAndIndex = QPair<QString, NbdMacroIndex>;
 
-/// The binding of that name, the one in the same role before others; null when there is none.
-const NgdVariableDescriptor *findBinding(const QMultiHash<QString, NgdVariableDescriptor> &byRole,
-                                         const QString &role, const QString &name)
+/// Finds the bindings of columns that come in about the order in which they were created.
+class BindingFinder
 {
-  const NgdVariableDescriptor *found = nullptr;
-  for (auto binding = byRole.begin(); binding != byRole.end(); ++binding) {
-    if (binding->getName() != name || NgdBufferColumns::isWithoutColumn(*binding))
-      continue;
-    if (binding.key() == role)
-      return &*binding;
-    found = &*binding;
+public:
+  explicit BindingFinder(const NgdBufferColumns::Bindings &bindings)
+      : _bindings(bindings), _current(bindings.end())
+  {
   }
-  return found;
-}
 
-QMultiHash<QString, NgdVariableDescriptor> getBindingsByRole(const NgdADataSet &dataSet)
-{
-  QMultiHash<QString, NgdVariableDescriptor> bindings;
-  for (const QString &role : dataSet.getAllRoles()) {
-    for (const NgdVariableDescriptor &descriptor : dataSet.getVariableDescriptors(role))
-      bindings.insert(role, descriptor);
+  /// The binding of that name, the one in the same role before others; null when there is none.
+  const NgdVariableDescriptor *find(const QString &role, const QString &name)
+  {
+    if (_current == _bindings.end() || _current.key() != role) {
+      _current = _bindings.find(role);
+      _index = 0;
+    }
+    if (_current != _bindings.end()) {
+      // The binding of the column before (another realization) or the next one.
+      const QList<NgdVariableDescriptor> &inRole = *_current;
+      for (int step = 0; step < inRole.size(); ++step) {
+        const int index = (_index + step) % inRole.size();
+        if (inRole[index].getName() == name && !NgdBufferColumns::isWithoutColumn(inRole[index])) {
+          _index = index;
+          return &inRole[index];
+        }
+      }
+    }
+    return _findElsewhere(name);
   }
-  return bindings;
-}
 
-/// The roles in which a data set binds a name for reading only.
-bool isReadOnlyBinding(const NgdADataSet &dataSet, const QString &role, const QString &name)
+private:
+  const NgdVariableDescriptor *_findElsewhere(const QString &name) const
+  {
+    for (const QList<NgdVariableDescriptor> &inRole : _bindings) {
+      for (const NgdVariableDescriptor &binding : inRole) {
+        if (binding.getName() == name && !NgdBufferColumns::isWithoutColumn(binding))
+          return &binding;
+      }
+    }
+    return nullptr;
+  }
+
+  const NgdBufferColumns::Bindings &_bindings;
+  NgdBufferColumns::Bindings::const_iterator _current;
+  int _index = 0;
+};
+
+/// Whether a role binds a name, and only for reading.
+bool isReadOnlyBinding(const NgdBufferColumns::Bindings &bindings, const QString &role,
+                       const QString &name)
 {
+  const auto inRole = bindings.find(role);
+  if (inRole == bindings.end())
+    return false;
   bool isBound = false;
-  for (const NgdVariableDescriptor &descriptor : dataSet.getVariableDescriptors(role)) {
+  for (const NgdVariableDescriptor &descriptor : *inRole) {
     if (descriptor.getName() != name)
       continue;
     if (descriptor.getAccessType() != Nbd::ACCESS_READ)
@@ -52,13 +78,13 @@ bool isReadOnlyBinding(const NgdADataSet &dataSet, const QString &role, const QS
   return isBound;
 }
 
-QMultiHash<NameAndIndex, NbdAVariable *> getWritableColumns(const NgdADataSet &dataSet,
-                                                            const NbdDataTable &table)
+QMultiHash<NameAndIndex, NbdAVariable *> getWritableColumns(
+    const NgdBufferColumns::Bindings &bindings, const NbdDataTable &table)
 {
   QMultiHash<NameAndIndex, NbdAVariable *> columns;
   for (int rank = 0; rank < table.getNVariables(); ++rank) {
     NbdAVariable *variable = table.getVarByRank(rank);
-    if (!isReadOnlyBinding(dataSet, table.getRoleByRank(rank), variable->getName()))
+    if (!isReadOnlyBinding(bindings, table.getRoleByRank(rank), variable->getName()))
       columns.insert({variable->getName(), variable->getMacroIndex()}, variable);
   }
   return columns;
@@ -85,18 +111,17 @@ void appendRealizations(QVector<NgdBufferColumn> &columns, const NbpIProviderR &
                     macro.getName(), &variable, rank});
 }
 
-void appendSavedMacro(QVector<NgdBufferColumn> &columns, const NgdADataSet &dataSet,
+void appendSavedMacro(QVector<NgdBufferColumn> &columns, const NbpIProviderR &provider,
                       const QMultiHash<NameAndIndex, NbdAVariable *> &writable,
                       const NgdVariableDescriptor &macro, const NbdAData &buffer)
 {
-  const QSharedPointer<NbpIProviderR> provider = dataSet.getDataProvider();
   NbdAVariable *multi = findOnly(writable, macro.getName(), NbdMacroIndex());
   if (multi && multi->isMultiRealizations()) {
-    appendRealizations(columns, *provider, macro, *multi);
+    appendRealizations(columns, provider, macro, *multi);
     return;
   }
   for (const NbdMacroIndex &index : NgdBufferColumns::getIndices(macro, buffer))
-    columns.append({provider->getRealizationId(macro.getProviderVarId(), index), macro.getName(),
+    columns.append({provider.getRealizationId(macro.getProviderVarId(), index), macro.getName(),
                     findOnly(writable, macro.getName(), index), 0});
 }
 
@@ -122,17 +147,18 @@ QList<NbdMacroIndex> NgdBufferColumns::getIndices(const NgdVariableDescriptor &d
   return indices;
 }
 
-QVector<NgdBufferColumn> NgdBufferColumns::findLoaded(const NgdADataSet &dataSet,
+QVector<NgdBufferColumn> NgdBufferColumns::findLoaded(const Bindings &bindings,
+                                                      const NbpIProviderR &provider,
                                                       const NbdAData &buffer)
 {
-  const NbpIProviderR &provider = *dataSet.getDataProvider();
   const NbdDataTable &table = buffer.getDataTableConst();
-  const QMultiHash<QString, NgdVariableDescriptor> bindings = getBindingsByRole(dataSet);
+  BindingFinder finder(bindings);
   QVector<NgdBufferColumn> columns;
+  columns.reserve(table.getNVariables());
   for (int rank = 0; rank < table.getNVariables(); ++rank) {
     NbdAVariable *variable = table.getVarByRank(rank);
     const NgdVariableDescriptor *binding =
-        findBinding(bindings, table.getRoleByRank(rank), variable->getName());
+        finder.find(table.getRoleByRank(rank), variable->getName());
     if (!binding)
       continue;
     if (binding->isMacro())
@@ -143,18 +169,19 @@ QVector<NgdBufferColumn> NgdBufferColumns::findLoaded(const NgdADataSet &dataSet
   return columns;
 }
 
-QVector<NgdBufferColumn> NgdBufferColumns::findSaved(const NgdADataSet &dataSet,
+QVector<NgdBufferColumn> NgdBufferColumns::findSaved(const Bindings &bindings,
+                                                     const NbpIProviderR &provider,
                                                      const NbdAData &buffer)
 {
   const QMultiHash<NameAndIndex, NbdAVariable *> writable =
-      getWritableColumns(dataSet, buffer.getDataTableConst());
+      getWritableColumns(bindings, buffer.getDataTableConst());
   QVector<NgdBufferColumn> columns;
-  for (const QString &role : dataSet.getAllRoles()) {
-    for (const NgdVariableDescriptor &descriptor : dataSet.getVariableDescriptors(role)) {
+  for (const QList<NgdVariableDescriptor> &inRole : bindings) {
+    for (const NgdVariableDescriptor &descriptor : inRole) {
       if (descriptor.getAccessType() == Nbd::ACCESS_READ || isWithoutColumn(descriptor))
         continue;
       if (descriptor.isMacro())
-        appendSavedMacro(columns, dataSet, writable, descriptor, buffer);
+        appendSavedMacro(columns, provider, writable, descriptor, buffer);
       else
         columns.append({descriptor.getProviderVarId(), descriptor.getName(),
                         findOnly(writable, descriptor.getName(), NbdMacroIndex()), 0});

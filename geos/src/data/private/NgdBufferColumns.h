@@ -1,13 +1,14 @@
 #pragma once
 
 #include <QList>
+#include <QMap>
 #include <QString>
 #include <QVector>
 
 class NbdAData;
 class NbdAVariable;
 class NbdMacroIndex;
-class NgdADataSet;
+class NbpIProviderR;
 class NgdVariableDescriptor;
 
 /// One column of a buffer and the provider variable with which it exchanges its values.
@@ -23,12 +24,17 @@ struct NgdBufferColumn
 /// realizations of a macro variable by name and macro index.
 namespace NgdBufferColumns {
 
+/// The variables of a data set by role.
+using Bindings = QMap<QString, QList<NgdVariableDescriptor>>;
+
 /// The columns that loading fills: all whose name the data set binds, each binding once.
-QVector<NgdBufferColumn> findLoaded(const NgdADataSet &dataSet, const NbdAData &buffer);
+QVector<NgdBufferColumn> findLoaded(const Bindings &bindings, const NbpIProviderR &provider,
+                                    const NbdAData &buffer);
 
 /// The columns that saving writes: one for each binding with write access (for each realization of
 /// a macro). A programming error when the buffer has none or several of that name.
-QVector<NgdBufferColumn> findSaved(const NgdADataSet &dataSet, const NbdAData &buffer);
+QVector<NgdBufferColumn> findSaved(const Bindings &bindings, const NbpIProviderR &provider,
+                                   const NbdAData &buffer);
 
 /// The macro indices that a buffer holds of a variable: an invalid one for a plain variable.
 QList<NbdMacroIndex> getIndices(const NgdVariableDescriptor &descriptor, const NbdAData &buffer);
