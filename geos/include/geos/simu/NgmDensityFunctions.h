@@ -20,9 +20,10 @@ double dfGaussian(double x, double mean, double stdev);
 double cdfGaussian(double x);
 double cdfGaussian(double x, double mean, double stdev);
 
-/// The inverse of cdfGaussian() within 1e-7. D_BIG_GAUSSIAN_NEGATIVE (POSITIVE) for p <= 0 (p >=
-/// 1), and also where p is so small that 1 - p is 1. Source: [Abramowitz and Stegun, 1964, 26.2.23]
-/// for the start of the bisection
+/// The inverse of cdfGaussian() within 1e-7 for p from 1e-9 to 1 - 1e-9; further out within 6e-4 of
+/// the quantile, until the rounding of 1 - p prevails. D_BIG_GAUSSIAN_NEGATIVE (POSITIVE) for
+/// p <= 0 (p >= 1), and also where p is so small that 1 - p is 1.
+/// Source: [Abramowitz and Stegun, 1964, 26.2.23] for the start of the bisection
 double invCdfGaussian(double p);
 double invCdfGaussian(double p, double mean, double stdev);
 

@@ -5,11 +5,10 @@
 /// Counts in the manner of a binomial law of `index` trials with probability `param`.
 ///
 /// With p' = max(param, 1 - param) and v' = p' (1 - p'):
-/// - index <= 20: u runs through the sums of binom(index, k) p'^index v'^k; the count starts at 1
-/// and
-///   is reversed when param > 0.5;
-/// - index > 20: normal approximation of mean index p' and variance index v', cut to 0 .. index and
-///   reversed when param < 0.5.
+/// - index <= 20: u runs through the sums of binom(index, k) p'^index v'^k; the count starts at 1,
+///   and it is reversed when param > 0.5;
+/// - index > 20: normal approximation of mean index p' and variance index v', cut to 0 .. index,
+///   and reversed when param < 0.5.
 /// So the branch up to 20 does not yield the binomial law; both rules are kept as they stand for
 /// the sake of existing results.
 class NgmDistributionBinomial final : public NbbCloneable<NgmDistributionBinomial, NgmADistribution>

@@ -14,6 +14,10 @@ public:
                           bool trace = false);
 
   double nextR() override;
+
+  /// Passes n samples by, without the cost of their logarithms and cosines.
+  void skip(qint64 n);
+
   double getDf(double value) const override;
   double getCdf(double value) const override;
   double getInvCdf(double p) const override;

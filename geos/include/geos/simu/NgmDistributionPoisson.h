@@ -4,10 +4,9 @@
 
 /// Poisson law of mean lambda.
 ///
-/// Sample:   lambda from 16 on is reduced by gamma samples of shape m = floor(0.875 lambda); when
-/// one
-///           exceeds lambda, the m events before it are counted one by one. That count takes m
-///           draws, not m - 1, which makes the mean slightly larger than lambda. Below 16 uniform
+/// Sample:   lambda from 16 on is reduced by gamma samples of shape m = floor(0.875 lambda);
+///           when one exceeds lambda, the events before it are counted one by one. That count takes
+///           m draws, not m - 1, which makes the mean slightly larger than lambda. Below 16 uniform
 ///           factors are counted.
 /// Source:   [Ahrens and Dieter, 1974], [Knuth, 1969]
 class NgmDistributionPoisson final : public NbbCloneable<NgmDistributionPoisson, NgmADistribution>

@@ -7,10 +7,10 @@
 /// Standard normal law given that the value lies in [min, max]. An undefined min is -20, an
 /// undefined max is 20.
 ///
-/// Sample:   rejection, the interval being cut at -2, 0 and 2 and each piece having its own
-/// envelope:
-///           exponential between the cuts, |x| exp(-x^2 / 2) beyond them. A uniform value when the
-///           pieces have no weight (empty interval, or so far out that the density underflows).
+/// Sample:   rejection, the interval being cut at -2, 0 and 2 each piece with its own
+///           envelope: exponential between the cuts, |x| exp(-x^2 / 2) beyond them. A uniform value
+///           when the pieces have no weight (empty interval, or so far out that the density
+///           underflows).
 class NgmDistributionTruncatedGaussian final
     : public NbbCloneable<NgmDistributionTruncatedGaussian, NgmADistribution>
 {
@@ -41,8 +41,6 @@ private:
     double b = 0.;
     double cumulative = 0.;
   };
-
-  double _nextInPiece(int rank);
 
   double _min = -10.;
   double _max = 0.;

