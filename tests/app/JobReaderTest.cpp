@@ -1,6 +1,8 @@
 #include "app/io/JobReader.h"
 
 #include "TestFiles.h"
+#include "app/io/ModelReader.h"
+#include "app/io/NeighborhoodReader.h"
 #include "app/io/UsageError.h"
 #include "app/study/Compass.h"
 #include "geos/vmodel/NgmAVStruct.h"
@@ -59,6 +61,18 @@ TEST(JobReader, ReadsTheExample)
   EXPECT_EQ(job.neighborhood->getMaximumNeighborsCount(), 16);
   EXPECT_EQ(job.output.getFiles().size(), 5);
   EXPECT_EQ(job.output.report, ORVENAL_EXAMPLES "/meuse/out/report.html");
+}
+
+TEST(JobReader, IsDescribedAsItIs)
+{
+  const QString page = QString::fromUtf8(apptest::readFile(ORVENAL_EXAMPLES "/../docs/job.md"));
+  const QByteArray example = page.section("```json", 1).section("```", 0, 0).toUtf8();
+  EXPECT_EQ(QJsonDocument::fromJson(example),
+            QJsonDocument::fromJson(apptest::readFile(ORVENAL_EXAMPLES "/meuse/job.json")));
+  for (const QString &label : structureLabels())
+    EXPECT_TRUE(page.contains('"' + label + '"')) << qPrintable(label);
+  for (const QString &key : modelKeys() + neighborhoodKeys())
+    EXPECT_TRUE(page.contains('`' + key + '`')) << qPrintable(key);
 }
 
 TEST(JobReader, TurnsAxesByTheCompass)

@@ -443,6 +443,27 @@ TEST(Program, StopsOnRequestAndLeavesNothing)
   }
 }
 
+TEST(Program, TakesNamesOfFilesInAnyLocale)
+{
+  const apptest::Folder folder;
+  const QString name = QString::fromUtf8("données.json");
+  MeuseJob job = onlyCsv();
+  job.set("output.directory", QString::fromUtf8("sortie é"));
+  QFile file(folder.path(name));
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.write(job.text());
+  file.close();
+  QProcess program;
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  environment.insert("LC_ALL", "C");
+  program.setProcessEnvironment(environment);
+  program.setWorkingDirectory(folder.path(""));
+  program.start("/bin/sh", {"-c", QString(ORVENAL_PROGRAM) + " run --quiet d*.json"});
+  ASSERT_TRUE(program.waitForFinished(60000));
+  EXPECT_EQ(program.exitCode(), 0) << program.readAllStandardError().constData();
+  EXPECT_EQ(apptest::readFile(folder.path(QString::fromUtf8("sortie é/k.csv"))).left(4), "x,y,");
+}
+
 TEST(Program, RunsTwiceAtATimeInOneFolder)
 {
   const apptest::Folder folder;
