@@ -6,8 +6,8 @@
 #include <QMutexLocker>
 #include <QObject>
 
-#include <cstdio>
 #include <unistd.h>
+#include <cstdio>
 
 namespace orvenal {
 

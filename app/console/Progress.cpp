@@ -7,15 +7,16 @@
 
 #include <QObject>
 
+#include <unistd.h>
 #include <algorithm>
 #include <cmath>
-#include <unistd.h>
 
 namespace orvenal {
 
 namespace {
 
 constexpr int barWidth = 30;
+constexpr double secondsToFirstLine = 1.;
 constexpr double secondsBetweenLines = 5.;
 constexpr unsigned long pollMilliseconds = 50;
 constexpr qint64 graceMilliseconds = 1000;
@@ -29,11 +30,13 @@ void throwFailure(const NbcAProgress &calculator)
 }  // namespace
 
 Progress::Progress(Console &console, const QString &action, qint64 nUnits, const QString &units)
-    : _console(console), _action(action), _nUnits(nUnits), _units(units)
+    : _console(console),
+      _action(action),
+      _nUnits(nUnits),
+      _units(units),
+      _nextLine(secondsToFirstLine)
 {
   _timer.start();
-  if (!_console.isTerminal())
-    _console.report(QObject::tr("%1: %2 %3").arg(_action, grouped(_nUnits), _units));
 }
 
 void Progress::update(double fraction)
@@ -41,17 +44,19 @@ void Progress::update(double fraction)
   const double seconds = double(_timer.elapsed()) / 1000.;
   if (_console.isTerminal()) {
     _console.showTransient(barLine(_action, fraction, seconds, _nUnits, _units));
-  } else if (seconds - _lastLine >= secondsBetweenLines) {
-    _lastLine = seconds;
+  } else if (seconds >= _nextLine) {
+    _nextLine = seconds + secondsBetweenLines;
     _console.report(QObject::tr("%1: %2% after %3")
                         .arg(_action, QString::number(int(100. * fraction)), duration(seconds)));
   }
 }
 
-void Progress::finish()
+void Progress::finish(bool isSideStep)
 {
   const double seconds = double(_timer.elapsed()) / 1000.;
   _console.showTransient(QString());
+  if (isSideStep && seconds < secondsToFirstLine)
+    return;
   const QString rate = seconds > 0. ? grouped(std::llround(double(_nUnits) / seconds)) : QString();
   _console.report(
       QObject::tr("%1: %2 %3 in %4").arg(_action, grouped(_nUnits), _units, duration(seconds)) +
@@ -63,9 +68,9 @@ QString Progress::barLine(const QString &action, double fraction, double seconds
 {
   const double part = std::clamp(fraction, 0., 1.);
   const int filled = int(part * barWidth);
-  QString line = QObject::tr("%1 [%2%3] %4%").arg(
-      action, QString(filled, '#'), QString(barWidth - filled, '.'),
-      QString::number(int(100. * part)).rightJustified(3));
+  QString line = QObject::tr("%1 [%2%3] %4%")
+                     .arg(action, QString(filled, '#'), QString(barWidth - filled, '.'),
+                          QString::number(int(100. * part)).rightJustified(3));
   if (part <= 0. || seconds <= 0.)
     return line;
   const double rate = part * double(nUnits) / seconds;
@@ -78,12 +83,12 @@ QString Progress::barLine(const QString &action, double fraction, double seconds
 QString Progress::duration(double seconds)
 {
   if (seconds < 60.)
-    return QObject::tr("%1 s").arg(QString::number(seconds, 'f', seconds < 10. ? 1 : 0));
+    return QObject::tr("%1 s").arg(std::round(seconds * 10.) / 10.);
   const qint64 whole = std::llround(seconds);
   const auto twoDigits = [](qint64 n) { return QString::number(n).rightJustified(2, '0'); };
-  const QString minutes = whole < 3600 ? QString::number(whole / 60)
-                                       : QString::number(whole / 3600) + ':' +
-                                             twoDigits(whole / 60 % 60);
+  const QString minutes = whole < 3600
+                              ? QString::number(whole / 60)
+                              : QString::number(whole / 3600) + ':' + twoDigits(whole / 60 % 60);
   return minutes + ':' + twoDigits(whole % 60);
 }
 
@@ -118,7 +123,6 @@ void runCalculator(NbcAProgress &calculator, Progress &progress,
   if (!calculator.isCompleted())
     throwFailure(calculator);
   progress.update(1.);
-  progress.finish();
 }
 
 }  // namespace orvenal

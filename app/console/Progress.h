@@ -12,7 +12,7 @@ namespace orvenal {
 class Console;
 
 /// Shows how far a computation is: a moving bar with rate and time left on a terminal, a plain line
-/// now and then elsewhere.
+/// now and then elsewhere, and a line at the end.
 class Progress
 {
 public:
@@ -20,13 +20,15 @@ public:
   Progress(Console &console, const QString &action, qint64 nUnits, const QString &units);
 
   void update(double fraction);
-  void finish();
+
+  /// The line at the end; none for a side step that nobody waited for.
+  void finish(bool isSideStep);
 
   /// The bar of a terminal: "Kriging [#####.....]  50%  1,234 nodes/s  0:05 left".
   static QString barLine(const QString &action, double fraction, double seconds, qint64 nUnits,
                          const QString &units);
 
-  /// "0.4 s", "2:05" (minutes and seconds), "1:02:05".
+  /// "0.4 s", "12 s", "2:05" (minutes and seconds), "1:02:05".
   static QString duration(double seconds);
 
   /// 1234567 as "1,234,567".
@@ -38,7 +40,7 @@ private:
   qint64 _nUnits;
   QString _units;
   QElapsedTimer _timer;
-  double _lastLine = 0.;
+  double _nextLine;
 };
 
 /// Runs a calculator on its thread and shows its progress. A failure is thrown as the calculator's

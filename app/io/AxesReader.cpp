@@ -52,8 +52,9 @@ NbgVector3D readLengths(const JobObject &object, const QString &single, const QS
     object.fail(list, QObject::tr("give \"%1\" or \"%2\", not both").arg(single, list));
   if (!object.has(list)) {
     if (!object.has(single))
-      object.fail(single, QObject::tr("missing (\"%1\": one length, or \"%2\": one per axis)")
-                              .arg(single, list));
+      object.fail(
+          single,
+          QObject::tr("missing (\"%1\": one length, or \"%2\": one per axis)").arg(single, list));
     const double length = object.number(single, 0., JobObject::EXCLUDED);
     return NbgVector3D(length, length, length);
   }

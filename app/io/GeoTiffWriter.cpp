@@ -75,8 +75,8 @@ std::array<double, 6> rasterTransform(const NbgGeomGrid &grid)
   const NbgVector3D v = grid.getRotation().getAxisY();
   const NbgVector3D corner = grid.getOriginCentered() + u * (-0.5 * cell.x()) +
                              v * ((grid.getNodesNumber().y() - 0.5) * cell.y());
-  return {corner.x(),     u.x() * cell.x(), -v.x() * cell.y(),
-          corner.y(),     u.y() * cell.x(), -v.y() * cell.y()};
+  return {corner.x(), u.x() * cell.x(), -v.x() * cell.y(),
+          corner.y(), u.y() * cell.x(), -v.y() * cell.y()};
 }
 
 void writeGeoTiff(const QString &path, const QString &shownName, const GridResult &result,

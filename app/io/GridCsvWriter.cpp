@@ -34,8 +34,8 @@ void appendNode(QByteArray &lines, const GridResult &result, qint64 rank, const 
     lines += ',';
     append(lines, center.z());
   }
-  for (const std::vector<double> *values : {&result.estimate, &result.deviation, &result.variance})
-  {
+  for (const std::vector<double> *values :
+       {&result.estimate, &result.deviation, &result.variance}) {
     lines += ',';
     append(lines, (*values)[std::size_t(rank)]);
   }
@@ -46,8 +46,7 @@ void flush(QFile &file, const QString &shownName, QByteArray &lines)
 {
   Interruption::check();
   if (file.write(lines) != lines.size() || !file.flush())
-    throw NbeUserError(
-        QObject::tr("%1: cannot be written: %2").arg(shownName, file.errorString()));
+    throw NbeUserError(QObject::tr("%1: cannot be written: %2").arg(shownName, file.errorString()));
   lines.clear();
 }
 
@@ -57,12 +56,11 @@ void writeGridCsv(const QString &path, const QString &shownName, const GridResul
 {
   QFile file(path);
   if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-    throw NbeUserError(
-        QObject::tr("%1: cannot be written: %2").arg(shownName, file.errorString()));
+    throw NbeUserError(QObject::tr("%1: cannot be written: %2").arg(shownName, file.errorString()));
   const NbgGeomGrid &grid = result.geometry;
   const NbgIntVector3D n = grid.getNodesNumber();
-  QByteArray lines = grid.is2D() ? "x,y,estimate,deviation,variance\n"
-                                 : "x,y,z,estimate,deviation,variance\n";
+  QByteArray lines =
+      grid.is2D() ? "x,y,estimate,deviation,variance\n" : "x,y,z,estimate,deviation,variance\n";
   for (int k = 0; k < n.z(); ++k) {
     for (int j = 0; j < n.y(); ++j) {
       for (int i = 0; i < n.x(); ++i) {

@@ -37,9 +37,8 @@ QByteArray readFile(const QString &path)
 
 char readSeparator(const JobObject &object)
 {
-  const QString text =
-      object.choice(key("separator"), {key("auto"), key(","), key(";"), key("\t"), key(" ")},
-                    key("auto"));
+  const QString text = object.choice(
+      key("separator"), {key("auto"), key(","), key(";"), key("\t"), key(" ")}, key("auto"));
   return text == QLatin1String("auto") ? 0 : text[0].toLatin1();
 }
 
@@ -57,8 +56,8 @@ CsvFormat readFormat(const JobObject &object)
 
 QStringList tableKeys()
 {
-  return {key("file"),      key("separator"), key("decimal"), key("x"), key("y"), key("z"),
-          key("undefined")};
+  return {key("file"), key("separator"), key("decimal"),  key("x"),
+          key("y"),    key("z"),         key("undefined")};
 }
 
 JobTable readTable(const JobObject &object, const QDir &folder)
@@ -118,8 +117,8 @@ void checkSize(const JobObject &object, const NbgGeomGrid &grid)
   constexpr qint64 mostNodes = INT_MAX;
   const qint64 nodes = grid.getGridSize();
   if (nodes < 1 || nodes > mostNodes)
-    object.fail(key("nodes"), QObject::tr("the grid has too many nodes (at most %1)")
-                                  .arg(mostNodes));
+    object.fail(key("nodes"),
+                QObject::tr("the grid has too many nodes (at most %1)").arg(mostNodes));
 }
 
 NbgGeomGrid readGeometry(const JobObject &object)
@@ -234,8 +233,8 @@ void checkOutputs(const JobObject &root, const Job &job)
   for (const QString &file : job.output.getFiles()) {
     const QString identity = identityOf(file);
     if (inputs.contains(identity))
-      root.fail(key("output"), QObject::tr("\"%1\" is an input of the job and would be overwritten")
-                                   .arg(file));
+      root.fail(key("output"),
+                QObject::tr("\"%1\" is an input of the job and would be overwritten").arg(file));
     if (outputs.contains(identity))
       root.fail(key("output"), QObject::tr("\"%1\" would be written twice").arg(file));
     outputs << identity;
@@ -260,18 +259,18 @@ Job readJob(const QString &path)
   Job job;
   job.file = QFileInfo(path).absoluteFilePath();
   job.text = readFile(path);
-  const JobObject root = JobObject::parse(
-      path, job.text,
-      {key("title"), key("data"), key("variable"), key("grid"), key("model"), key("neighborhood"),
-       key("output"), key("threads"), key("memory")});
+  const JobObject root =
+      JobObject::parse(path, job.text,
+                       {key("title"), key("data"), key("variable"), key("grid"), key("model"),
+                        key("neighborhood"), key("output"), key("threads"), key("memory")});
   const QDir folder = QFileInfo(job.file).absoluteDir();
   job.title = root.text(key("title"), QFileInfo(path).completeBaseName());
   readData(root, folder, job);
   job.variable = readVariable(root);
   readGrid(root, folder, job);
   job.model = readModel(root.object(key("model"), modelKeys()), job.getNDimensions());
-  job.neighborhood = readNeighborhood(root.object(key("neighborhood"), neighborhoodKeys()),
-                                      job.getNDimensions());
+  job.neighborhood =
+      readNeighborhood(root.object(key("neighborhood"), neighborhoodKeys()), job.getNDimensions());
   job.output = readOutput(root, folder, job.getNDimensions());
   checkOutputs(root, job);
   readResources(root, job);

@@ -60,9 +60,9 @@ void readParameter(const JobObject &object, NgmVModel &model, int index)
   const double value = object.number(key);
   const NbiIntervalData bounds = structure.getAuxiliaryBounds(0);
   if (!bounds.isIncluded(value))
-    object.fail(key, QObject::tr("%1 is not in %2 (%3)")
-                         .arg(QString::number(value), bounds.toString(),
-                              structure.getAuxiliaryName(0)));
+    object.fail(key,
+                QObject::tr("%1 is not in %2 (%3)")
+                    .arg(QString::number(value), bounds.toString(), structure.getAuxiliaryName(0)));
   model.setAuxiliaryParameter(index, 0, value);
 }
 

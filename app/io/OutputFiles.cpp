@@ -9,11 +9,11 @@
 #include <QObject>
 #include <QTemporaryFile>
 
+#include <sys/stat.h>
+#include <unistd.h>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace orvenal {
 

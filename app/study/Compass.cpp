@@ -53,8 +53,7 @@ double Compass::azimuth(const NbgVector3D &direction)
 
 double Compass::dip(const NbgVector3D &direction)
 {
-  return qRadiansToDegrees(
-      std::atan2(-direction.z(), std::hypot(direction.x(), direction.y())));
+  return qRadiansToDegrees(std::atan2(-direction.z(), std::hypot(direction.x(), direction.y())));
 }
 
 QString Compass::describe(const NbgVector3D &direction, int nDimensions)

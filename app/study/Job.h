@@ -50,8 +50,8 @@ struct JobOutput
   QStringList getFiles() const;
 };
 
-/// A study as a job file describes it, in the terms of the libraries: angles are converted, defaults
-/// filled in and paths made absolute.
+/// A study as a job file describes it, in the terms of the libraries: angles are converted,
+/// defaults filled in and paths made absolute.
 struct Job
 {
   QString file;

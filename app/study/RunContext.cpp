@@ -6,7 +6,7 @@
 namespace orvenal {
 
 void RunContext::run(NbcAProgress &calculator, const QString &action, qint64 nUnits,
-                     const QString &units) const
+                     const QString &units, Weight weight) const
 {
   if (threads > 0)
     calculator.setNThread(threads);
@@ -14,6 +14,7 @@ void RunContext::run(NbcAProgress &calculator, const QString &action, qint64 nUn
     calculator.setAvailableMemBytes(memory);
   Progress progress(console, action, nUnits, units);
   runCalculator(calculator, progress, abandon);
+  progress.finish(weight == SIDE_STEP);
 }
 
 }  // namespace orvenal

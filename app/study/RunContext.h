@@ -20,8 +20,9 @@ struct RunContext
   std::function<void()> abandon;  ///< see runCalculator()
 
   /// Applies the settings to a calculator and runs it, showing its progress; see runCalculator().
-  void run(NbcAProgress &calculator, const QString &action, qint64 nUnits,
-           const QString &units) const;
+  enum Weight { MAIN_STEP, SIDE_STEP };
+  void run(NbcAProgress &calculator, const QString &action, qint64 nUnits, const QString &units,
+           Weight weight = MAIN_STEP) const;
 };
 
 }  // namespace orvenal

@@ -57,8 +57,7 @@ qint64 countDuplicates(const Samples &samples)
       order.push_back(i);
   }
   const auto place = [&](std::size_t i) {
-    return std::array<double, 3>{samples.x[i], samples.y[i],
-                                 samples.z.empty() ? 0. : samples.z[i]};
+    return std::array<double, 3>{samples.x[i], samples.y[i], samples.z.empty() ? 0. : samples.z[i]};
   };
   std::sort(order.begin(), order.end(),
             [&](std::size_t a, std::size_t b) { return place(a) < place(b); });

@@ -14,7 +14,8 @@ QList<NbcStatMono> computeStatistics(const NgdADataSet &dataSet, const RunContex
   NgcQuickStat calculator(Nbd::Role::V);
   calculator.setFullStatFlag(true);
   calculator.setInputDataSet(dataSet);
-  context.run(calculator, QObject::tr("Statistics"), dataSet.getNSamples(), QObject::tr("values"));
+  context.run(calculator, QObject::tr("Statistics"), dataSet.getNSamples(), QObject::tr("values"),
+              RunContext::SIDE_STEP);
   const NgmMultivariateStatistics &result = calculator.getMultivariateStatistics();
   QList<NbcStatMono> statistics;
   for (int i = 0; i < result.getNVariables(); ++i)

@@ -38,9 +38,12 @@ void NgcACalculator::_cleanup()
 {
   _rules.closeAllVariables();
   _rules.deleteTmpVariables();
-  if (_hasRuntimeRules)
-    _rules = _configuredRules;
+  if (!_hasRuntimeRules)
+    return;
   _hasRuntimeRules = false;
+  _rules = _configuredRules;
+  for (auto it = _dataSets.cbegin(); it != _dataSets.cend(); ++it)
+    _rules.registerDataSet(it.key(), it.value());
 }
 
 void NgcACalculator::_doFinalChecks()

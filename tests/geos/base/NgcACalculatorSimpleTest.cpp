@@ -25,18 +25,21 @@ namespace {
 class Reader : public NgcAVariableCreator
 {
 public:
-  explicit Reader(int nSamplesPerBuffer, bool byPiece = false)
+  explicit Reader(int nSamplesPerBuffer)
       : NgcAVariableCreator(Nbd::Role::VOUTPUT), _nSamplesPerBuffer(nSamplesPerBuffer)
   {
-    if (byPiece) {
-      _addMacroRule(Nbd::Dataset::OUTPUT, Nbd::Role::SIMU, Nbd::ACCESS_READ, Nbd::TYPE_DOUBLE, 1,
-                    1);
-      _getRules().setRuleMacroByPiece(Nbd::Dataset::OUTPUT, Nbd::Role::SIMU, true);
-    }
   }
   ~Reader() override { _finish(); }
 
-  bool dropsVariables = false;
+  void readMacro(Nbd::EVariableType type, bool byPiece)
+  {
+    _addMacroRule(Nbd::Dataset::OUTPUT, Nbd::Role::SIMU, Nbd::ACCESS_READ, type, 1, 1);
+    if (byPiece)
+      _getRules().setRuleMacroByPiece(Nbd::Dataset::OUTPUT, Nbd::Role::SIMU, true);
+  }
+
+  /// Spoils the buffers.
+  std::function<void(NbdDataTable &)> onTable;
 
 protected:
   void _initBufferManager() override
@@ -58,8 +61,8 @@ private:
     void _run() override
     {
       while (std::unique_ptr<NbdAData> buffer{_reader->getNextBuffer()}) {
-        if (_reader->dropsVariables)
-          buffer->getDataTable().deleteVariable(Nbd::Role::V, 0);
+        if (_reader->onTable)
+          _reader->onTable(buffer->getDataTable());
         _reader->_performStatistics(*buffer);
       }
     }
@@ -233,29 +236,57 @@ TEST(NgcACalculatorSimple, BitsDoNotDependOnThreads)
   }
 }
 
-TEST(NgcACalculatorSimple, EachRealizationHasItsStatistics)
-{
-  const int n = 120;
-  auto provider = testcalc::makeCounting(n);
-  provider->addVariable(QStringLiteral("A"), someValues(n, 5));
-  const NbdMacroIndexInfo info;
-  const QString macro = provider->addMacro(QStringLiteral("SIM"), Nbd::TYPE_DOUBLE, info);
-  for (int index = 1; index <= 3; ++index)
-    provider->addRealization(macro, NbdMacroIndex(index), someValues(n, 10 + index));
+namespace {
 
-  for (bool byPiece : {false, true}) {
-    NgdDataSetPoints dataSet = makeDataSet(provider);
+/// Points with "A" and three realizations of "SIM", which are exact in single precision.
+struct MacroData
+{
+  static constexpr int N = 120;
+  Provider provider = testcalc::makeCounting(N);
+  QString macro;
+  NgdDataSetPoints dataSet;
+
+  MacroData()
+  {
+    provider->addVariable(QStringLiteral("A"), someValues(N, 5));
+    macro = provider->addMacro(QStringLiteral("SIM"), Nbd::TYPE_DOUBLE, NbdMacroIndexInfo());
+    for (int index = 1; index <= 3; ++index)
+      provider->addRealization(macro, NbdMacroIndex(index), realization(index));
+    dataSet = makeDataSet(provider);
     dataSet.assignMacro(Nbd::Role::SIMU, macro);
     assign(dataSet, provider, Nbd::Role::V, "A");
-    Reader reader(11, byPiece);
-    reader.setOutputDataSet(dataSet);
+  }
+
+  static std::vector<double> realization(int index)
+  {
+    std::vector<double> values = someValues(N, 10 + index);
+    for (double &value : values)
+      value = float(value);
+    return values;
+  }
+};
+
+}  // namespace
+
+TEST(NgcACalculatorSimple, EachRealizationHasItsStatistics)
+{
+  const std::pair<Nbd::EVariableType, bool> cases[] = {{Nbd::TYPE_DOUBLE, false},
+                                                       {Nbd::TYPE_DOUBLE, true},
+                                                       {Nbd::TYPE_MULTI_FLOAT, false},
+                                                       {Nbd::TYPE_MULTI_FLOAT, true}};
+  MacroData data;
+  for (const auto &[type, byPiece] : cases) {
+    SCOPED_TRACE(testing::Message() << "type " << type << (byPiece ? " by piece" : ""));
+    Reader reader(11);
+    reader.readMacro(type, byPiece);
+    reader.setOutputDataSet(data.dataSet);
     reader.setPerformStatsOrProps(true);
     ASSERT_EQ(reader.execute(), NbcAProgress::COMPLETED) << errorOf(reader);
     for (int index = 1; index <= 3; ++index)
       expectStatistics(reader.getMacroStatistics(Nbd::Role::SIMU, 0, NbdMacroIndex(index)),
-                       someValues(n, 10 + index));
+                       MacroData::realization(index));
     // A plain variable comes by once per realization and is counted once.
-    expectStatistics(reader.getStatistics(Nbd::Role::V, 0), someValues(n, 5));
+    expectStatistics(reader.getStatistics(Nbd::Role::V, 0), someValues(MacroData::N, 5));
     EXPECT_FALSE(reader.hasStatistics(Nbd::Role::SIMU, 0));
     EXPECT_FALSE(reader.hasMacroStatistics(Nbd::Role::SIMU, 0, NbdMacroIndex(4)));
   }
@@ -294,13 +325,34 @@ TEST(NgcACalculatorSimple, MisuseIsTold)
 
 TEST(NgcACalculatorSimple, ABufferWithoutTheVariableIsAnError)
 {
-  auto provider = testcalc::makeCounting(50);
-  NgdDataSetPoints dataSet = makeDataSet(provider);
-  assign(dataSet, provider, Nbd::Role::V, "IN");
+  const struct
+  {
+    Nbd::EVariableType type;
+    QString role;
+    std::string text;
+  } cases[] = {
+      {Nbd::TYPE_DOUBLE, Nbd::Role::V, "No stats for variable index #0 of role V"},
+      {Nbd::TYPE_DOUBLE, Nbd::Role::SIMU, "No stats for macro index '1' of role 'SIMU'."},
+      {Nbd::TYPE_MULTI_FLOAT, Nbd::Role::SIMU, "No stats for variable index #0 of role SIMU"},
+  };
+  MacroData data;
+  for (const auto &[type, role, text] : cases) {
+    Reader reader(10);
+    reader.readMacro(type, false);
+    reader.setOutputDataSet(data.dataSet);
+    reader.setPerformStatistics(role);
+    reader.onTable = [name = role](NbdDataTable &table) { table.deleteVariable(name, 0); };
+    EXPECT_EQ(reader.execute(), NbcAProgress::FAILED);
+    EXPECT_THAT(errorOf(reader), HasSubstr(text));
+  }
+
   Reader reader(10);
-  reader.setOutputDataSet(dataSet);
-  reader.setPerformStatistics(Nbd::Role::V);
-  reader.dropsVariables = true;
+  reader.readMacro(Nbd::TYPE_MULTI_FLOAT, false);
+  reader.setOutputDataSet(data.dataSet);
+  reader.setPerformStatistics(Nbd::Role::SIMU);
+  reader.onTable = [](NbdDataTable &table) {
+    table.getVarMulti(Nbd::Role::SIMU)->setNRealizations(2);
+  };
   EXPECT_EQ(reader.execute(), NbcAProgress::FAILED);
-  EXPECT_THAT(errorOf(reader), HasSubstr("No stats for variable index #0 of role V"));
+  EXPECT_THAT(errorOf(reader), HasSubstr("No stats for realization #3 of role SIMU"));
 }

@@ -20,5 +20,5 @@ NgdABufferManager *NgcCalculatorHelper::createManager(const NgdADataSet &dataSet
 
 bool NgcCalculatorHelper::hasSelectedSamples(const NbdAData &buffer)
 {
-  return buffer.getNSamples() > 0 && buffer.getNSelected() > 0;
+  return buffer.getNSamples() > 0 && (!buffer.getSelection() || buffer.getNSelected() > 0);
 }

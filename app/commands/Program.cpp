@@ -1,0 +1,80 @@
+#include "app/commands/Program.h"
+
+#include "app/commands/HelpCommand.h"
+#include "app/commands/RunCommand.h"
+#include "app/commands/VersionCommand.h"
+#include "app/console/Console.h"
+#include "app/console/Interruption.h"
+#include "app/io/Suggestion.h"
+#include "app/io/UsageError.h"
+#include "basic/error/NbeException.h"
+#include "basic/error/NbeGuard.h"
+
+#include <QObject>
+
+namespace orvenal {
+
+Program::Program()
+{
+  _commands.push_back(std::make_unique<RunCommand>());
+  _commands.push_back(std::make_unique<HelpCommand>(*this));
+  _commands.push_back(std::make_unique<VersionCommand>());
+}
+
+Program::~Program() = default;
+
+const Command &Program::getCommand(const QString &name) const
+{
+  QStringList names;
+  for (const std::unique_ptr<Command> &command : _commands) {
+    if (command->getName() == name)
+      return *command;
+    names << command->getName();
+  }
+  throw UsageError(QObject::tr("there is no command \"%1\"%2\nCommands: %3. See: orvenal help")
+                       .arg(name, didYouMean(name, names), names.join(QStringLiteral(", "))));
+}
+
+QString Program::getHelp() const
+{
+  QString text = QObject::tr(
+      "Geostatistics: from samples in a file to an estimated grid, maps and a report.\n\n"
+      "usage: orvenal COMMAND [OPTIONS] ...\n\nCommands:\n");
+  for (const std::unique_ptr<Command> &command : _commands)
+    text += QStringLiteral("  %1  %2\n")
+                .arg(command->getName().leftJustified(8), command->getSummary());
+  return text + QObject::tr(
+                    "\nHelp on one of them: orvenal help COMMAND\n"
+                    "Exit codes: 0 done, 1 failed, 2 wrong use, 130 interrupted");
+}
+
+int Program::run(const QStringList &arguments, Console &console) const
+{
+  try {
+    NbeGuard::run([&] { _dispatch(arguments, console); });
+    return DONE;
+  } catch (const NbeException &) {
+    console.error(QObject::tr("interrupted; nothing was written"));
+    return Interruption::exitCode();
+  } catch (const UsageError &error) {
+    console.error(error.getMessage());
+    return WRONG_USE;
+  } catch (const NbeError &error) {
+    console.error(error.getMessage());
+    return FAILED;
+  }
+}
+
+void Program::_dispatch(const QStringList &arguments, Console &console) const
+{
+  if (arguments.isEmpty())
+    throw UsageError(QObject::tr("a command is missing\n\n") + getHelp());
+  QString name = arguments.first();
+  if (name == QLatin1String("--help") || name == QLatin1String("-h"))
+    name = QStringLiteral("help");
+  else if (name == QLatin1String("--version") || name == QLatin1String("-V"))
+    name = QStringLiteral("version");
+  getCommand(name).run(arguments.mid(1), console);
+}
+
+}  // namespace orvenal

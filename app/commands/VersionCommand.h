@@ -1,0 +1,17 @@
+#pragma once
+
+#include "app/commands/Command.h"
+
+namespace orvenal {
+
+/// Prints the versions of the program and of what it is built on.
+class VersionCommand : public Command
+{
+public:
+  QString getName() const override { return QStringLiteral("version"); }
+  QString getSummary() const override;
+  QString getHelp() const override;
+  void run(const QStringList &arguments, Console &console) const override;
+};
+
+}  // namespace orvenal

@@ -1,0 +1,33 @@
+#include "app/commands/Program.h"
+#include "app/console/Console.h"
+#include "app/console/Interruption.h"
+
+#include <QApplication>
+
+#include <clocale>
+#include <cstdio>
+
+namespace {
+
+/// Qt's own remarks (on fonts, on the session's folders) are no business of the user, unless
+/// QT_LOGGING_RULES asks for them.
+void receive(QtMsgType type, const QMessageLogContext &context, const QString &text)
+{
+  const bool isRemark = context.category && qstrcmp(context.category, "default") == 0 &&
+                        (type == QtDebugMsg || type == QtInfoMsg || type == QtWarningMsg);
+  if (!isRemark || qEnvironmentVariableIsSet("QT_LOGGING_RULES"))
+    std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, text)));
+}
+
+}  // namespace
+
+int main(int argc, char **argv)
+{
+  qputenv("QT_QPA_PLATFORM", "offscreen");  // pictures are drawn without a display
+  qInstallMessageHandler(receive);
+  const QApplication application(argc, argv);
+  std::setlocale(LC_NUMERIC, "C");
+  orvenal::Interruption::install();
+  orvenal::Console console;
+  return orvenal::Program().run(application.arguments().mid(1), console);
+}

@@ -1,0 +1,325 @@
+#include "app/plot/MapPicture.h"
+
+#include "app/plot/MapRaster.h"
+#include "app/plot/PlotLibrary.h"
+#include "app/study/Samples.h"
+#include "basic/base/NbbGlobal.h"
+#include "basic/geom/NbgBox.h"
+#include "basic/geom/NbgGeomGrid.h"
+#include "basic/geom/NbgVector3D.h"
+
+#include <QBuffer>
+#include <QFontMetricsF>
+#include <QObject>
+
+#include <algorithm>
+#include <cmath>
+
+namespace orvenal {
+
+namespace {
+
+constexpr double pixelRatio = 2.;      // of the picture to the units of the layout
+constexpr double longSide = 620.;      // of the plot area, in units of the layout
+constexpr double shortestSide = 240.;  // narrower areas hold no labels
+constexpr int mostCells = 1500;
+
+QFont fontOf(int points, bool bold = false)
+{
+  QFont font(QStringLiteral("DejaVu Sans"), points);
+  font.setBold(bold);
+  return font;
+}
+
+/// Matplotlib's viridis (Smith and van der Walt, 2015) and cividis (Nunez et al., 2018).
+QCPColorGradient gradientOf(ColorScale scale)
+{
+  static const QStringList viridis = {"#440154", "#482878", "#3e4989", "#31688e", "#26828e",
+                                      "#1f9e89", "#35b779", "#6ece58", "#b5de2b", "#fde725"};
+  static const QStringList cividis = {"#00224e", "#123570", "#3b496c", "#575d6d", "#707173",
+                                      "#8a8678", "#a59c74", "#c3b369", "#e1cc55", "#fee838"};
+  const QStringList &colors = scale == ColorScale::VIRIDIS ? viridis : cividis;
+  QCPColorGradient gradient;
+  gradient.clearColorStops();
+  for (int i = 0; i < colors.size(); ++i)
+    gradient.setColorStopAt(double(i) / (colors.size() - 1), QColor(colors[i]));
+  gradient.setColorInterpolation(QCPColorGradient::ciRGB);
+  gradient.setNanHandling(QCPColorGradient::nhTransparent);
+  return gradient;
+}
+
+/// Least and largest defined value; a constant gets some room.
+QCPRange rangeOf(const std::vector<double> &values)
+{
+  double least = std::numeric_limits<double>::infinity();
+  double largest = -least;
+  for (const double value : values) {
+    if (!NbbGlobal::isDefined(value))
+      continue;
+    least = std::min(least, value);
+    largest = std::max(largest, value);
+  }
+  if (least > largest)
+    return QCPRange(0., 1.);
+  const double room = least < largest ? 0. : std::max(0.5 * std::abs(least), 1e-6);
+  return QCPRange(least - room, largest + room);
+}
+
+/// The grid and the samples, with a little space around them.
+NbgBox extentOf(const NbgGeomGrid &grid, const Samples &samples)
+{
+  NbgBox box;
+  grid.updateBoundingBox(box);
+  for (std::size_t i = 0; i < samples.x.size(); ++i)
+    box.extendWith(NbgVector3D(samples.x[i], samples.y[i], 0.));
+  box.enlarge(0.02 * std::max(box.getSize().x(), box.getSize().y()));
+  return box;
+}
+
+/// Plot area of one scale for an extent, in units of the layout.
+QSizeF areaFor(double width, double height)
+{
+  const double scale = longSide / std::max(width, height);
+  return QSizeF(std::max(shortestSide, std::round(width * scale)),
+                std::max(shortestSide, std::round(height * scale)));
+}
+
+/// Breaks a text between words into lines of a width; a word that is too long is cut.
+QString wrapped(const QString &text, const QFont &font, double width)
+{
+  const QFontMetricsF metrics(font);
+  QStringList lines;
+  for (const QString &word : text.split(' ', Qt::SkipEmptyParts)) {
+    const QString longer = lines.isEmpty() ? word : lines.last() + ' ' + word;
+    if (!lines.isEmpty() && metrics.horizontalAdvance(longer) <= width)
+      lines.last() = longer;
+    else
+      lines << metrics.elidedText(word, Qt::ElideRight, width);
+  }
+  constexpr int mostLines = 3;
+  return QStringList(lines.mid(0, mostLines)).join('\n');
+}
+
+/// Circles at the samples, crosses where the value is undefined.
+class SampleMarks : public QCPLayerable
+{
+public:
+  SampleMarks(QCustomPlot &plot, const Samples &samples, const QCPColorGradient *gradient,
+              const QCPRange &range)
+      : QCPLayerable(&plot, QStringLiteral("marks")),
+        _plot(plot),
+        _samples(samples),
+        _gradient(gradient),
+        _range(range)
+  {
+  }
+
+protected:
+  void applyDefaultAntialiasingHint(QCPPainter *painter) const override
+  {
+    painter->setAntialiasing(true);
+  }
+
+  QRect clipRect() const override { return _plot.axisRect()->rect(); }
+
+  void draw(QCPPainter *painter) override
+  {
+    const double radius = _radius();
+    for (std::size_t i = 0; i < _samples.x.size(); ++i) {
+      const QPointF center(_plot.xAxis->coordToPixel(_samples.x[i]),
+                           _plot.yAxis->coordToPixel(_samples.y[i]));
+      if (NbbGlobal::isDefined(_samples.value[i]))
+        _drawCircle(*painter, center, radius, _samples.value[i]);
+      else
+        _drawCross(*painter, center, radius);
+    }
+  }
+
+private:
+  double _radius() const
+  {
+    const double n = double(std::max<qint64>(1, _samples.getCount()));
+    return std::clamp(60. / std::sqrt(n), 0.8, 3.2);
+  }
+
+  void _drawCircle(QCPPainter &painter, const QPointF &center, double radius, double value)
+  {
+    // A white ring around the dark line sets the mark off from dark and light cells.
+    painter.setPen(QPen(Qt::white, 2.));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawEllipse(center, radius + 0.6, radius + 0.6);
+    painter.setPen(QPen(Qt::black, 0.8));
+    painter.setBrush(_gradient ? QBrush(_color(value)) : QBrush(Qt::white));
+    painter.drawEllipse(center, radius, radius);
+  }
+
+  void _drawCross(QCPPainter &painter, const QPointF &center, double radius)
+  {
+    const QPointF up(radius, -radius);
+    const QPointF down(radius, radius);
+    for (const QPen &pen : {QPen(Qt::white, 2.6), QPen(Qt::black, 1.2)}) {
+      painter.setPen(pen);
+      painter.drawLine(center - up, center + up);
+      painter.drawLine(center - down, center + down);
+    }
+  }
+
+  QColor _color(double value) const
+  {
+    QCPColorGradient gradient = *_gradient;
+    return QColor::fromRgba(gradient.color(value, _range));
+  }
+
+  QCustomPlot &_plot;
+  const Samples &_samples;
+  const QCPColorGradient *_gradient;  // null for marks of one colour
+  QCPRange _range;
+};
+
+void fillColorMap(QCPColorMap &map, const MapRaster &raster)
+{
+  map.data()->setSize(raster.nColumns, raster.nRows);
+  map.data()->setRange(
+      QCPRange(raster.xFirst, raster.xFirst + (raster.nColumns - 1) * raster.xStep),
+      QCPRange(raster.yFirst, raster.yFirst + (raster.nRows - 1) * raster.yStep));
+  for (int row = 0; row < raster.nRows; ++row) {
+    for (int column = 0; column < raster.nColumns; ++column)
+      map.data()->setCell(column, row, raster.at(column, row));
+  }
+  map.setInterpolate(false);
+  map.setTightBoundary(false);
+}
+
+/// Ticks that leave room between their labels, with the decimals that tell them apart.
+void setTicks(QCPAxis &axis, double length, double roomPerTick)
+{
+  const int count = std::max(2, int(length / roomPerTick));
+  axis.ticker()->setTickCount(count);
+  const double step = axis.range().size() / count;
+  const int decimals = std::clamp(int(-std::floor(std::log10(step) + 1e-9)), 0, 12);
+  axis.setNumberFormat(QStringLiteral("f"));
+  axis.setNumberPrecision(decimals);
+}
+
+void styleAxis(QCPAxis &axis, const QString &label)
+{
+  axis.setTickLabelFont(fontOf(9));
+  axis.setLabelFont(fontOf(10));
+  axis.setLabel(label);
+  axis.setTicks(true);
+  axis.setTickLabels(true);
+  axis.setTickLengthOut(4);
+  axis.setTickLengthIn(0);
+  axis.setSubTicks(false);
+  axis.grid()->setPen(QPen(QColor(225, 225, 225), 0.8));
+  axis.grid()->setZeroLinePen(Qt::NoPen);
+}
+
+QString axisLabel(const QString &axis, const QString &unit)
+{
+  return unit.isEmpty() ? axis : QStringLiteral("%1 [%2]").arg(axis, unit);
+}
+
+void addText(QCustomPlot &plot, const QString &text, const QFont &font, double width)
+{
+  if (text.isEmpty())
+    return;
+  const int row = plot.plotLayout()->rowCount() - 1;
+  plot.plotLayout()->insertRow(row);
+  auto *element = new QCPTextElement(&plot, wrapped(text, font, width), font);
+  element->setMargins(QMargins(4, row == 0 ? 6 : 0, 4, 4));
+  plot.plotLayout()->addElement(row, 0, element);
+}
+
+QCPColorScale &addColorScale(QCustomPlot &plot, const MapStyle &style)
+{
+  auto *scale = new QCPColorScale(&plot);
+  plot.plotLayout()->addElement(plot.plotLayout()->rowCount() - 1, 1, scale);
+  scale->setType(QCPAxis::atRight);
+  scale->setBarWidth(16);
+  scale->setLabel(style.valueLabel);
+  scale->axis()->setLabelFont(fontOf(10));
+  scale->axis()->setTickLabelFont(fontOf(9));
+  scale->axis()->setNumberFormat(QStringLiteral("g"));
+  scale->axis()->setNumberPrecision(6);
+  scale->setMargins(QMargins(10, 0, 0, 0));
+  auto *group = new QCPMarginGroup(&plot);
+  plot.axisRect()->setMarginGroup(QCP::msBottom | QCP::msTop, group);
+  scale->setMarginGroup(QCP::msBottom | QCP::msTop, group);
+  return *scale;
+}
+
+/// The size of the picture whose plot area has the given size.
+QSize sizeFor(QCustomPlot &plot, const QSizeF &area)
+{
+  const QSize trial(int(area.width()) + 200, int(area.height()) + 160);
+  plot.setViewport(QRect(QPoint(0, 0), trial));
+  plot.replot(QCustomPlot::rpImmediateRefresh);
+  return trial + QSize(int(area.width()), int(area.height())) - plot.axisRect()->size();
+}
+
+/// Exactly one scale: the range of the axis with room to spare is widened.
+void equalizeScales(QCustomPlot &plot, const QSize &size)
+{
+  plot.setViewport(QRect(QPoint(0, 0), size));
+  plot.replot(QCustomPlot::rpImmediateRefresh);
+  const QSize area = plot.axisRect()->size();
+  const double xScale = plot.xAxis->range().size() / area.width();
+  const double yScale = plot.yAxis->range().size() / area.height();
+  if (xScale < yScale)
+    plot.xAxis->setScaleRatio(plot.yAxis, 1.);
+  else
+    plot.yAxis->setScaleRatio(plot.xAxis, 1.);
+}
+
+}  // namespace
+
+QImage drawMap(const NbgGeomGrid &grid, const std::vector<double> &values, const Samples &samples,
+               const MapStyle &style)
+{
+  const NbgBox extent = extentOf(grid, samples);
+  const NbgVector3D low = extent.getLowerLeftCorner();
+  const NbgVector3D high = extent.getUpperRightCorner();
+  const QSizeF area = areaFor(high.x() - low.x(), high.y() - low.y());
+  const QCPColorGradient gradient = gradientOf(style.colors);
+  const QCPRange range = rangeOf(values);
+
+  QCustomPlot plot;
+  plot.addLayer(QStringLiteral("marks"), plot.layer(QStringLiteral("axes")), QCustomPlot::limAbove);
+  addText(plot, style.title, fontOf(13, true), area.width() + 80.);
+  addText(plot, style.subtitle, fontOf(9), area.width() + 80.);
+  styleAxis(*plot.xAxis, axisLabel(QObject::tr("x"), style.lengthUnit));
+  styleAxis(*plot.yAxis, axisLabel(QObject::tr("y"), style.lengthUnit));
+  plot.axisRect()->setupFullAxesBox();
+  for (QCPAxis *axis : {plot.xAxis2, plot.yAxis2}) {
+    axis->setTicks(false);
+    axis->setTickLabels(false);
+  }
+  plot.xAxis->setRange(low.x(), high.x());
+  plot.yAxis->setRange(low.y(), high.y());
+  setTicks(*plot.xAxis, area.width(), 95.);
+  setTicks(*plot.yAxis, area.height(), 80.);
+
+  auto *map = new QCPColorMap(plot.xAxis, plot.yAxis);
+  fillColorMap(*map, rasterize(grid, values, mostCells));
+  map->setColorScale(&addColorScale(plot, style));
+  map->setGradient(gradient);
+  map->setDataRange(range);
+  auto *marks = new SampleMarks(plot, samples, style.coloredSamples ? &gradient : nullptr, range);
+  Q_UNUSED(marks)  // the plot owns it
+
+  const QSize size = sizeFor(plot, area);
+  equalizeScales(plot, size);
+  return plot.toPixmap(size.width(), size.height(), pixelRatio).toImage();
+}
+
+QByteArray toPng(const QImage &picture)
+{
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::WriteOnly);
+  picture.save(&buffer, "PNG");
+  return bytes;
+}
+
+}  // namespace orvenal

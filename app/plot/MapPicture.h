@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+#include <QString>
+
+#include <vector>
+
+class NbgGeomGrid;
+
+namespace orvenal {
+
+struct Samples;
+
+/// Colour scales that keep their order for colour-blind eyes and in grey.
+enum class ColorScale { VIRIDIS, CIVIDIS };
+
+/// What a map shows besides its values.
+struct MapStyle
+{
+  QString title;
+  QString subtitle;
+  QString valueLabel;  ///< beside the colour scale, with the unit
+  QString lengthUnit;  ///< of the axes; may be empty
+  ColorScale colors = ColorScale::VIRIDIS;
+  bool coloredSamples = false;  ///< samples are filled by their value on the same scale
+};
+
+/// Draws a two-dimensional grid in colour with the samples on top: x to the right and y up at one
+/// scale, ticks and labels on the axes, the colour scale to the right. The same input gives the
+/// same pixels. Needs a QApplication; no display.
+QImage drawMap(const NbgGeomGrid &grid, const std::vector<double> &values, const Samples &samples,
+               const MapStyle &style);
+
+QByteArray toPng(const QImage &picture);
+
+}  // namespace orvenal

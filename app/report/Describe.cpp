@@ -1,0 +1,195 @@
+#include "app/report/Describe.h"
+
+#include "app/console/Progress.h"
+#include "app/report/StudyResult.h"
+#include "app/study/Compass.h"
+#include "basic/base/NbbGlobal.h"
+#include "geos/vmodel/NgmAVStruct.h"
+
+#include <QObject>
+
+#include <algorithm>
+
+namespace orvenal {
+
+namespace {
+
+QString labelled(const QString &name, const QString &unit)
+{
+  return unit.isEmpty() ? name : QStringLiteral("%1 [%2]").arg(name, unit);
+}
+
+QString times(const QStringList &factors)
+{
+  return factors.join(QStringLiteral(" ") + QChar(0xD7) + ' ');
+}
+
+void addEllipsoid(const NgmNeighborhoodMoving &moving, const Job &job,
+                  QVector<QPair<QString, QString>> &rows)
+{
+  const NbgVector3D radii = moving.getEllipseSize();
+  const int n = job.getNDimensions();
+  const bool isRound = radii.x() == radii.y() && (n < 3 || radii.x() == radii.z());
+  if (isRound) {
+    rows.append({QObject::tr("Search radius"), Describe::length(radii.x(), job.lengthUnit)});
+    return;
+  }
+  const NbgRotation &rotation = moving.getEllipseRotation();
+  const NbgVector3D axes[] = {rotation.getAxisX(), rotation.getAxisY(), rotation.getAxisZ()};
+  const char *const names[] = {"U", "V", "W"};
+  for (int axis = 0; axis < n; ++axis)
+    rows.append({QObject::tr("Search radius along %1").arg(QLatin1String(names[axis])),
+                 QObject::tr("%1, %2").arg(Describe::length(radii[axis], job.lengthUnit),
+                                           Compass::describe(axes[axis], n))});
+}
+
+}  // namespace
+
+QString Describe::number(double value)
+{
+  return NbbGlobal::isDefined(value) ? QString::number(value, 'g', 6) : NbbGlobal::STR_NA;
+}
+
+QString Describe::length(double value, const QString &unit)
+{
+  return unit.isEmpty() ? number(value) : number(value) + ' ' + unit;
+}
+
+QStringList Describe::statisticsHeader()
+{
+  return {QObject::tr("defined"),  QObject::tr("undefined"), QObject::tr("minimum"),
+          QObject::tr("mean"),     QObject::tr("maximum"),   QObject::tr("std. dev."),
+          QObject::tr("skewness"), QObject::tr("kurtosis")};
+}
+
+QStringList Describe::statisticsRow(const NbcStatMono &statistics)
+{
+  return {QString::number(statistics.getNDefined()),
+          QString::number(statistics.getNTotal() - statistics.getNDefined()),
+          number(statistics.getMinimum()),
+          number(statistics.getMean()),
+          number(statistics.getMaximum()),
+          number(statistics.getStandardDeviation()),
+          number(statistics.getSkewness()),
+          number(statistics.getKurtosis())};
+}
+
+QString Describe::sampleLabel(const Job &job)
+{
+  return job.variable.getLabel();
+}
+
+QString Describe::estimateLabel(const Job &job)
+{
+  return labelled(QObject::tr("Estimate of %1").arg(job.variable.name), job.variable.unit);
+}
+
+QString Describe::deviationLabel(const Job &job)
+{
+  return labelled(QObject::tr("Kriging standard deviation"), job.variable.unit);
+}
+
+QString Describe::method(const Job &job)
+{
+  return job.neighborhood ? QObject::tr("Ordinary kriging, moving neighborhood")
+                          : QObject::tr("Ordinary kriging, unique neighborhood");
+}
+
+QString Describe::grid(const Job &job)
+{
+  const NbgIntVector3D n = job.grid.getNodesNumber();
+  const NbgVector3D cell = job.grid.getCellSize();
+  QStringList nodes = {QString::number(n.x()), QString::number(n.y())};
+  QStringList sizes = {number(cell.x()), number(cell.y())};
+  if (!job.grid.is2D()) {
+    nodes << QString::number(n.z());
+    sizes << number(cell.z());
+  }
+  QString text = QObject::tr("%1 nodes, cells of %2").arg(times(nodes), times(sizes));
+  if (!job.lengthUnit.isEmpty())
+    text += ' ' + job.lengthUnit;
+  if (!job.grid.getRotation().isIdentity())
+    text += QObject::tr(", rows towards %1")
+                .arg(Compass::describe(job.grid.getRotation().getAxisY(), 2));
+  return text;
+}
+
+QString Describe::model(const Job &job)
+{
+  QStringList parts;
+  if (job.model.hasNugget())
+    parts << QObject::tr("nugget %1").arg(number(job.model.getNugget(0, 0)));
+  for (int index = 0; index < job.model.getNStructures(); ++index) {
+    const NbgVector3D ranges = job.model.getStructure(index).getPracticalRanges();
+    QStringList distinct;
+    for (int axis = 0; axis < job.getNDimensions(); ++axis) {
+      if (!distinct.contains(number(ranges[axis])))
+        distinct << number(ranges[axis]);
+    }
+    parts << QObject::tr("%1 of sill %2, range %3")
+                     .arg(job.model.getStructureLabel(index),
+                          number(job.model.getCoregionalisationMatrix(index)(0, 0)),
+                          times(distinct)) +
+                 (job.lengthUnit.isEmpty() ? QString() : ' ' + job.lengthUnit);
+  }
+  return parts.join(QStringLiteral(" + "));
+}
+
+QVector<QPair<QString, QString>> Describe::neighborhood(const Job &job)
+{
+  if (!job.neighborhood)
+    return {{QObject::tr("Type"), QObject::tr("unique: every node uses all samples")}};
+  const NgmNeighborhoodMoving &moving = *job.neighborhood;
+  QVector<QPair<QString, QString>> rows = {
+      {QObject::tr("Type"), QObject::tr("moving: each node uses the samples nearest to it")}};
+  addEllipsoid(moving, job, rows);
+  rows.append({QObject::tr("Samples, at most"), QString::number(moving.getMaximumNumber())});
+  rows.append({QObject::tr("Samples, at least"), QString::number(moving.getMinimumNumber())});
+  if (moving.getSplittedSectorsNumber() > 1)
+    rows.append(
+        {QObject::tr("Sectors"),
+         QObject::tr("%1%2, at most %3 samples in each")
+             .arg(QString::number(moving.getSectorsNumber()),
+                  moving.isSplitSectors() ? QObject::tr(", split at the node's level") : QString(),
+                  QString::number(moving.getMaximumNumberPerSector()))});
+  return rows;
+}
+
+QVector<QPair<QString, QString>> Describe::outcome(const StudyResult &result)
+{
+  const GridResult &grid = result.estimation.grid;
+  const qint64 nSelected = grid.getNSelected();
+  const qint64 nEstimated = grid.getNEstimated();
+  const qint64 nFailures = result.estimation.nFailures;
+  return {{QObject::tr("Nodes of the grid"), QString::number(grid.geometry.getGridSize())},
+          {QObject::tr("Nodes in the mask"), QString::number(nSelected)},
+          {QObject::tr("Nodes estimated"), QString::number(nEstimated)},
+          {QObject::tr("Too few samples around the node"),
+           QString::number(nSelected - nEstimated - nFailures)},
+          {QObject::tr("Systems that could not be solved"), QString::number(nFailures)}};
+}
+
+QString textStatistics(const StudyResult &result)
+{
+  QList<QStringList> rows;
+  rows << (QStringList(QString()) << Describe::statisticsHeader());
+  rows << (QStringList(Describe::sampleLabel(result.job))
+           << Describe::statisticsRow(result.sampleStatistics));
+  rows << (QStringList(Describe::estimateLabel(result.job))
+           << Describe::statisticsRow(result.estimation.estimate));
+  rows << (QStringList(Describe::deviationLabel(result.job))
+           << Describe::statisticsRow(result.estimation.deviation));
+  QStringList lines(QVector<QString>(rows.size()).toList());
+  constexpr int nShown = 7;  // more does not fit a terminal
+  for (int column = 0; column < nShown; ++column) {
+    int width = 0;
+    for (const QStringList &row : qAsConst(rows))
+      width = std::max(width, row[column].size());
+    for (int i = 0; i < rows.size(); ++i)
+      lines[i] += column == 0 ? rows[i][column].leftJustified(width)
+                              : "  " + rows[i][column].rightJustified(width);
+  }
+  return lines.join('\n');
+}
+
+}  // namespace orvenal

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "basic/calc/NbcStatMono.h"
+
+#include <QPair>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+class NbgGeomGrid;
+class NgmVModel;
+
+namespace orvenal {
+
+struct Job;
+struct StudyResult;
+
+/// Parts of a study in words and numbers, the same for the terminal and the report.
+namespace Describe {
+
+/// Six significant digits, or the text for an undefined value.
+QString number(double value);
+
+/// Like number(), with the unit behind it when there is one.
+QString length(double value, const QString &unit);
+
+/// Values and names of the figures that are shown of statistics.
+QStringList statisticsHeader();
+QStringList statisticsRow(const NbcStatMono &statistics);
+
+/// Names of the variable and of the two results, with their units.
+QString sampleLabel(const Job &job);
+QString estimateLabel(const Job &job);
+QString deviationLabel(const Job &job);
+
+QString method(const Job &job);
+QString grid(const Job &job);
+
+/// "nugget 0.05 + Spherical of sill 0.59, range 897 m"
+QString model(const Job &job);
+
+/// Names and values: type, radii and axes, numbers of samples.
+QVector<QPair<QString, QString>> neighborhood(const Job &job);
+
+/// How many nodes were estimated, and what became of the others.
+QVector<QPair<QString, QString>> outcome(const StudyResult &result);
+
+}  // namespace Describe
+
+/// The statistics of samples and results as a text table.
+QString textStatistics(const StudyResult &result);
+
+}  // namespace orvenal

@@ -1,0 +1,309 @@
+#include "app/report/StudyReport.h"
+
+#include "app/console/Progress.h"
+#include "app/io/SpatialReference.h"
+#include "app/report/Describe.h"
+#include "app/report/StudyResult.h"
+#include "app/report/Versions.h"
+#include "app/study/Compass.h"
+#include "basic/base/NbbHtml.h"
+#include "basic/base/NbbHtmlTable.h"
+#include "basic/base/NbbSysInfo.h"
+#include "geos/vmodel/NgmAVStruct.h"
+
+#include <QCryptographicHash>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QObject>
+
+namespace orvenal {
+
+namespace {
+
+using Rows = QVector<QPair<QString, QString>>;
+
+const char *const style = R"(
+:root { color-scheme: light; }
+* { box-sizing: border-box; }
+body { margin: 0 auto; max-width: 62rem; padding: 1rem 1.25rem 3rem; background: #fff;
+  color: #1c2733; font: 1rem/1.5 system-ui, "Segoe UI", "DejaVu Sans", sans-serif; }
+h1 { font-size: 1.7rem; line-height: 1.2; margin: .5rem 0 .25rem; }
+h2 { font-size: 1.2rem; margin: 2rem 0 .5rem; border-bottom: 1px solid #cfd8e3;
+  padding-bottom: .2rem; }
+h3 { font-size: 1rem; margin: 1.25rem 0 .5rem; }
+p { margin: .4rem 0; }
+.lead { color: #4a5a6a; }
+.maps { display: flex; flex-wrap: wrap; gap: 1rem; margin-top: 1rem; }
+.maps figure { flex: 1 1 22rem; margin: 0; }
+.maps img { width: 100%; height: auto; }
+figcaption { font-size: .85rem; color: #4a5a6a; }
+.scroll { overflow-x: auto; margin: .5rem 0; }
+table { border-collapse: collapse; font-size: .9rem; font-variant-numeric: tabular-nums; }
+th, td { padding: .25rem .6rem; border: 1px solid #dbe3ec; vertical-align: top; }
+th { font-weight: 600; }
+pre { overflow-x: auto; background: #f4f7fa; border: 1px solid #dbe3ec; padding: .75rem;
+  font: .8rem/1.4 "DejaVu Sans Mono", monospace; }
+.warning { border-left: 4px solid #b35900; background: #fff6ec; padding: .4rem .75rem; }
+.hash { overflow-wrap: anywhere; font: .75rem "DejaVu Sans Mono", monospace; }
+@media print {
+  body { max-width: none; padding: 0; font-size: 10pt; }
+  h2 { break-after: avoid; }
+  figure, table, pre { break-inside: avoid; }
+  .maps figure { flex-basis: 40%; }
+  pre { white-space: pre-wrap; }
+}
+)";
+
+QString scrolling(const NbbHtmlTable &table)
+{
+  return QStringLiteral("<div class=\"scroll\">\n") + table.toHtml() + QStringLiteral("</div>\n");
+}
+
+QString rowsTable(const Rows &rows)
+{
+  NbbHtmlTable table;
+  QStringList names;
+  for (const auto &row : rows) {
+    names << row.first;
+    table.addRow({row.second});
+  }
+  table.setRowHeader(names);
+  return scrolling(table);
+}
+
+QString section(const QString &id, const QString &title, const QString &content)
+{
+  return QStringLiteral("<section id=\"") + id + QStringLiteral("\">\n") +
+         NbbHtml::title(title, 2) + '\n' + content + QStringLiteral("</section>\n");
+}
+
+QString paragraph(const QString &text, const QString &cssClass = QString())
+{
+  const QString attribute =
+      cssClass.isEmpty() ? QString() : QStringLiteral(" class=\"") + cssClass + '"';
+  return "<p" + attribute + '>' + NbbHtml::toHtml(text) + "</p>\n";
+}
+
+QString figure(const QByteArray &png, const QString &caption)
+{
+  if (png.isEmpty())
+    return QString();
+  const QString text = NbbHtml::toHtml(caption);
+  return QStringLiteral("<figure><img alt=\"") + text +
+         QStringLiteral("\" src=\"data:image/png;base64,") + QString::fromLatin1(png.toBase64()) +
+         QStringLiteral("\"><figcaption>") + text + QStringLiteral("</figcaption></figure>\n");
+}
+
+QString maps(const StudyResult &result)
+{
+  if (result.estimateMap.isEmpty() && result.deviationMap.isEmpty())
+    return QString();
+  return QStringLiteral("<div class=\"maps\">\n") +
+         figure(result.estimateMap, Describe::estimateLabel(result.job)) +
+         figure(result.deviationMap, Describe::deviationLabel(result.job)) +
+         QStringLiteral("</div>\n");
+}
+
+QString warnings(const StudyResult &result)
+{
+  QString html;
+  for (const QString &warning : result.warnings)
+    html += paragraph(QObject::tr("Warning: ") + warning, QStringLiteral("warning"));
+  return html;
+}
+
+QString data(const StudyResult &result)
+{
+  const Job &job = result.job;
+  const Samples &samples = result.samples;
+  const QString transform = job.variable.transform == JobVariable::LOG
+                                ? QObject::tr("natural logarithm of column \"%1\"")
+                                : QObject::tr("column \"%1\"");
+  Rows rows = {
+      {QObject::tr("Variable"), Describe::sampleLabel(job)},
+      {QObject::tr("Values"), transform.arg(job.variable.column)},
+      {QObject::tr("Samples"), QString::number(samples.getCount())},
+      {QObject::tr("Undefined values"), QString::number(samples.nUndefined)},
+      {QObject::tr("Samples at the place of another"), QString::number(samples.nDuplicates)}};
+  if (!job.crs.isEmpty()) {
+    QString reason;
+    const QString name = SpatialReference::parse(job.crs, reason).getName();
+    rows.append(
+        {QObject::tr("Coordinate reference system"), QObject::tr("%1 (%2)").arg(job.crs, name)});
+  }
+  rows.append({QObject::tr("Grid"), Describe::grid(job)});
+  if (job.mask)
+    rows.append(
+        {QObject::tr("Mask"), QObject::tr("cells that hold a point of %1; %2 of its points "
+                                          "are outside the grid")
+                                  .arg(job.mask->shown, QString::number(result.nMaskOutside))});
+  return rowsTable(rows);
+}
+
+QString statistics(const StudyResult &result)
+{
+  NbbHtmlTable table;
+  table.setAlignCell(NbbHtmlTable::ALIGN_RIGHT);
+  table.setColumnHeader(Describe::statisticsHeader());
+  table.setRowHeader({Describe::sampleLabel(result.job), Describe::estimateLabel(result.job),
+                      Describe::deviationLabel(result.job)});
+  table.addRow(Describe::statisticsRow(result.sampleStatistics));
+  table.addRow(Describe::statisticsRow(result.estimation.estimate));
+  table.addRow(Describe::statisticsRow(result.estimation.deviation));
+  return scrolling(table) + paragraph(QObject::tr("Variance and standard deviation are those of "
+                                                  "the population (divided by n)."),
+                                      QStringLiteral("lead"));
+}
+
+QString vectorText(const NbgVector3D &v)
+{
+  const auto component = [](double value) {
+    return QString::number(std::abs(value) < 5e-7 ? 0. : value, 'f', 6);
+  };
+  return QObject::tr("(%1, %2, %3)").arg(component(v.x()), component(v.y()), component(v.z()));
+}
+
+/// A row per axis of the structure's frame: range, direction and vector.
+void addStructure(const NgmVModel &model, int index, const Job &job, NbbHtmlTable &table)
+{
+  const NgmAVStruct &structure = model.getStructure(index);
+  const NbgVector3D ranges = structure.getPracticalRanges();
+  const NbgRotation &rotation = structure.getRotation();
+  const NbgVector3D axes[] = {rotation.getAxisX(), rotation.getAxisY(), rotation.getAxisZ()};
+  const char *const names[] = {"U", "V", "W"};
+  QString name = structure.getType().getLabel();
+  if (structure.getNAuxiliaryParameters() > 0)
+    name += QObject::tr(", %1 %2").arg(structure.getAuxiliaryName(0),
+                                       Describe::number(structure.getAuxiliaryValue(0)));
+  for (int axis = 0; axis < job.getNDimensions(); ++axis)
+    table.addRow(
+        {axis == 0 ? name : QString(),
+         axis == 0 ? Describe::number(model.getCoregionalisationMatrix(index)(0, 0)) : QString(),
+         QLatin1String(names[axis]), Describe::length(ranges[axis], job.lengthUnit),
+         Compass::describe(axes[axis], job.getNDimensions()), vectorText(axes[axis])});
+}
+
+QString model(const StudyResult &result)
+{
+  const NgmVModel &model = result.job.model;
+  NbbHtmlTable table;
+  table.setColumnHeader({QObject::tr("Structure"), QObject::tr("Sill"), QObject::tr("Axis"),
+                         QObject::tr("Practical range"), QObject::tr("Direction"),
+                         QObject::tr("Axis vector (east, north, up)")});
+  if (model.hasNugget())
+    table.addRow({QObject::tr("Nugget"), Describe::number(model.getNugget(0, 0)), QString(),
+                  QString(), QString(), QString()});
+  for (int index = 0; index < model.getNStructures(); ++index)
+    addStructure(model, index, result.job, table);
+  return scrolling(table) +
+         paragraph(
+             QObject::tr("Total sill %1. Ranges are practical ranges: the distance at which a "
+                         "structure reaches its sill, or 95% of it when it never does. "
+                         "Azimuths run clockwise from north, dips downward.")
+                 .arg(Describe::number(model.getC0IJ(0, 0))),
+             QStringLiteral("lead"));
+}
+
+QString outcome(const StudyResult &result)
+{
+  QString html = rowsTable(Describe::outcome(result));
+  if (!result.estimation.failures.isEmpty())
+    html += QStringLiteral("<pre>") + result.estimation.failures.toHtmlEscaped() +
+            QStringLiteral("</pre>\n");
+  return html;
+}
+
+QString outputs(const StudyResult &result)
+{
+  NbbHtmlTable table;
+  const QDir folder = QFileInfo(result.job.file).absoluteDir();
+  for (const QString &file : result.job.output.getFiles())
+    table.addRow({folder.relativeFilePath(file)});
+  return scrolling(table) +
+         paragraph(
+             QObject::tr("In the CSV file the first axis varies fastest, masked nodes are left "
+                         "out and undefined values are empty fields. Band 1 of the GeoTIFF is "
+                         "the estimate, band 2 its standard deviation; NaN is no data."),
+             QStringLiteral("lead"));
+}
+
+QString hashOf(const QString &path)
+{
+  QFile file(path);
+  QCryptographicHash hash(QCryptographicHash::Sha256);
+  if (!file.open(QIODevice::ReadOnly) || !hash.addData(&file))
+    return QString();
+  return QString::fromLatin1(hash.result().toHex());
+}
+
+void addInput(const QString &shown, const QString &path, NbbHtmlTable &table)
+{
+  NbbHtmlTable::CellProperties html;
+  html.isHtml = true;
+  table.addRow({shown, NbbSysInfo::getStringSize(QFileInfo(path).size()),
+                QStringLiteral("<span class=\"hash\">") + hashOf(path) + QStringLiteral("</span>")},
+               {{}, {}, html});
+}
+
+/// What it takes to repeat the study: the program, the inputs to the byte, and the job.
+QString repetition(const StudyResult &result)
+{
+  const Job &job = result.job;
+  NbbHtmlTable inputs;
+  inputs.setColumnHeader({QObject::tr("Input"), QObject::tr("Size"), QObject::tr("SHA-256")});
+  addInput(job.data.shown, job.data.file, inputs);
+  if (job.mask)
+    addInput(job.mask->shown, job.mask->file, inputs);
+  return paragraph(QObject::tr("Save the job beside its inputs and run: orvenal run %1")
+                       .arg(QFileInfo(job.file).fileName())) +
+         QStringLiteral("<pre id=\"job\">") + QString::fromUtf8(job.text).toHtmlEscaped() +
+         QStringLiteral("</pre>\n") + scrolling(inputs) + rowsTable(allVersions());
+}
+
+QString run(const StudyResult &result)
+{
+  Rows rows = {{QObject::tr("Date"), QDateTime::currentDateTimeUtc().toString(Qt::ISODate)},
+               {QObject::tr("Threads"), QString::number(result.estimation.threads)}};
+  for (const auto &step : result.seconds)
+    rows.append({step.first, Progress::duration(step.second)});
+  return rowsTable(rows);
+}
+
+QString lead(const StudyResult &result)
+{
+  return QObject::tr("%1 of %2: %3 nodes from %4 samples.")
+      .arg(Describe::method(result.job), result.job.variable.name,
+           Progress::grouped(result.estimation.grid.getNEstimated()),
+           Progress::grouped(result.samples.getCount() - result.samples.nUndefined));
+}
+
+}  // namespace
+
+QByteArray studyReport(const StudyResult &result)
+{
+  const QString title = NbbHtml::toHtml(result.job.title);
+  QString html = QStringLiteral(
+                     "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n"
+                     "<meta charset=\"utf-8\">\n"
+                     "<meta name=\"viewport\" "
+                     "content=\"width=device-width, initial-scale=1\">\n<title>") +
+                 title + QStringLiteral("</title>\n<style>") + QLatin1String(style) +
+                 QStringLiteral("</style>\n</head>\n<body>\n");
+  html += NbbHtml::title(result.job.title, 1) + '\n' +
+          paragraph(lead(result), QStringLiteral("lead")) + warnings(result) + maps(result);
+  html += section(QStringLiteral("statistics"), QObject::tr("Statistics"), statistics(result));
+  html += section(QStringLiteral("data"), QObject::tr("Data"), data(result));
+  html += section(QStringLiteral("model"), QObject::tr("Variogram model"), model(result));
+  html += section(QStringLiteral("neighborhood"), QObject::tr("Neighborhood"),
+                  rowsTable(Describe::neighborhood(result.job)));
+  html += section(QStringLiteral("outcome"), QObject::tr("Outcome"), outcome(result));
+  html += section(QStringLiteral("files"), QObject::tr("Files"), outputs(result));
+  html += section(QStringLiteral("repeat"), QObject::tr("To repeat it"), repetition(result));
+  html += section(QStringLiteral("run"), QObject::tr("This run"), run(result));
+  html += QStringLiteral("</body>\n</html>\n");
+  return html.toUtf8();
+}
+
+}  // namespace orvenal

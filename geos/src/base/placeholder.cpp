@@ -1,3 +1,0 @@
-namespace {
-int unused [[maybe_unused]] = 0;
-}
