@@ -4,6 +4,7 @@
 
 #include <QApplication>
 
+#include <langinfo.h>
 #include <clocale>
 #include <cstdio>
 
@@ -19,11 +20,20 @@ void receive(QtMsgType type, const QMessageLogContext &context, const QString &t
     std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, text)));
 }
 
+/// In a locale without an encoding (containers often have none) names of files could only be ASCII.
+void requireUtf8()
+{
+  std::setlocale(LC_CTYPE, "");
+  if (qstrcmp(nl_langinfo(CODESET), "UTF-8") != 0)
+    qputenv("LC_ALL", "C.UTF-8");
+}
+
 }  // namespace
 
 int main(int argc, char **argv)
 {
   qputenv("QT_QPA_PLATFORM", "offscreen");  // pictures are drawn without a display
+  requireUtf8();
   qInstallMessageHandler(receive);
   const QApplication application(argc, argv);
   std::setlocale(LC_NUMERIC, "C");
