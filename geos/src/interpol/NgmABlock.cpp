@@ -6,6 +6,41 @@
 
 #include <QObject>
 
+// A block is checked for every target: no text is built before something is wrong.
+
+namespace {
+
+QString badSize(int axis)
+{
+  const char *const texts[] = {
+      QT_TRANSLATE_NOOP("QObject", "Invalid U dimension (must be > 0)"),
+      QT_TRANSLATE_NOOP("QObject", "Invalid V dimension (must be > 0)"),
+      QT_TRANSLATE_NOOP("QObject", "Invalid W dimension for 3D block (must be > 0)")};
+  return QObject::tr(texts[axis]);
+}
+
+QString badNumber(int axis)
+{
+  const char *const texts[] = {
+      QT_TRANSLATE_NOOP("QObject", "Invalid U discretization points number (must be >= 1)"),
+      QT_TRANSLATE_NOOP("QObject", "Invalid V discretization points number (must be >= 1)"),
+      QT_TRANSLATE_NOOP("QObject",
+                        "Invalid W discretization points number for 3D block (must be >= 1)")};
+  return QObject::tr(texts[axis]);
+}
+
+QString badSteps(int axis)
+{
+  const char *const texts[] = {
+      QT_TRANSLATE_NOOP("QObject", "Invalid U discretization steps size (must be > 0)"),
+      QT_TRANSLATE_NOOP("QObject", "Invalid V discretization steps size (must be > 0)"),
+      QT_TRANSLATE_NOOP("QObject",
+                        "Invalid W discretization steps size for 3D block (must be > 0)")};
+  return QObject::tr(texts[axis]);
+}
+
+}  // namespace
+
 NgmABlock::NgmABlock(bool is3D) : _is3D(is3D) {}
 
 void NgmABlock::setDiscretizationPointsNumber(const NbgIntVector3D &numbers)
@@ -73,20 +108,12 @@ bool NgmABlock::isDiscretizationDefined(QString &why) const
         QObject::tr("You cannot define Discretization Points Number and Discretization Step Size.");
     return false;
   }
-  const QString badNumbers[] = {
-      QObject::tr("Invalid U discretization points number (must be >= 1)"),
-      QObject::tr("Invalid V discretization points number (must be >= 1)"),
-      QObject::tr("Invalid W discretization points number for 3D block (must be >= 1)")};
-  const QString badSteps[] = {
-      QObject::tr("Invalid U discretization steps size (must be > 0)"),
-      QObject::tr("Invalid V discretization steps size (must be > 0)"),
-      QObject::tr("Invalid W discretization steps size for 3D block (must be > 0)")};
   for (int axis = 0; axis < _nAxes(); ++axis) {
     const bool valid = _hasStepsSize()
                            ? NbbGlobal::isDefined(_stepsSize[axis]) && _stepsSize[axis] > 0.
                            : _pointsNumber[axis] >= 1;
     if (!valid) {
-      why = _hasStepsSize() ? badSteps[axis] : badNumbers[axis];
+      why = _hasStepsSize() ? badSteps(axis) : badNumber(axis);
       return false;
     }
   }
@@ -95,12 +122,9 @@ bool NgmABlock::isDiscretizationDefined(QString &why) const
 
 bool NgmABlock::_isSizeDefined(QString &why) const
 {
-  const QString badSizes[] = {QObject::tr("Invalid U dimension (must be > 0)"),
-                              QObject::tr("Invalid V dimension (must be > 0)"),
-                              QObject::tr("Invalid W dimension for 3D block (must be > 0)")};
   for (int axis = 0; axis < _nAxes(); ++axis) {
     if (!NbbGlobal::isDefined(_size[axis]) || !(_size[axis] > 0.)) {
-      why = badSizes[axis];
+      why = badSize(axis);
       return false;
     }
   }

@@ -1,6 +1,9 @@
 #include "geos/vmodel/NgmVModel.h"
 
 #include "basic/error/NbeProgrammingError.h"
+#include "geos/NgmEnumGlobal.h"
+#include "geos/vmodel/NgmAVStruct.h"
+#include "geos/vmodel/NgmVStructFactory.h"
 #include "geos/vmodel/NgmVStructStable.h"
 #include "support/Errors.h"
 #include "support/SerializationFuzz.h"
@@ -375,6 +378,27 @@ TEST(NgmVModel, StreamGivesBackTheModel)
     // Scales may come back changed by one unit in the last place.
     actual.setPrecision(1e-14);
     EXPECT_EQ(expected, actual);
+  }
+}
+
+TEST(NgmVModel, EveryStructureComesBackFromTheStream)
+{
+  for (const NgmEVStruct &type : NgmVStructFactory::getStructureForDegree(99, false)) {
+    NgmVModel model(1);
+    model.setContext(NgmModelContext(2, 2, 1000.));
+    model.addStructure(type.getLabel(), 2.);
+    if (model.getStructure(0).getNAuxiliaryParameters() > 0)
+      model.setAuxiliaryParameter(0, 0, 1.3);
+    model.setRanges(0, NbgVector3D(300., 200., 1.));
+    // Generalized covariances too, into a model for stationary ones.
+    NgmVModel copy(1);
+    test::fromBytes(test::toBytes(model), copy);
+    EXPECT_GE(copy.getContext().getMaxIrfDegree(), model.getEffectiveIrfDegree());
+    copy.setContext(model.getContext());
+    EXPECT_EQ(copy.debug(0), model.debug(0)) << type.getKey();
+    const NbgVector3D h(30., 40., 0.);
+    EXPECT_NEAR(copy.calcCovaIJ(0, 0, h), model.calcCovaIJ(0, 0, h),
+                1e-14 * std::abs(model.calcCovaIJ(0, 0, h)));
   }
 }
 

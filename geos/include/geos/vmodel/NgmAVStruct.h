@@ -135,7 +135,7 @@ public:
   bool isIsotropic2D() const { return _isotropic2D; }
 
   /// Divides the scale by `d`.
-  void normalizeStructure(double d) { _scale /= d; }
+  void normalizeStructure(double d);
 
   /// Lines on ranges and rotation, each beginning with `prefix`.
   QStringList summary(const QString &prefix) const;
