@@ -80,6 +80,21 @@ Separations separationsOf(const PairBlock &block, const Points &samples)
   return separations;
 }
 
+/// From all samples to one target.
+Separations separationsOf(const NbgVector3D &target, int n, const Points &samples)
+{
+  Separations separations;
+  separations.nSamples = n;
+  separations.x = samples.x;
+  separations.y = samples.y;
+  separations.z = samples.z;
+  separations.nTargets = 1;
+  separations.targetX = target.getData();
+  separations.targetY = target.getData() + 1;
+  separations.targetZ = target.getData() + 2;
+  return separations;
+}
+
 /// Copies what lies above the diagonal blocks of a univariate matrix to below them; a row of a
 /// block is contiguous there.
 void storeMirrored(const PairBlock &block, double *covas, int rowCount)
@@ -240,6 +255,17 @@ void addToPoints(int n, const double *correlations, const NgmMatrix &sills, doub
     }
 }
 
+/// out[s] (+)= sum over the points of factor * C_index(point - sample s).
+void sumOverPoints(const NgmVModel &model, int index, double factor, bool add, int nPoints,
+                   const NbgVector3D *points, int n, const Points &samples, double *out)
+{
+  for (int p = 0; p < nPoints; ++p) {
+    Separations separations = separationsOf(points[p], n, samples);
+    setReduction(model, index, separations);
+    model.getStructure(index).calcCovas(separations, factor, add || p > 0, out, n);
+  }
+}
+
 }  // namespace
 
 namespace NgmBulkCovas {
@@ -283,15 +309,7 @@ void pointSet(const NgmVModel &model, const NbgVector3D &target, int n, const Po
   std::fill(elements, elements + covas.getNElements(), 0.);
   setNuggetAtTarget(model.getNuggetMatrix(), target, n, samples, elements, rowCount);
 
-  Separations separations;
-  separations.nSamples = n;
-  separations.x = samples.x;
-  separations.y = samples.y;
-  separations.z = samples.z;
-  separations.nTargets = 1;
-  separations.targetX = target.getData();
-  separations.targetY = target.getData() + 1;
-  separations.targetZ = target.getData() + 2;
+  Separations separations = separationsOf(target, n, samples);
   for (int k = 0; k < model.getNStructures(); ++k) {
     const NgmAVStruct &structure = model.getStructure(k);
     const NgmMatrix &sills = model.getCoregionalisationMatrix(k);
@@ -302,6 +320,24 @@ void pointSet(const NgmVModel &model, const NbgVector3D &target, int n, const Po
       double *correlations = NgmVModelCovaCache::atLeast(cache.correlations, std::size_t(n));
       structure.calcCovas(separations, 1., false, correlations, n);
       addToPoints(n, correlations, sills, elements, rowCount);
+    }
+  }
+}
+
+void blockSet(const NgmVModel &model, int nPoints, const NbgVector3D *points, int n,
+              const Points &samples, NgmMatrix &covas, NgmVModelCovaCache &cache)
+{
+  double *elements = covas.elements();
+  std::fill(elements, elements + covas.getNElements(), 0.);
+  for (int k = 0; k < model.getNStructures(); ++k) {
+    const NgmMatrix &sills = model.getCoregionalisationMatrix(k);
+    if (model.getNVariables() == 1) {
+      const double sill = sills.getElement(0, 0) / nPoints;
+      sumOverPoints(model, k, sill, true, nPoints, points, n, samples, elements);
+    } else if (nPoints > 0) {
+      double *correlations = NgmVModelCovaCache::atLeast(cache.correlations, std::size_t(n));
+      sumOverPoints(model, k, 1. / nPoints, false, nPoints, points, n, samples, correlations);
+      addToPoints(n, correlations, sills, elements, covas.getNRows());
     }
   }
 }

@@ -29,4 +29,8 @@ void allCovas(const NgmVModel &model, int n, const Points &samples, NgmMatrix &c
 void pointSet(const NgmVModel &model, const NbgVector3D &target, int n, const Points &samples,
               NgmMatrix &covas, NgmVModelCovaCache &cache);
 
+/// See NgmVModel::calcCovasBlockSet(); the shape of the matrix has been checked.
+void blockSet(const NgmVModel &model, int nPoints, const NbgVector3D *points, int n,
+              const Points &samples, NgmMatrix &covas, NgmVModelCovaCache &cache);
+
 }  // namespace NgmBulkCovas

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "basic/geom/NbgVector3D.h"
 #include "geos/matrix/NgmAlignedAllocator.h"
+
+#include <QVector>
 
 #include <vector>
 
@@ -20,4 +23,5 @@ public:
   }
 
   Array correlations;
+  QVector<NbgVector3D> blockPoints;
 };
