@@ -5,6 +5,8 @@
 #include <QApplication>
 
 #include <langinfo.h>
+#include <malloc.h>
+
 #include <clocale>
 #include <cstdio>
 
@@ -28,11 +30,19 @@ void requireUtf8()
     qputenv("LC_ALL", "C.UTF-8");
 }
 
+/// Freed buffers stay with the process, or every large one is paid for in page faults again.
+void keepFreedMemory()
+{
+  mallopt(M_MMAP_THRESHOLD, 1 << 30);
+  mallopt(M_TRIM_THRESHOLD, 1 << 30);
+}
+
 }  // namespace
 
 int main(int argc, char **argv)
 {
   qputenv("QT_QPA_PLATFORM", "offscreen");  // pictures are drawn without a display
+  keepFreedMemory();
   requireUtf8();
   qInstallMessageHandler(receive);
   const QApplication application(argc, argv);

@@ -16,8 +16,9 @@ TEST(Progress, ShowsRateAndTimeLeft)
 
 TEST(Progress, WritesDurationsAndCounts)
 {
-  EXPECT_EQ(Progress::duration(0.04), "0 s");
-  EXPECT_EQ(Progress::duration(0.36), "0.4 s");
+  EXPECT_EQ(Progress::duration(0.), "0 s");
+  EXPECT_EQ(Progress::duration(0.0456), "0.046 s");
+  EXPECT_EQ(Progress::duration(12.3), "12 s");
   EXPECT_EQ(Progress::duration(65.2), "1:05");
   EXPECT_EQ(Progress::duration(3725.), "1:02:05");
   EXPECT_EQ(Progress::grouped(0), "0");
