@@ -217,8 +217,9 @@ TEST(NgmPairsSelectorDirection, ProposedPairsHoldAllThatAreKept)
       }
       EXPECT_GT(nKept, 0);
       // What is proposed in vain: vertical pairs and cosines within rounding of the limit.
-      if (tolerance < 90.)
+      if (tolerance > 0. && tolerance < 90.) {
         EXPECT_LE(int(positions.size()), nKept + n / 20);
+      }
     }
   }
 }

@@ -1,9 +1,11 @@
 #include "basic/data/NbdVariableDouble.h"
 #include "geos/NgmEnumGlobal.h"
+#include "geos/interpol/NgmBlock.h"
 #include "geos/interpol/NgmTarget.h"
 #include "geos/vmodel/NgmAVStruct.h"
 #include "geos/vmodel/NgmVModel.h"
 #include "geos/vmodel/NgmVStructFactory.h"
+#include "support/AllocationCounter.h"
 #include "support/Errors.h"
 #include "support/Random.h"
 
@@ -146,6 +148,96 @@ TEST(NgmVModelCovas, TargetCovariancesAreThoseOfSingleEvaluation)
             for (int b = 0; b < nVariables; ++b)
               ASSERT_EQ(covas(i * nVariables + a, b), model.calcCovaIJ(a, b, target - s.at(i)));
       }
+}
+
+NgmBlock makeBlock()
+{
+  NgmBlock block(true);
+  block.setSize(NbgVector3D(40., 30., 10.));
+  block.setDiscretizationPointsNumber(NbgIntVector3D(4, 3, 2));
+  block.setRotation(NbgRotation(20., 0., 0.));
+  return block;
+}
+
+TEST(NgmVModelCovas, BlockCovariancesAreMeansOverItsPoints)
+{
+  const NgmTarget target(NbgVector3D(140., 90., 11.), makeBlock());
+  QVector<NbgVector3D> points;
+  target.getDiscretizationPoints(points);
+  ASSERT_EQ(points.size(), 24);
+  Samples s(35);
+  // A sample on a point of the block: the nugget has no part in it.
+  s.x[3] = points[5].x();
+  s.y[3] = points[5].y();
+  s.z[3] = points[5].z();
+  NbdVariableDouble x(QStringLiteral("X")), y(QStringLiteral("Y")), z(QStringLiteral("Z"));
+  x.setVector(s.x);
+  y.setVector(s.y);
+  z.setVector(s.z);
+  for (const NgmVModel &base : {makeUnivariate(), makeBivariate()})
+    for (const NgmVModel &model : rotatedInAllWays(base)) {
+      const int nVariables = model.getNVariables();
+      const NgmVModel withoutNugget = model.buildFilteredModel(true, {});
+      NgmMatrix covas(35 * nVariables + 1, nVariables, false);
+      covas.fill(5.);
+      model.calcCovasBlockSet(target, x, y, z, covas);
+      EXPECT_EQ(covas(35 * nVariables, 0), 0.);
+      for (int i = 0; i < 35; ++i)
+        for (int a = 0; a < nVariables; ++a)
+          for (int b = 0; b < nVariables; ++b) {
+            double mean = 0.;
+            for (const NbgVector3D &point : points)
+              mean += withoutNugget.calcCovaIJ(a, b, point - s.at(i)) / 24.;
+            ASSERT_NEAR(covas(i * nVariables + a, b), mean, 1e-14);
+          }
+    }
+}
+
+TEST(NgmVModelCovas, BitsOfABlockCovarianceDoNotDependOnItsPlace)
+{
+  const Samples all(50);
+  QVector<NbgVector3D> points;
+  NgmTarget(NbgVector3D(33., 44., 5.), makeBlock()).getDiscretizationPoints(points);
+  for (const NgmVModel &model : {makeUnivariate(), makeBivariate()}) {
+    const int nVariables = model.getNVariables();
+    const auto blockSet = [&](int first, int n) {
+      NgmMatrix covas(n * nVariables, nVariables, false);
+      model.calcCovasBlockSet(points.size(), points.constData(), n, &all.x[first], &all.y[first],
+                              &all.z[first], covas);
+      return covas;
+    };
+    const NgmMatrix expected = blockSet(0, 50);
+    for (const int first : {1, 3, 8})
+      for (const int n : {1, 5, 30}) {
+        const NgmMatrix part = blockSet(first, n);
+        for (int row = 0; row < n * nVariables; ++row)
+          ASSERT_EQ(part(row, nVariables - 1), expected(first * nVariables + row, nVariables - 1));
+      }
+  }
+}
+
+TEST(NgmVModelCovas, NothingIsAllocatedWithACache)
+{
+  const Samples s(200);
+  NbdVariableDouble x(QStringLiteral("X")), y(QStringLiteral("Y")), z(QStringLiteral("Z"));
+  x.setVector(s.x);
+  y.setVector(s.y);
+  z.setVector(s.z);
+  const NgmTarget target(NbgVector3D(10., 20., 3.), makeBlock());
+  for (const NgmVModel &model : {makeUnivariate(), makeBivariate()}) {
+    const int n = 200 * model.getNVariables();
+    NgmMatrix all(n, n, true), point(n, model.getNVariables(), false);
+    const NgmVModelCovaCachePtr cache = NgmVModel::getCovaCache();
+    const auto evaluate = [&] {
+      model.calcAllCovas(x, y, z, all, cache.get());
+      model.calcCovasPointSet(target, x, y, z, point, cache.get());
+      model.calcCovasBlockSet(target, x, y, z, point, cache.get());
+    };
+    evaluate();
+    const testsupport::AllocationCounter counter;
+    evaluate();
+    EXPECT_EQ(counter.count(), 0);
+  }
 }
 
 TEST(NgmVModelCovas, VariablesAndArraysGiveTheSame)
@@ -428,11 +520,18 @@ TEST(NgmVModelCovas, RefusesMatricesOfAnotherShape)
     NgmMatrix covas(rows, columns, false);
     model.calcCovasPointSet(NbgVector3D(), 4, s.x.data(), s.y.data(), s.z.data(), covas);
   };
+  const auto block = [&](int rows, int columns) {
+    NgmMatrix covas(rows, columns, false);
+    model.calcCovasBlockSet(1, &NbgVector3D::Null, 4, s.x.data(), s.y.data(), s.z.data(), covas);
+  };
   testsupport::expectAssertion(path, QStringLiteral("wrong matrix size"), [&] { all(7, 7); });
   testsupport::expectAssertion(path, QStringLiteral("wrong matrix size"), [&] { all(8, 7); });
   testsupport::expectAssertion(path, QStringLiteral("wrong number of rows"), [&] { point(7, 2); });
   testsupport::expectAssertion(path, QStringLiteral("wrong number of columns"),
                                [&] { point(8, 1); });
+  testsupport::expectAssertion(path, QStringLiteral("wrong number of rows"), [&] { block(7, 2); });
+  testsupport::expectAssertion(path, QStringLiteral("wrong number of columns"),
+                               [&] { block(8, 1); });
   EXPECT_NO_THROW(all(8, 8));
   EXPECT_NO_THROW(point(9, 2));
 }

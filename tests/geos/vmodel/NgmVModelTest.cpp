@@ -211,6 +211,34 @@ TEST(NgmVModel, StructuresTakeTheContextOfTheModel)
   EXPECT_EQ(model.getStructure(3).getContext().getNDimensions(), 2);
 }
 
+TEST(NgmVModel, RefusedContextStaysWithTheStructuresBefore)
+{
+  NgmVModel model(1);
+  model.setContextIrfDegree(0);
+  model.addStructure(SPHERICAL, 1.);
+  model.addStructure(QStringLiteral("Linear"), 1.);
+  model.addStructure(SPHERICAL, 1.);
+  EXPECT_EQ(errorOf([&] { model.setContext(NgmModelContext(-1, 2, 5.)); }),
+            QStringLiteral("NgmAVStruct::setContext: invalid Irf Degree"));
+  EXPECT_EQ(model.getStructure(0).getContext().getNDimensions(), 2);
+  EXPECT_EQ(model.getStructure(2).getContext().getNDimensions(), 3);
+  EXPECT_EQ(model.getContext().getNDimensions(), 3);
+}
+
+TEST(NgmVModel, SillOfAStructureWithoutRangeIsItsVariogram)
+{
+  NgmVModel model(1);
+  model.setContext(NgmModelContext(0, 2, 100.));
+  model.addStructure(SPHERICAL, 3.);
+  model.addStructure(QStringLiteral("Linear"), 2.);
+  model.setRangeIsotropic(1, 10.);
+  EXPECT_EQ(model.getSill(0, 0, 25.), 3.);
+  EXPECT_EQ(model.getSill(1, 0, NbbGlobal::D_FFFF), 2.);
+  EXPECT_DOUBLE_EQ(model.getSill(1, 0, 25.), 5.);
+  EXPECT_EQ(errorOf([&] { model.getSill(1, 0, 0.); }),
+            QStringLiteral("NgmVModel::getSill: invalid context"));
+}
+
 TEST(NgmVModel, RangesAndAnisotropyOfOneStructure)
 {
   NgmVModel model(1);
