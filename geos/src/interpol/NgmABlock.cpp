@@ -1,14 +1,27 @@
 #include "geos/interpol/NgmABlock.h"
 
+#include "basic/error/NbeAssertion.h"
+#include "basic/error/NbeUserError.h"
 #include "basic/geom/NbgBox.h"
 #include "basic/geom/NbgGeomCuboid.h"
 #include "basic/geom/NbgGeomGrid.h"
 
 #include <QObject>
 
+#include <cmath>
+
 // A block is checked for every target: no text is built before something is wrong.
 
 namespace {
+
+/// Points that a block may be discretized into: 24 bytes each, below the limit of Qt's vectors.
+constexpr double MAXIMUM_POINTS = 5e7;
+
+/// The source that the failures name.
+QString blockPath()
+{
+  return QStringLiteral("interpol\\NgmBlock");
+}
 
 QString badSize(int axis)
 {
@@ -129,4 +142,44 @@ bool NgmABlock::_isSizeDefined(QString &why) const
     }
   }
   return true;
+}
+
+NbgIntVector3D NgmABlock::_calcPointsNumber() const
+{
+  QString why;
+  if (!isDiscretizationDefined(why) || (_hasStepsSize() && !_isSizeDefined(why)))
+    NBE_FAIL_AT(blockPath(), why);
+  NbgIntVector3D numbers(1, 1, 1);
+  double total = 1.;
+  for (int axis = 0; axis < _nAxes(); ++axis) {
+    const double number =
+        _hasStepsSize() ? std::ceil(_size[axis] / _stepsSize[axis]) : _pointsNumber[axis];
+    total *= number;
+    if (!(total <= MAXIMUM_POINTS))
+      throw NbeUserError(QObject::tr("A block is discretized into more than %1 points: enlarge the "
+                                     "steps or reduce the numbers of points.")
+                             .arg(MAXIMUM_POINTS));
+    numbers[axis] = int(number);
+  }
+  return numbers;
+}
+
+NbgVector3D NgmABlock::_calcStepsSize() const
+{
+  QString why;
+  if (!isDiscretizationDefined(why) || (_hasPointsNumber() && !_isSizeDefined(why)))
+    NBE_FAIL_AT(blockPath(), why);
+  if (_hasStepsSize())
+    return _stepsSize;
+  const NbgIntVector3D numbers = _calcPointsNumber();
+  return {_size.x() / numbers.x(), _size.y() / numbers.y(), _size.z() / numbers.z()};
+}
+
+bool NgmABlock::_check(bool raise) const
+{
+  QString why;
+  const bool valid = isBlockDefined(why) && isDiscretizationDefined(why);
+  if (!valid && raise)
+    NBE_FAIL_AT(blockPath(), why);
+  return valid;
 }

@@ -20,6 +20,8 @@
 class NbdDataTable;
 class NbdVariableDetails;
 class NbdVariableDouble;
+class NbgIntVector3D;
+class NgmABlock;
 class NgmAVStruct;
 class NgmTarget;
 class NgmVModelCovaCache;
@@ -226,6 +228,30 @@ public:
                          const double *y, const double *z, NgmMatrix &covas,
                          NgmVModelCovaCache *cache = nullptr) const;
 
+  /// Mean covariances inside a block (N x N, `cvv` is resized), by calcCova() between its
+  /// discretization points and one random point per cell, so that no point meets itself. The same
+  /// seed gives the same values.
+  ///
+  /// Cost:     one covariance per pair of points and structure
+  /// Source:   [Journel and Huijbregts, 1978, ch. II.D.3]
+  void calcCvv(const NgmABlock &block, qint64 seed, NgmMatrix &cvv) const;
+
+  /// Mean covariances between a block and its copy at `shift` (N x N, `covas` is resized), by
+  /// calcCova() between their discretization points. Points that meet count with the covariance at
+  /// the origin, nugget included.
+  void calcCovBlockBlock(const NgmABlock &block, const NbgVector3D &shift, NgmMatrix &covas) const;
+
+  /// Mean of calcCvv() over the default number of random discretizations of NgmCvvBuilder.
+  NgmMatrix computeMeanCvv(const NgmABlock &block) const;
+
+  /// Numbers of points for a discretization (n, n, nW). nW is the largest number, at most 10, of
+  /// multiples of `verticalStep` that fit into a 3D block. n is the first of 3 .. 12 whose mean
+  /// covariance between the centre of the block and its points, of the first variable and without
+  /// nugget, is within `tolerance` of that of 14 x 14 points, as a part of it; 12 when none is.
+  /// `history` gets the value of 14 x 14 and then those of n = 3, 4, ...
+  NbgIntVector3D findBestDiscretization(const NgmABlock &block, double verticalStep,
+                                        double tolerance, QVector<double> *history) const;
+
   static NgmVModelCovaCachePtr getCovaCache();
 
   /// Whether a taper was set.
@@ -336,6 +362,10 @@ protected:
 
   int _addStructure(const NgmAVStruct &structure, const NgmMatrix &sills);
   void _setScaleFactor(int index, double practicalRange);
+
+  /// Mean covariance of the first variable between the centre of a block and its points, without
+  /// nugget.
+  double _calcCovaCenterBlock(const NgmABlock &block) const;
 
   /// Recomputes what follows from the structures: rotation flags, C00, effective drift degree.
   void _validateModel();

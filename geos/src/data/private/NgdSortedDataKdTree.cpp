@@ -40,6 +40,8 @@ public:
              NgdSortedDataKdTree::Proposals &out)
       : _wanted(wanted), _bound(bound), _usable(usable), _widening(widening), _out(out)
   {
+    // Other queries leave them at different lengths.
+    _out.distances.resize(_out.ranks.size());
   }
 
   bool addPoint(double squaredDistance, unsigned rank)

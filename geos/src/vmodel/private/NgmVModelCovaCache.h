@@ -23,5 +23,6 @@ public:
   }
 
   Array correlations;
+  Array points;
   QVector<NbgVector3D> blockPoints;
 };
