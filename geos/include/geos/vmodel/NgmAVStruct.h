@@ -42,6 +42,14 @@ public:
     const double *targetZ = nullptr;
     const double *rotation = nullptr;
     const double *anisotropy = nullptr;
+    /// When it is not negative, of target t only the first nUseful + t samples are of use; what
+    /// stands for the others may be left out.
+    int nUseful = -1;
+
+    int nSamplesOf(int target) const
+    {
+      return nUseful < 0 || nSamples - nUseful < target ? nSamples : nUseful + target;
+    }
   };
 
   explicit NgmAVStruct(const NgmEVStruct &type);

@@ -78,6 +78,7 @@ Separations separationsOf(const PairBlock &block, const Points &samples)
   separations.targetX = samples.x + block.firstColumn;
   separations.targetY = samples.y + block.firstColumn;
   separations.targetZ = samples.z + block.firstColumn;
+  separations.nUseful = block.upperRowCount(0);
   return separations;
 }
 
@@ -96,8 +97,8 @@ Separations separationsOf(const NbgVector3D &target, int n, const Points &sample
   return separations;
 }
 
-/// Copies what lies above the diagonal blocks of a univariate matrix to below them; a row of a
-/// block is contiguous there.
+/// Copies the upper triangle of a univariate matrix to the lower one. Above the diagonal blocks a
+/// row of a block is contiguous at the other side.
 void storeMirrored(const PairBlock &block, double *covas, int rowCount)
 {
   const double *columns = covas + offset(0, block.firstColumn, rowCount);
@@ -107,6 +108,12 @@ void storeMirrored(const PairBlock &block, double *covas, int rowCount)
     for (int c = 0; c < block.columns; ++c)
       mirrored[c] = columns[offset(row, c, rowCount)];
   }
+  if (block.firstRow + block.rows <= block.firstColumn)
+    return;
+  double *diagonal = covas + offset(block.firstColumn, block.firstColumn, rowCount);
+  for (int c = 1; c < block.columns; ++c)
+    for (int r = 0; r < c; ++r)
+      diagonal[offset(c, r, rowCount)] = diagonal[offset(r, c, rowCount)];
 }
 
 /// Fills the upper triangle (and the lower one inside the blocks of the diagonal, or everywhere).

@@ -176,19 +176,32 @@ struct Matern5Halves
 };
 
 /// 2 (u / 2)^nu K_nu(u) / Gamma(nu); 0 where K_nu leaves the range of doubles.
-struct Matern
+class Matern
 {
-  double nu;
-  double factor;  ///< 2 / Gamma(nu)
+public:
+  /// `factor` is 2 / Gamma(nu).
+  constexpr Matern(double nu, double factor) : _nu(nu), _factor(factor) {}
+
   double operator()(double u) const
   {
     if (!(u > 0.))
       return 1.;
     if (u > NgmBesselKernels::LARGEST_ARGUMENT_K)
       return 0.;
-    const double k = NgmBesselKernels::besselK(nu, u);
-    return std::isfinite(k) ? factor * std::pow(0.5 * u, nu) * k : 0.;
+    const double k = NgmBesselKernels::besselK(_nu, u);
+    return std::isfinite(k) ? _factor * _power(0.5 * u) * k : 0.;
   }
+
+private:
+  double _power(double x) const
+  {
+    if (_nu == 1.)
+      return x;
+    return _nu == 2. ? x * x : std::pow(x, _nu);
+  }
+
+  double _nu;
+  double _factor;
 };
 
 /// Gamma(nu + 1) J_nu(u) / (u / 2)^nu; 0 where J_nu leaves the normal numbers on its way to u = 0,
@@ -226,6 +239,20 @@ struct Cosexp
   }
 };
 
+/// Forms that call a routine for each value, which the compiler does not vectorise.
+template <class Form>
+constexpr bool isCostly = false;
+template <>
+inline constexpr bool isCostly<Sincard> = true;
+template <>
+inline constexpr bool isCostly<Stable> = true;
+template <>
+inline constexpr bool isCostly<Gamma> = true;
+template <>
+inline constexpr bool isCostly<Cauchy> = true;
+template <>
+inline constexpr bool isCostly<Matern> = true;
+
 /// out[k] = C(dist[k] / scale)
 template <class Form>
 void covaFromDist(Form form, double scale, int n, const double *dist, double *out)
@@ -242,7 +269,6 @@ void calcCovasOf(Form form, double scale, const NgmAVStruct::Separations &s, dou
                  double *covas, qint64 stride)
 {
   const NgmCovaKernels::Reducer<ROTATED, SCALED> reducer(s.rotation, s.anisotropy);
-  const int n = s.nSamples;
   const double *__restrict x = s.x;
   const double *__restrict y = s.y;
   const double *__restrict z = s.z;
@@ -251,6 +277,8 @@ void calcCovasOf(Form form, double scale, const NgmAVStruct::Separations &s, dou
     const double targetY = s.targetY[t];
     const double targetZ = s.targetZ[t];
     double *__restrict out = covas + t * stride;
+    // What is not of use is worth more than a shorter loop, unless each value is costly.
+    const int n = isCostly<Form> ? s.nSamplesOf(t) : s.nSamples;
     for (int i = 0; i < n; ++i) {
       const double squared = reducer.squaredNorm({targetX - x[i], targetY - y[i], targetZ - z[i]});
       const double cova = sill * form(std::sqrt(squared) / scale);
