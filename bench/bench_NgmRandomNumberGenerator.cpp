@@ -123,3 +123,5 @@ BENCHMARK(BM_gaussian);
 BENCHMARK(BM_gamma);
 BENCHMARK(BM_truncatedGaussian);
 BENCHMARK(BM_indexedGaussianAtRandom);
+
+BENCHMARK_MAIN();

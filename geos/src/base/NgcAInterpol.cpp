@@ -213,11 +213,6 @@ void NgcAInterpol::_initBufferManager()
   _getBufferManager()->tuneBufferSize(memory, getNThread(), preferredBuffers);
 }
 
-void NgcAInterpol::_initCalculatorCounter()
-{
-  NgcACalculatorBuffer::_initCalculatorCounter();
-}
-
 const NgdADataSet *NgcAInterpol::_bufferDataset() const
 {
   return getOutputDataset();

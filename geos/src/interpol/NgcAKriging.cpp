@@ -1,6 +1,5 @@
 #include "geos/interpol/NgcAKriging.h"
 
-#include "basic/base/NbbMessage.h"
 #include "basic/error/NbeAssertion.h"
 #include "geos/data/NgdADataSet.h"
 #include "geos/matrix/NgmKrigingSystemDual.h"
@@ -42,8 +41,6 @@ void NgcAKriging::_preLaunchThreads()
   if (!isUsingMoving())
     _buildUniqueKrigingSystem();
 }
-
-void NgcAKriging::_postLaunchThreads() {}
 
 void NgcAKriging::_setModelContext()
 {

@@ -210,6 +210,12 @@ NbgVector3D NgmAVStruct::getTheoRanges() const
   return dividedByPositive(_scale, _anisotropy);
 }
 
+void NgmAVStruct::normalizeStructure(double d)
+{
+  _scale /= d;
+  _setupParameters();
+}
+
 QStringList NgmAVStruct::summary(const QString &prefix) const
 {
   return {prefix + QObject::tr("Ranges: ") + getPracticalRanges().toString(),

@@ -64,7 +64,6 @@ protected:
   void _checkDatasets() override;
   void _addRuntimeConstraints() override;
   void _initBufferManager() override;
-  void _initCalculatorCounter() override;
   const NgdADataSet *_bufferDataset() const override;
 
   /// Called when the samples are loaded, before (after) the workers run.

@@ -38,7 +38,6 @@ protected:
   void _addRuntimeConstraints() override;
   void _preProcessing() override;
   void _preLaunchThreads() override;
-  void _postLaunchThreads() override;
 
 private:
   void _setModelContext();

@@ -7,7 +7,7 @@
 /// Standard normal law given that the value lies in [min, max]. An undefined min is -20, an
 /// undefined max is 20.
 ///
-/// Sample:   rejection, the interval being cut at -2, 0 and 2 each piece with its own
+/// Sample:   rejection, the interval being cut at -2, 0 and 2, each piece with its own
 ///           envelope: exponential between the cuts, |x| exp(-x^2 / 2) beyond them. A uniform value
 ///           when the pieces have no weight (empty interval, or so far out that the density
 ///           underflows).

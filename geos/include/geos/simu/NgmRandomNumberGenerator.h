@@ -22,7 +22,7 @@ class NgmRandomNumberGenerator
 {
 public:
   /// Constant sets: modulus, multiplier, offset.
-  enum tSize {
+  enum tSize : int {
     SIZE_0 = 0,  ///< 256, 137, 187
     SIZE_1 = 1,  ///< 32363, 157, 0
     SIZE_2 = 2,  ///< 32749, 162, 0
