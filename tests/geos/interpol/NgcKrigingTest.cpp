@@ -230,6 +230,38 @@ TEST(NgcKriging, LeavesTargetsWithoutNeighborsUndefined)
   EXPECT_GT(nDefined, 0);
 }
 
+TEST(NgcKriging, TakesASampleInProximityAsItIs)
+{
+  const auto points = samples({12., 20., 32.}, {10., 25., 10.}, {1., 2., 3.});
+  const auto grid = testsupport::makeGrid2D(20, 20);
+  NgmNeighborhoodMoving neighborhood = nearest(16);
+  neighborhood.setRuleProximity(true, NbgVector3D(3.5, 5., 0.));
+
+  NgcKriging kriging(QStringLiteral("KRIGING"));
+  kriging.setInputDataSet(input(points));
+  kriging.setOutputDataSet(output<NgdDataSetGrid>(grid));
+  kriging.setVarioModel(sphericalModel(0.1, 0.9, NbgVector3D(100., 100., 100.)));
+  kriging.setUsingMovingNeighborhood(neighborhood);
+  ASSERT_EQ(kriging.execute(), NbcAProgress::COMPLETED);
+
+  const std::vector<double> estimates = gridValues(*grid, QStringLiteral("estimate"));
+  const std::vector<double> deviations = gridValues(*grid, QStringLiteral("stdev"));
+  int nProxy = 0;
+  for (std::size_t rank = 0; rank < estimates.size(); ++rank) {
+    const NbgVector3D center = grid->getGridGeometry().getCellCenter(qint64(rank));
+    double expected = 0.;
+    for (const auto &[x, y, z] :
+         {std::tuple(32., 10., 3.), std::tuple(20., 25., 2.), std::tuple(12., 10., 1.)}) {
+      if (std::abs(center.x() - x) <= 3.5 && std::abs(center.y() - y) <= 5.)
+        expected = z;
+    }
+    EXPECT_EQ(deviations[rank] == 0., expected > 0.) << rank;
+    EXPECT_TRUE(expected == 0. || estimates[rank] == expected) << rank;
+    nProxy += expected > 0.;
+  }
+  EXPECT_GE(nProxy, 3);
+}
+
 TEST(NgcKriging, IgnoresUndefinedAndUnselectedSamples)
 {
   const std::vector<double> x = {10., 40., 70., 100., 130.};

@@ -147,13 +147,16 @@ public:
 private:
   struct _Level;
 
-  /// A column of the loaded samples and its twin in the neighbors.
+  /// A column of the loaded samples and its twin in the neighbors; doubles and 64-bit integers are
+  /// copied through their arrays.
   struct _Column
   {
     const NbdAVariable *from;
     NbdAVariable *to;
-    NbdVariableDouble *toDouble;
-    const double *values;
+    NbdVariableDouble *toDouble = nullptr;
+    const double *doubles = nullptr;
+    NbdVariableInt64 *toInt64 = nullptr;
+    const qint64 *integers = nullptr;
   };
 
   void _initializeUnique(const QList<NbdAVariableNumeric *> &mainVariables);

@@ -264,10 +264,12 @@ void NgdNeighborhoodContext::_prepareColumns()
   const QList<NbdAVariable *> from = data.getDataTableConst().getAllVars();
   const QList<NbdAVariable *> to = _neighbors.getDataTable().getAllVars();
   for (int i = 0; i < from.size(); ++i) {
-    auto *toDouble = dynamic_cast<NbdVariableDouble *>(to[i]);
-    const auto *fromDouble = dynamic_cast<const NbdVariableDouble *>(from[i]);
-    _columns.push_back(
-        {from[i], to[i], toDouble, toDouble ? fromDouble->getArrayConst() : nullptr});
+    _Column column = {from[i], to[i]};
+    if ((column.toDouble = dynamic_cast<NbdVariableDouble *>(to[i])))
+      column.doubles = static_cast<const NbdVariableDouble *>(from[i])->getArrayConst();
+    else if ((column.toInt64 = dynamic_cast<NbdVariableInt64 *>(to[i])))
+      column.integers = static_cast<const NbdVariableInt64 *>(from[i])->getArrayConst();
+    _columns.push_back(column);
   }
   for (NbdAVariableNumeric *variable : _mainVariables) {
     const int column = from.indexOf(variable);
@@ -543,7 +545,11 @@ void NgdNeighborhoodContext::_copySelected()
     if (column.toDouble) {
       double *to = column.toDouble->getArray();
       for (int i = 0; i < _count; ++i)
-        to[i] = column.values[_ranks[i]];
+        to[i] = column.doubles[_ranks[i]];
+    } else if (column.toInt64) {
+      auto *to = column.toInt64->getArray();
+      for (int i = 0; i < _count; ++i)
+        to[i] = column.integers[_ranks[i]];
     } else {
       for (int i = 0; i < _count; ++i)
         column.to->copyValuesFrom(*column.from, _ranks[i], i, 1);

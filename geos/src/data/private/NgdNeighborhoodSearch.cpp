@@ -135,6 +135,12 @@ bool NgdNeighborhoodSearch::_collectNearest()
 {
   for (int wanted = _perSector + 1; wanted <= mostProposals; wanted *= 4) {
     _tree.proposeNearest(_center, wanted, _volume->squaredReach, samples.usable.data(), _proposals);
+    for (int i = 0; i < _proposals.count; ++i) {
+      const int rank = _proposals.ranks[i];
+      __builtin_prefetch(samples.x + rank);
+      __builtin_prefetch(samples.y + rank);
+      __builtin_prefetch(samples.z + rank);
+    }
     bool isComplete = _proposals.count < wanted;
     int nSurvivors = 0;
     _candidates.clear();
