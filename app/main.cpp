@@ -4,6 +4,9 @@
 
 #include <QApplication>
 
+#include <langinfo.h>
+#include <malloc.h>
+
 #include <clocale>
 #include <cstdio>
 
@@ -19,11 +22,28 @@ void receive(QtMsgType type, const QMessageLogContext &context, const QString &t
     std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, text)));
 }
 
+/// In a locale without an encoding (containers often have none) names of files could only be ASCII.
+void requireUtf8()
+{
+  std::setlocale(LC_CTYPE, "");
+  if (qstrcmp(nl_langinfo(CODESET), "UTF-8") != 0)
+    qputenv("LC_ALL", "C.UTF-8");
+}
+
+/// Freed buffers stay with the process, or every large one is paid for in page faults again.
+void keepFreedMemory()
+{
+  mallopt(M_MMAP_THRESHOLD, 1 << 30);
+  mallopt(M_TRIM_THRESHOLD, 1 << 30);
+}
+
 }  // namespace
 
 int main(int argc, char **argv)
 {
   qputenv("QT_QPA_PLATFORM", "offscreen");  // pictures are drawn without a display
+  keepFreedMemory();
+  requireUtf8();
   qInstallMessageHandler(receive);
   const QApplication application(argc, argv);
   std::setlocale(LC_NUMERIC, "C");

@@ -19,7 +19,7 @@
 namespace orvenal {
 
 StudyRun::StudyRun(const Job &job, Console &console)
-    : _console(console), _context{console, job.threads, job.memory, [this] { _files.discard(); }}
+    : _console(console), _context{console, job.threads, job.memory, [this] { _abandon(); }}
 {
   _result.job = job;
 }
@@ -34,6 +34,12 @@ void StudyRun::run()
   _console.print('\n' + textStatistics(_result) + '\n');
   _drawMaps();
   _writeFiles();
+}
+
+void StudyRun::_abandon()
+{
+  _files.discard();
+  _console.error(QObject::tr("interrupted; nothing was written"));
 }
 
 void StudyRun::_reserveOutputs()
@@ -77,17 +83,14 @@ void StudyRun::_drawMaps()
                       !job.output.deviationMap.isEmpty();
   if (!wanted || !grid.geometry.is2D())
     return;
-  const QString count = Progress::grouped(_result.samples.getCount());
   MapStyle style;
   style.title = job.title;
   style.lengthUnit = job.lengthUnit;
-  style.subtitle = QObject::tr("%1. Circles: %2 samples, filled by their value.")
-                       .arg(Describe::method(job), count);
+  style.subtitle = Describe::method(job);
   style.valueLabel = Describe::estimateLabel(job);
   style.coloredSamples = true;
   _result.estimateMap = toPng(drawMap(grid.geometry, grid.estimate, _result.samples, style));
   Interruption::check();
-  style.subtitle = QObject::tr("%1. Circles: %2 samples.").arg(Describe::method(job), count);
   style.valueLabel = Describe::deviationLabel(job);
   style.colors = ColorScale::CIVIDIS;
   style.coloredSamples = false;

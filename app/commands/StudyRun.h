@@ -17,6 +17,7 @@ public:
   void run();
 
 private:
+  void _abandon();
   void _reserveOutputs();
   void _readData();
   void _krige();

@@ -83,7 +83,7 @@ QString Progress::barLine(const QString &action, double fraction, double seconds
 QString Progress::duration(double seconds)
 {
   if (seconds < 60.)
-    return QObject::tr("%1 s").arg(std::round(seconds * 10.) / 10.);
+    return QObject::tr("%1 s").arg(seconds, 0, 'g', 2);
   const qint64 whole = std::llround(seconds);
   const auto twoDigits = [](qint64 n) { return QString::number(n).rightJustified(2, '0'); };
   const QString minutes = whole < 3600

@@ -37,8 +37,8 @@ NbgRotation readFrame(const JobObject &object, int nDimensions, bool needed)
                             "north in degrees"));
   if (!needed && nDimensions < 3)
     return NbgRotation();
-  if (!std::any_of(angleKeys().cbegin(), angleKeys().cend(),
-                   [&](const QString &key) { return object.has(key); }))
+  const QStringList keys = angleKeys();
+  if (std::none_of(keys.begin(), keys.end(), [&](const QString &key) { return object.has(key); }))
     return NbgRotation();
   return Compass::frame(readAngle(object, QStringLiteral("azimuth")),
                         readAngle(object, QStringLiteral("dip")),

@@ -1,5 +1,6 @@
 #include "app/plot/MapPicture.h"
 
+#include "app/console/Progress.h"
 #include "app/plot/MapRaster.h"
 #include "app/plot/PlotLibrary.h"
 #include "app/study/Samples.h"
@@ -100,7 +101,24 @@ QString wrapped(const QString &text, const QFont &font, double width)
   return QStringList(lines.mid(0, mostLines)).join('\n');
 }
 
-/// Circles at the samples, crosses where the value is undefined.
+/// More samples than this would hide the map.
+constexpr qint64 mostCircles = 5000;
+
+QString legendOf(const Samples &samples, bool isColored)
+{
+  const QString count = Progress::grouped(samples.getCount());
+  if (samples.getCount() == 0)
+    return QString();
+  if (samples.getCount() > mostCircles)
+    return QObject::tr("Dots: some of %1 samples.").arg(count);
+  QString legend = isColored ? QObject::tr("Circles: %1 samples, filled by their value.").arg(count)
+                             : QObject::tr("Circles: %1 samples.").arg(count);
+  if (samples.nUndefined > 0)
+    legend += QObject::tr(" Crosses: no value.");
+  return legend;
+}
+
+/// Circles at the samples, crosses where the value is undefined; dots when they are many.
 class SampleMarks : public QCPLayerable
 {
 public:
@@ -124,27 +142,35 @@ protected:
 
   void draw(QCPPainter *painter) override
   {
-    const double radius = _radius();
+    if (_samples.getCount() > mostCircles) {
+      _drawDots(*painter);
+      return;
+    }
     for (std::size_t i = 0; i < _samples.x.size(); ++i) {
-      const QPointF center(_plot.xAxis->coordToPixel(_samples.x[i]),
-                           _plot.yAxis->coordToPixel(_samples.y[i]));
       if (NbbGlobal::isDefined(_samples.value[i]))
-        _drawCircle(*painter, center, radius, _samples.value[i]);
+        _drawCircle(*painter, _centerOf(i), _samples.value[i]);
       else
-        _drawCross(*painter, center, radius);
+        _drawCross(*painter, _centerOf(i));
     }
   }
 
 private:
+  QPointF _centerOf(std::size_t sample) const
+  {
+    return QPointF(_plot.xAxis->coordToPixel(_samples.x[sample]),
+                   _plot.yAxis->coordToPixel(_samples.y[sample]));
+  }
+
   double _radius() const
   {
     const double n = double(std::max<qint64>(1, _samples.getCount()));
-    return std::clamp(60. / std::sqrt(n), 0.8, 3.2);
+    return std::clamp(60. / std::sqrt(n), 1., 3.2);
   }
 
-  void _drawCircle(QCPPainter &painter, const QPointF &center, double radius, double value)
+  void _drawCircle(QCPPainter &painter, const QPointF &center, double value)
   {
     // A white ring around the dark line sets the mark off from dark and light cells.
+    const double radius = _radius();
     painter.setPen(QPen(Qt::white, 2.));
     painter.setBrush(Qt::NoBrush);
     painter.drawEllipse(center, radius + 0.6, radius + 0.6);
@@ -153,14 +179,38 @@ private:
     painter.drawEllipse(center, radius, radius);
   }
 
-  void _drawCross(QCPPainter &painter, const QPointF &center, double radius)
+  void _drawCross(QCPPainter &painter, const QPointF &center)
   {
-    const QPointF up(radius, -radius);
-    const QPointF down(radius, radius);
+    const QPointF up(_radius(), -_radius());
+    const QPointF down(_radius(), _radius());
     for (const QPen &pen : {QPen(Qt::white, 2.6), QPen(Qt::black, 1.2)}) {
       painter.setPen(pen);
       painter.drawLine(center - up, center + up);
       painter.drawLine(center - down, center + down);
+    }
+  }
+
+  /// The first sample of each square.
+  void _drawDots(QCPPainter &painter)
+  {
+    constexpr double square = 6.;
+    constexpr double dot = 1.2;
+    const QRect area = clipRect();
+    const int nColumns = int(area.width() / square) + 1;
+    std::vector<bool> taken(std::size_t(nColumns) * std::size_t(area.height() / square + 1.));
+    for (std::size_t i = 0; i < _samples.x.size(); ++i) {
+      const QPointF center = _centerOf(i);
+      if (!area.contains(center.toPoint()))
+        continue;
+      const int column = int((center.x() - area.left()) / square);
+      const int row = int((center.y() - area.top()) / square);
+      const std::size_t place =
+          std::size_t(std::max(0, row)) * std::size_t(nColumns) + std::size_t(std::max(0, column));
+      if (place >= taken.size() || taken[place])
+        continue;
+      taken[place] = true;
+      painter.fillRect(QRectF(center.x() - dot, center.y() - dot, 2. * dot, 2. * dot), Qt::white);
+      painter.fillRect(QRectF(center.x() - dot / 2., center.y() - dot / 2., dot, dot), Qt::black);
     }
   }
 
@@ -287,7 +337,9 @@ QImage drawMap(const NbgGeomGrid &grid, const std::vector<double> &values, const
   QCustomPlot plot;
   plot.addLayer(QStringLiteral("marks"), plot.layer(QStringLiteral("axes")), QCustomPlot::limAbove);
   addText(plot, style.title, fontOf(13, true), area.width() + 80.);
-  addText(plot, style.subtitle, fontOf(9), area.width() + 80.);
+  QStringList remarks = {style.subtitle, legendOf(samples, style.coloredSamples)};
+  remarks.removeAll(QString());
+  addText(plot, remarks.join(QStringLiteral(". ")), fontOf(9), area.width() + 80.);
   styleAxis(*plot.xAxis, axisLabel(QObject::tr("x"), style.lengthUnit));
   styleAxis(*plot.yAxis, axisLabel(QObject::tr("y"), style.lengthUnit));
   plot.axisRect()->setupFullAxesBox();

@@ -19,7 +19,7 @@ enum class ColorScale { VIRIDIS, CIVIDIS };
 struct MapStyle
 {
   QString title;
-  QString subtitle;
+  QString subtitle;    ///< what the marks of the samples mean is added to it
   QString valueLabel;  ///< beside the colour scale, with the unit
   QString lengthUnit;  ///< of the axes; may be empty
   ColorScale colors = ColorScale::VIRIDIS;
@@ -27,8 +27,9 @@ struct MapStyle
 };
 
 /// Draws a two-dimensional grid in colour with the samples on top: x to the right and y up at one
-/// scale, ticks and labels on the axes, the colour scale to the right. The same input gives the
-/// same pixels. Needs a QApplication; no display.
+/// scale, ticks and labels on the axes, the colour scale to the right. Thousands of samples would
+/// hide the map: they are thinned to dots, one in each small square of the picture. The same input
+/// gives the same pixels. Needs a QApplication; no display.
 QImage drawMap(const NbgGeomGrid &grid, const std::vector<double> &values, const Samples &samples,
                const MapStyle &style);
 

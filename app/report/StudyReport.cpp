@@ -40,6 +40,7 @@ p { margin: .4rem 0; }
 .maps img { width: 100%; height: auto; }
 figcaption { font-size: .85rem; color: #4a5a6a; }
 .scroll { overflow-x: auto; margin: .5rem 0; }
+#model .scroll td { white-space: nowrap; }
 table { border-collapse: collapse; font-size: .9rem; font-variant-numeric: tabular-nums; }
 th, td { padding: .25rem .6rem; border: 1px solid #dbe3ec; vertical-align: top; }
 th { font-weight: 600; }

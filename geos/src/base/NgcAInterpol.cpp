@@ -108,6 +108,16 @@ int NgcAInterpol::getNDimensions() const
   return getOutputDataset() ? getOutputDataset()->getNDimensions() : 0;
 }
 
+NbgBox NgcAInterpol::getBoundingBox() const
+{
+  NbgBox box;
+  for (const NgdADataSet *dataSet : {getInputDataset(), getOutputDataset()}) {
+    if (dataSet)
+      dataSet->updateBoundingBox(box);
+  }
+  return box;
+}
+
 bool NgcAInterpol::isGridOutputDataset() const
 {
   return getOutputDataset() && getOutputDataset()->isGrid();
@@ -211,11 +221,6 @@ void NgcAInterpol::_initBufferManager()
 {
   const qint64 memory = std::max<qint64>(getAvailableMemBytes() - _neededMemory, 1);
   _getBufferManager()->tuneBufferSize(memory, getNThread(), preferredBuffers);
-}
-
-void NgcAInterpol::_initCalculatorCounter()
-{
-  NgcACalculatorBuffer::_initCalculatorCounter();
 }
 
 const NgdADataSet *NgcAInterpol::_bufferDataset() const

@@ -1,48 +1,19 @@
 #include "geos/interpol/NgmBlock.h"
 
+#include "basic/data/NbdAVariableNumeric.h"
 #include "basic/error/NbeAssertion.h"
-#include "basic/error/NbeUserError.h"
+#include "geos/simu/NgmDistributionUniformD.h"
 
-#include <QObject>
-
-#include <cmath>
-
-namespace {
-
-/// Points that a block may be discretized into: 24 bytes each, below the limit of Qt's vectors.
-constexpr double MAXIMUM_POINTS = 5e7;
-
-}  // namespace
+#include <memory>
 
 NbgIntVector3D NgmBlock::getDiscretizationPointsNumber() const
 {
-  QString why;
-  if (!isDiscretizationDefined(why) || (_hasStepsSize() && !isSizeDefined(why)))
-    NBE_FAIL(why);
-  NbgIntVector3D numbers(1, 1, 1);
-  double total = 1.;
-  for (int axis = 0; axis < _nAxes(); ++axis) {
-    const double number =
-        _hasStepsSize() ? std::ceil(_size[axis] / _stepsSize[axis]) : _pointsNumber[axis];
-    total *= number;
-    if (!(total <= MAXIMUM_POINTS))
-      throw NbeUserError(QObject::tr("A block is discretized into more than %1 points: enlarge the "
-                                     "steps or reduce the numbers of points.")
-                             .arg(MAXIMUM_POINTS));
-    numbers[axis] = int(number);
-  }
-  return numbers;
+  return _calcPointsNumber();
 }
 
 NbgVector3D NgmBlock::getDiscretizationStepsSize() const
 {
-  QString why;
-  if (!isDiscretizationDefined(why) || (_hasPointsNumber() && !isSizeDefined(why)))
-    NBE_FAIL(why);
-  if (_hasStepsSize())
-    return _stepsSize;
-  const NbgIntVector3D numbers = getDiscretizationPointsNumber();
-  return {_size.x() / numbers.x(), _size.y() / numbers.y(), _size.z() / numbers.z()};
+  return _calcStepsSize();
 }
 
 NbgVector3D NgmBlock::getSize() const
@@ -60,25 +31,46 @@ bool NgmBlock::isSizeDefined(QString &why) const
 
 int NgmBlock::getDiscretizationPoints(QVector<NbgVector3D> &points) const
 {
-  _check(true);
-  const NbgIntVector3D numbers = getDiscretizationPointsNumber();
-  const NbgVector3D steps = getDiscretizationStepsSize();
-  const NbgVector3D u = _rotation.localToWorld({steps.x(), 0., 0.});
-  const NbgVector3D v = _rotation.localToWorld({0., steps.y(), 0.});
-  const NbgVector3D w = _rotation.localToWorld({0., 0., steps.z()});
-  NbgVector3D first = 0.5 * steps - 0.5 * _size;
-  if (!is3D())
-    first.setZ(0.);
-  const NbgVector3D origin = _rotation.localToWorld(first);
-
-  const int count = int(numbers.product());
-  points.resize(count);
+  const Cells cells = _calcCells();
+  points.resize(int(cells.numbers.product()));
   NbgVector3D *point = points.data();
-  for (int i = 0; i < numbers.x(); ++i)
-    for (int j = 0; j < numbers.y(); ++j)
-      for (int k = 0; k < numbers.z(); ++k)
-        *point++ = origin + double(i) * u + double(j) * v + double(k) * w;
-  return count;
+  for (int i = 0; i < cells.numbers.x(); ++i)
+    for (int j = 0; j < cells.numbers.y(); ++j)
+      for (int k = 0; k < cells.numbers.z(); ++k)
+        *point++ = cells.origin + double(i) * cells.u + double(j) * cells.v + double(k) * cells.w;
+  return points.size();
+}
+
+void NgmBlock::getRandomPoints(qint64 seed, QVector<NbgVector3D> &points, bool randomW) const
+{
+  const Cells cells = _calcCells();
+  NgmDistributionUniformD uniform{quint64(seed)};
+  points.resize(int(cells.numbers.product()));
+  NbgVector3D *point = points.data();
+  for (int i = 0; i < cells.numbers.x(); ++i)
+    for (int j = 0; j < cells.numbers.y(); ++j)
+      for (int k = 0; k < cells.numbers.z(); ++k) {
+        const double u = uniform.nextR() - 0.5;
+        const double v = uniform.nextR() - 0.5;
+        const double w = randomW && is3D() ? uniform.nextR() - 0.5 : 0.;
+        *point++ = cells.origin + (i + u) * cells.u + (j + v) * cells.v + (k + w) * cells.w;
+      }
+}
+
+NgmBlock *NgmBlock::getResizedBlock(int index,
+                                    const QList<NbdAVariableNumeric *> &sizeVariables) const
+{
+  auto block = std::make_unique<NgmBlock>(*this);
+  if (index >= 0 && !sizeVariables.isEmpty()) {
+    const int n = sizeVariables.size();
+    if (n != 2 && n != 3)
+      NBE_FAIL(QStringLiteral("2 or 3 block sizes are expected."));
+    NbgVector3D size;
+    for (int axis = 0; axis < n; ++axis)
+      size[axis] = sizeVariables[axis]->getValue(index);
+    block->setSize(size);
+  }
+  return block.release();
 }
 
 bool NgmBlock::isValid() const
@@ -86,11 +78,18 @@ bool NgmBlock::isValid() const
   return _check(false);
 }
 
-bool NgmBlock::_check(bool raise) const
+NgmBlock::Cells NgmBlock::_calcCells() const
 {
-  QString why;
-  const bool valid = isBlockDefined(why) && isDiscretizationDefined(why);
-  if (!valid && raise)
-    NBE_FAIL(why);
-  return valid;
+  _check(true);
+  const NbgVector3D steps = _calcStepsSize();
+  NbgVector3D first = 0.5 * steps - 0.5 * _size;
+  if (!is3D())
+    first.setZ(0.);
+  Cells cells;
+  cells.numbers = _calcPointsNumber();
+  cells.origin = _rotation.localToWorld(first);
+  cells.u = _rotation.localToWorld({steps.x(), 0., 0.});
+  cells.v = _rotation.localToWorld({0., steps.y(), 0.});
+  cells.w = _rotation.localToWorld({0., 0., steps.z()});
+  return cells;
 }

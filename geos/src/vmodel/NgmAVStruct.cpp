@@ -132,8 +132,9 @@ void NgmAVStruct::calcCovas(const Separations &separations, double sill, bool ad
   const Separations &s = separations;
   for (int t = 0; t < s.nTargets; ++t) {
     double *out = covas + t * stride;
-    for (int first = 0; first < s.nSamples; first += BLOCK) {
-      const int count = std::min(BLOCK, s.nSamples - first);
+    const int n = s.nSamplesOf(t);
+    for (int first = 0; first < n; first += BLOCK) {
+      const int count = std::min(BLOCK, n - first);
       for (int k = 0; k < count; ++k) {
         const int i = first + k;
         const NgmCovaKernels::Vector v = NgmCovaKernels::reduce(
@@ -208,6 +209,12 @@ NbgVector3D NgmAVStruct::getPracticalRanges() const
 NbgVector3D NgmAVStruct::getTheoRanges() const
 {
   return dividedByPositive(_scale, _anisotropy);
+}
+
+void NgmAVStruct::normalizeStructure(double d)
+{
+  _scale /= d;
+  _setupParameters();
 }
 
 QStringList NgmAVStruct::summary(const QString &prefix) const

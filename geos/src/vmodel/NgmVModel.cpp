@@ -6,6 +6,7 @@
 #include "geos/NgmEnumGlobal.h"
 #include "geos/interpol/NgmTarget.h"
 #include "geos/vmodel/NgmAVStruct.h"
+#include "geos/vmodel/NgmAVStructMatern.h"
 #include "geos/vmodel/NgmVStructFactory.h"
 #include "vmodel/private/NgmBulkCovas.h"
 #include "vmodel/private/NgmVModelCovaCache.h"
@@ -89,7 +90,8 @@ NgmVModel::NgmVModel(const NgmVModel &other)
       _globalRotation(other._globalRotation),
       _nugget(other._nugget),
       _sills(other._sills),
-      _c00(other._nVariables, other._nVariables, true)
+      _c00(other._nVariables, other._nVariables, true),
+      _tapering(other._tapering ? std::make_unique<NgmTapering>(*other._tapering) : nullptr)
 {
   for (const auto &structure : other._structures)
     _structures.push_back(NgmVStructFactory::createVStruct(*structure));
@@ -100,6 +102,7 @@ NgmVModel &NgmVModel::operator=(const NgmVModel &other)
   if (this != &other) {
     NgmVModel copy(other);
     _take(copy);
+    _tapering = std::move(copy._tapering);
   }
   return *this;
 }
@@ -173,6 +176,24 @@ int NgmVModel::addStructure(const NgmAVStruct &structure, const NgmMatrix &sills
   return _addStructure(structure, sills);
 }
 
+void NgmVModel::replaceStructureType(int index, const QString &label)
+{
+  if (!_isStructure(index))
+    throw NbeProgrammingError(
+        QStringLiteral("NgmVModel::replaceStructureType: Invalid structure index"));
+  std::unique_ptr<NgmAVStruct> structure =
+      NgmVStructFactory::createTemplateVStruct(NgmEVStruct::fromLabel(label, NgmEVStruct::UNKNOWN));
+  if (!structure)
+    throw NbeProgrammingError(
+        QStringLiteral("NgmVModel::replaceStructureType: Invalid structure type"));
+  const NgmAVStruct &replaced = getStructure(index);
+  structure->setContext(_context);
+  structure->setRanges(replaced.getPracticalRanges());
+  structure->setRotation(replaced.getRotation());
+  _structures[std::size_t(index)] = std::move(structure);
+  _validateModel();
+}
+
 void NgmVModel::removeStructure(int index)
 {
   if (!_isStructure(index))
@@ -187,6 +208,13 @@ void NgmVModel::removeStructure(int index)
 void NgmVModel::removeNugget()
 {
   setNuggetMatrix(NgmMatrix(_nVariables, _nVariables, true));
+}
+
+void NgmVModel::removeNullStructures()
+{
+  for (int k = getNStructures() - 1; k >= 0; --k)
+    if (getCoregionalisationMatrix(k).isNull())
+      removeStructure(k);
 }
 
 const NgmAVStruct &NgmVModel::getStructure(int index) const
@@ -289,6 +317,21 @@ double NgmVModel::getSill(int index, int variable, double h) const
   return (rho[0] - rho[1]) * sill;
 }
 
+NgmMatrix NgmVModel::getCumulativeSill(bool withNugget, const NbgVector3D &h) const
+{
+  NgmMatrix sills(_nVariables, 1, false);
+  const auto add = [&](double factor, const NgmMatrix &matrix) {
+    for (int v = 0; v < _nVariables; ++v)
+      sills.setElement(v, 0, sills(v, 0) + factor * matrix(v, v));
+  };
+  if (withNugget && hasNugget())
+    add(1., _nugget);
+  for (int k = 0; k < getNStructures(); ++k)
+    if (!getCoregionalisationMatrix(k).isNull())
+      add(1. - calcElementaryStructure(h, k), getCoregionalisationMatrix(k));
+  return sills;
+}
+
 const NgmMatrix &NgmVModel::getC00Matrix() const
 {
   _updateC00();
@@ -297,8 +340,7 @@ const NgmMatrix &NgmVModel::getC00Matrix() const
 
 double NgmVModel::getC0IJ(int i, int j) const
 {
-  if (!_isVariable(i) || !_isVariable(j))
-    throw NbeProgrammingError(QStringLiteral("NgmVModel::getC0IJ: Invalid arguments"));
+  _checkVariables(i, j);
   return getC00Matrix().getElement(i, j);
 }
 
@@ -408,6 +450,15 @@ bool NgmVModel::isIsotropic2D() const
                      [](const auto &structure) { return structure->isIsotropic2D(); });
 }
 
+bool NgmVModel::isPureMatern(bool acceptNugget) const
+{
+  const auto isMatern = [](const auto &structure) {
+    return dynamic_cast<const NgmAVStructMatern *>(structure.get()) != nullptr;
+  };
+  return (acceptNugget || !hasNugget()) &&
+         std::all_of(_structures.begin(), _structures.end(), isMatern);
+}
+
 void NgmVModel::calcCova(const NbgVector3D &h, NgmMatrix &covas) const
 {
   const NgmMatrix *c00 = h == NbgVector3D::Null ? &getC00Matrix() : nullptr;
@@ -493,9 +544,54 @@ void NgmVModel::calcCovasPointSet(const NbgVector3D &target, int n, const double
   NgmBulkCovas::pointSet(*this, target, n, {x, y, z}, covas, cache ? *cache : *own);
 }
 
+void NgmVModel::calcCovasBlockSet(const NgmTarget &target, const NbdVariableDouble &x,
+                                  const NbdVariableDouble &y, const NbdVariableDouble &z,
+                                  NgmMatrix &covas, NgmVModelCovaCache *cache) const
+{
+  const NgmVModelCovaCachePtr own = cache ? nullptr : getCovaCache();
+  NgmVModelCovaCache &used = cache ? *cache : *own;
+  target.getDiscretizationPoints(used.blockPoints);
+  calcCovasBlockSet(used.blockPoints.size(), used.blockPoints.constData(), int(x.getNValues()),
+                    x.getArrayConst(), y.getArrayConst(), z.getArrayConst(), covas, &used);
+}
+
+void NgmVModel::calcCovasBlockSet(int nPoints, const NbgVector3D *points, int n, const double *x,
+                                  const double *y, const double *z, NgmMatrix &covas,
+                                  NgmVModelCovaCache *cache) const
+{
+  if (covas.getNRows() < qint64(n) * _nVariables)
+    NBE_FAIL(QStringLiteral("wrong number of rows"));
+  if (covas.getNColumns() != _nVariables)
+    NBE_FAIL(QStringLiteral("wrong number of columns"));
+  const NgmVModelCovaCachePtr own = cache ? nullptr : getCovaCache();
+  NgmBulkCovas::blockSet(*this, nPoints, points, n, {x, y, z}, covas, cache ? *cache : *own);
+}
+
 NgmVModelCovaCachePtr NgmVModel::getCovaCache()
 {
   return NgmVModelCovaCachePtr(new NgmVModelCovaCache);
+}
+
+void NgmVModel::setTapering(const NbgVector3D &ranges, NgmTapering::TaperingType type)
+{
+  auto tapering = std::make_unique<NgmTapering>();
+  tapering->setNDim(_context.getNDimensions());
+  tapering->setRanges(ranges);
+  tapering->setType(type);
+  _tapering = std::move(tapering);
+}
+
+double NgmVModel::calcTapering(const NbgVector3D &h) const
+{
+  if (!_tapering)
+    return 1.;
+  const bool isRotated = _hasRotation && _hasGlobalRotation;
+  return _tapering->calcTapering(isRotated ? _globalRotation.worldToLocal(h) : h);
+}
+
+double NgmVModel::calcTaperedCovaIJ(int i, int j, const NbgVector3D &h) const
+{
+  return isNearOrigin(h) ? getC0IJ(i, j) : calcCovaIJ(i, j, h) * calcTapering(h);
 }
 
 bool NgmVModel::makeAuthorized()
@@ -530,10 +626,7 @@ int NgmVModel::_addStructure(const NgmAVStruct &structure, const NgmMatrix &sill
   if (hasNegativeEigenvalue(sills))
     throw NbeProgrammingError(
         QStringLiteral("NgmVModel::_addStructure: sills matrix must be positive definite"));
-  std::unique_ptr<NgmAVStruct> copy = NgmVStructFactory::createVStruct(structure);
-  copy->setContext(_context);
-  _sills.push_back(symmetrical(sills));
-  _structures.push_back(std::move(copy));
+  _appendStructure(structure, sills);
   _validateModel();
   return getNStructures() - 1;
 }
@@ -559,6 +652,12 @@ void NgmVModel::_validateModel()
   _updateEffectiveIrfDegree();
 }
 
+void NgmVModel::_checkVariables(int i, int j) const
+{
+  if (!_isVariable(i) || !_isVariable(j))
+    throw NbeProgrammingError(QStringLiteral("NgmVModel::getC0IJ: Invalid arguments"));
+}
+
 NgmAVStruct &NgmVModel::_changeStructure(int index, const char *message)
 {
   if (!_isStructure(index))
@@ -575,6 +674,14 @@ int NgmVModel::_addStructureOfType(const QString &label, const NgmMatrix &sills)
     throw NbeProgrammingError(
         QStringLiteral("Invalid structure type when adding a new structure to the model"));
   return _addStructure(*structure, sills);
+}
+
+void NgmVModel::_appendStructure(const NgmAVStruct &structure, const NgmMatrix &sills)
+{
+  std::unique_ptr<NgmAVStruct> copy = NgmVStructFactory::createVStruct(structure);
+  copy->setContext(_context);
+  _sills.push_back(symmetrical(sills));
+  _structures.push_back(std::move(copy));
 }
 
 void NgmVModel::_updateEffectiveIrfDegree()

@@ -141,6 +141,7 @@ void NgmVModel::_unserialize(QDataStream &stream, unsigned int /*version*/)
   for (quint32 k = 0; k < nStructures; ++k)
     model._readStructure(stream);
   _checkStream(stream);
+  model.setContext(model._context);
   model._validateModel();
   _take(model);
 }
@@ -154,7 +155,7 @@ void NgmVModel::_readStructure(QDataStream &stream)
   _checkStream(stream);
   std::unique_ptr<NgmAVStruct> structure =
       NgmVStructFactory::createTemplateVStruct(NgmEVStruct::fromKey(key, NgmEVStruct::UNKNOWN));
-  if (!structure || structure->getIRFDegree() > _context.getMaxIrfDegree())
+  if (!structure)
     _refuse(QObject::tr("unknown structure type"));
   if (!NbbGlobal::isDefined(practicalScale) || practicalScale <= 1e-30)
     _refuse(QObject::tr("invalid range of a structure"));
@@ -181,7 +182,8 @@ void NgmVModel::_readStructure(QDataStream &stream)
   structure->_matchPracticalScale(practicalScale);
   structure->_setAnisotropy(anisotropy);
   structure->setRotation(rotation);
-  structure->setContext(_context);
+  // The degree of the drift is not part of the stream: at least what the structures need.
+  _context.setMaxIrfDegree(std::max(_context.getMaxIrfDegree(), structure->getIRFDegree()));
   _sills.push_back(_readMatrix(stream));
   _structures.push_back(std::move(structure));
 }

@@ -1,10 +1,12 @@
 #include "geos/interpol/NgmBlock.h"
 
+#include "basic/data/NbdVariableDouble.h"
 #include "basic/error/NbeProgrammingError.h"
 #include "basic/error/NbeUserError.h"
 #include "basic/geom/NbgBox.h"
 #include "basic/geom/NbgGeomCuboid.h"
 #include "basic/geom/NbgGeomGrid.h"
+#include "geos/simu/NgmDistributionUniformD.h"
 #include "support/Errors.h"
 
 #include <gtest/gtest.h>
@@ -79,6 +81,77 @@ TEST(NgmBlock, HasOnePointAlongWIn2D)
   EXPECT_EQ(block.getDiscretizationPoints(points), 16);
   for (const NbgVector3D &point : points)
     EXPECT_EQ(point.z(), 0.);
+}
+
+TEST(NgmBlock, RandomPointsLieInTheirCells)
+{
+  NgmBlock block = makeBlock(true, NbgVector3D(40., 20., 6.), NbgIntVector3D(4, 2, 3));
+  block.setRotation(NbgRotation(30., 20., 10.));
+  QVector<NbgVector3D> centres, points, again, flat;
+  block.getDiscretizationPoints(centres);
+  block.getRandomPoints(165426, points, true);
+  block.getRandomPoints(165426, again, true);
+  ASSERT_EQ(points.size(), 24);
+  EXPECT_EQ(points, again);
+  block.getRandomPoints(165427, again, true);
+  EXPECT_NE(points, again);
+  NbgVector3D largest;
+  for (int i = 0; i < 24; ++i) {
+    const NbgVector3D offset = block.getRotation().worldToLocal(points[i] - centres[i]);
+    for (int axis = 0; axis < 3; ++axis)
+      largest[axis] = std::max(largest[axis], std::abs(offset[axis]));
+  }
+  // Half a cell is (5, 5, 1).
+  EXPECT_LT(largest.x(), 5.);
+  EXPECT_GT(largest.x(), 4.);
+  EXPECT_LT(largest.z(), 1.);
+  EXPECT_GT(largest.z(), 0.8);
+  block.getRandomPoints(165426, flat, false);
+  for (int i = 0; i < 24; ++i)
+    EXPECT_NEAR(block.getRotation().worldToLocal(flat[i] - centres[i]).z(), 0., 1e-14);
+}
+
+TEST(NgmBlock, RandomPointsTakeTheirNumbersInOrder)
+{
+  NgmDistributionUniformD uniform(77);
+  QVector<NbgVector3D> points;
+  makeBlock(true, NbgVector3D(2., 4., 8.), NbgIntVector3D(2, 1, 1))
+      .getRandomPoints(77, points, true);
+  for (int i = 0; i < 2; ++i) {
+    const double u = uniform.nextR(), v = uniform.nextR(), w = uniform.nextR();
+    expectNear(points[i], NbgVector3D(i - 1. + u, 4. * v - 2., 8. * w - 4.));
+  }
+  // Two numbers per point where W does not count.
+  makeBlock(false, NbgVector3D(2., 4., 8.), NbgIntVector3D(2, 1, 1))
+      .getRandomPoints(77, points, true);
+  NgmDistributionUniformD pairs(77);
+  for (int i = 0; i < 2; ++i) {
+    const double u = pairs.nextR(), v = pairs.nextR();
+    expectNear(points[i], NbgVector3D(i - 1. + u, 4. * v - 2., 0.));
+  }
+}
+
+TEST(NgmBlock, TakesItsSizeFromVariables)
+{
+  NbdVariableDouble u(QStringLiteral("U")), v(QStringLiteral("V")), w(QStringLiteral("W"));
+  u.setVector({10., 20.});
+  v.setVector({5., 6.});
+  w.setVector({1., 2.});
+  const NgmBlock block = makeBlock(true, NbgVector3D(1., 1., 1.), NbgIntVector3D(2, 2, 2));
+  const auto sizeOf = [&](int index, const QList<NbdAVariableNumeric *> &variables) {
+    const std::unique_ptr<NgmBlock> resized(block.getResizedBlock(index, variables));
+    EXPECT_EQ(resized->getDiscretizationPointsNumber(), NbgIntVector3D(2, 2, 2));
+    QString why;
+    return resized->isSizeDefined(why) ? resized->getSize() : NbgVector3D::Undefined;
+  };
+  EXPECT_EQ(sizeOf(1, {&u, &v, &w}), NbgVector3D(20., 6., 2.));
+  EXPECT_EQ(sizeOf(-1, {&u, &v, &w}), NbgVector3D(1., 1., 1.));
+  EXPECT_EQ(sizeOf(0, {}), NbgVector3D(1., 1., 1.));
+  EXPECT_EQ(sizeOf(0, {&u, &v}), NbgVector3D::Undefined) << "no size along W";
+  EXPECT_THROW(sizeOf(0, {&u}), NbeProgrammingError);
+  const NgmBlock plane = makeBlock(false, NbgVector3D(1., 1., 0.), NbgIntVector3D(2, 2, 1));
+  const std::unique_ptr<NgmBlock> resized(plane.getResizedBlock(0, {&u, &v}));
+  EXPECT_EQ(resized->getSize(), NbgVector3D(10., 5., 0.));
 }
 
 TEST(NgmBlock, SaysWhatIsWrong)

@@ -1,7 +1,11 @@
 #include "basic/data/NbdVariableDouble.h"
+#include "geos/NgmEnumGlobal.h"
+#include "geos/interpol/NgmBlock.h"
 #include "geos/interpol/NgmTarget.h"
 #include "geos/vmodel/NgmAVStruct.h"
 #include "geos/vmodel/NgmVModel.h"
+#include "geos/vmodel/NgmVStructFactory.h"
+#include "support/AllocationCounter.h"
 #include "support/Errors.h"
 #include "support/Random.h"
 
@@ -146,6 +150,96 @@ TEST(NgmVModelCovas, TargetCovariancesAreThoseOfSingleEvaluation)
       }
 }
 
+NgmBlock makeBlock()
+{
+  NgmBlock block(true);
+  block.setSize(NbgVector3D(40., 30., 10.));
+  block.setDiscretizationPointsNumber(NbgIntVector3D(4, 3, 2));
+  block.setRotation(NbgRotation(20., 0., 0.));
+  return block;
+}
+
+TEST(NgmVModelCovas, BlockCovariancesAreMeansOverItsPoints)
+{
+  const NgmTarget target(NbgVector3D(140., 90., 11.), makeBlock());
+  QVector<NbgVector3D> points;
+  target.getDiscretizationPoints(points);
+  ASSERT_EQ(points.size(), 24);
+  Samples s(35);
+  // A sample on a point of the block: the nugget has no part in it.
+  s.x[3] = points[5].x();
+  s.y[3] = points[5].y();
+  s.z[3] = points[5].z();
+  NbdVariableDouble x(QStringLiteral("X")), y(QStringLiteral("Y")), z(QStringLiteral("Z"));
+  x.setVector(s.x);
+  y.setVector(s.y);
+  z.setVector(s.z);
+  for (const NgmVModel &base : {makeUnivariate(), makeBivariate()})
+    for (const NgmVModel &model : rotatedInAllWays(base)) {
+      const int nVariables = model.getNVariables();
+      const NgmVModel withoutNugget = model.buildFilteredModel(true, {});
+      NgmMatrix covas(35 * nVariables + 1, nVariables, false);
+      covas.fill(5.);
+      model.calcCovasBlockSet(target, x, y, z, covas);
+      EXPECT_EQ(covas(35 * nVariables, 0), 0.);
+      for (int i = 0; i < 35; ++i)
+        for (int a = 0; a < nVariables; ++a)
+          for (int b = 0; b < nVariables; ++b) {
+            double mean = 0.;
+            for (const NbgVector3D &point : points)
+              mean += withoutNugget.calcCovaIJ(a, b, point - s.at(i)) / 24.;
+            ASSERT_NEAR(covas(i * nVariables + a, b), mean, 1e-14);
+          }
+    }
+}
+
+TEST(NgmVModelCovas, BitsOfABlockCovarianceDoNotDependOnItsPlace)
+{
+  const Samples all(50);
+  QVector<NbgVector3D> points;
+  NgmTarget(NbgVector3D(33., 44., 5.), makeBlock()).getDiscretizationPoints(points);
+  for (const NgmVModel &model : {makeUnivariate(), makeBivariate()}) {
+    const int nVariables = model.getNVariables();
+    const auto blockSet = [&](int first, int n) {
+      NgmMatrix covas(n * nVariables, nVariables, false);
+      model.calcCovasBlockSet(points.size(), points.constData(), n, &all.x[first], &all.y[first],
+                              &all.z[first], covas);
+      return covas;
+    };
+    const NgmMatrix expected = blockSet(0, 50);
+    for (const int first : {1, 3, 8})
+      for (const int n : {1, 5, 30}) {
+        const NgmMatrix part = blockSet(first, n);
+        for (int row = 0; row < n * nVariables; ++row)
+          ASSERT_EQ(part(row, nVariables - 1), expected(first * nVariables + row, nVariables - 1));
+      }
+  }
+}
+
+TEST(NgmVModelCovas, NothingIsAllocatedWithACache)
+{
+  const Samples s(200);
+  NbdVariableDouble x(QStringLiteral("X")), y(QStringLiteral("Y")), z(QStringLiteral("Z"));
+  x.setVector(s.x);
+  y.setVector(s.y);
+  z.setVector(s.z);
+  const NgmTarget target(NbgVector3D(10., 20., 3.), makeBlock());
+  for (const NgmVModel &model : {makeUnivariate(), makeBivariate()}) {
+    const int n = 200 * model.getNVariables();
+    NgmMatrix all(n, n, true), point(n, model.getNVariables(), false);
+    const NgmVModelCovaCachePtr cache = NgmVModel::getCovaCache();
+    const auto evaluate = [&] {
+      model.calcAllCovas(x, y, z, all, cache.get());
+      model.calcCovasPointSet(target, x, y, z, point, cache.get());
+      model.calcCovasBlockSet(target, x, y, z, point, cache.get());
+    };
+    evaluate();
+    const testsupport::AllocationCounter counter;
+    evaluate();
+    EXPECT_EQ(counter.count(), 0);
+  }
+}
+
 TEST(NgmVModelCovas, VariablesAndArraysGiveTheSame)
 {
   const Samples s(19);
@@ -278,20 +372,90 @@ TEST(NgmVModelCovas, RotatedAnisotropyIsIsotropyOfTransformedCoordinates)
   EXPECT_EQ(actual, expected);
 }
 
-TEST(NgmVModelCovas, MatricesArePositiveDefinite)
+/// A structure of sill 1 in the dimension in which the type is a covariance, or a generalized one.
+NgmVModel makeAdmissible(const NgmEVStruct &type)
 {
-  for (const char *label : {"Spherical", "Exponential", "Cubic", "Gaussian", "Cardinal Sine",
-                            "Stable", "Gamma", "Generalized Cauchy"}) {
-    NgmVModel model(1);
-    model.addStructure(QString::fromLatin1(label), 1.);
-    model.setRanges(0, NbgVector3D(150., 100., 50.));
-    NgmMatrix covas = allCovas(model, Samples(60, 99));
+  // The exponential cosine of any period is a covariance on lines only.
+  const bool onLines = type == NgmEVStruct::EXPONENTIAL_COSINE;
+  NgmVModel model(1);
+  model.setContext(NgmModelContext(2, onLines ? 1 : 3, 400.));
+  model.addStructure(type.getLabel(), 1.);
+  if (onLines)
+    model.setAuxiliaryParameter(0, 0, 35.);
+  model.setRanges(0, NbgVector3D(150., 100., 50.));
+  return model;
+}
+
+TEST(NgmVModelCovas, MatricesOfStationaryStructuresArePositiveDefinite)
+{
+  for (const NgmEVStruct &type : NgmVStructFactory::getStructureForDegree(-1, false)) {
+    const NgmVModel model = makeAdmissible(type);
+    Samples samples(60, 99);
+    if (model.getContext().getNDimensions() == 1)
+      samples.y = samples.z = std::vector<double>(60, 0.);
+    NgmMatrix covas = allCovas(model, samples);
     // The smooth ones have eigenvalues of the order of rounding errors.
     for (int i = 0; i < 60; ++i)
       covas.addToElement(i, i, 1e-12);
-    EXPECT_TRUE(covas.isPositiveDefinite(true, false)) << label;
+    EXPECT_TRUE(covas.isPositiveDefinite(true, false)) << type.getKey();
   }
   EXPECT_TRUE(allCovas(makeBivariate(), Samples(50)).isPositiveDefinite(true, false));
+}
+
+/// The monomials of degree up to `degree` at the samples, made orthonormal by column.
+NgmMatrix orthonormalMonomials(const Samples &s, int degree)
+{
+  std::vector<std::vector<double>> columns;
+  for (int a = 0; a <= degree; ++a)
+    for (int b = 0; a + b <= degree; ++b)
+      for (int c = 0; a + b + c <= degree; ++c) {
+        std::vector<double> column(s.size());
+        for (int i = 0; i < s.size(); ++i)
+          column[i] = std::pow(s.x[i] / 150. - 1., a) * std::pow(s.y[i] / 100. - 1., b) *
+                      std::pow(s.z[i] / 20. - 1., c);
+        columns.push_back(column);
+      }
+  const int n = s.size();
+  NgmMatrix q(n, int(columns.size()), false);
+  for (std::size_t k = 0; k < columns.size(); ++k) {
+    double *v = columns[k].data();
+    for (int pass = 0; pass < 2; ++pass)  // twice is enough (Kahan)
+      for (std::size_t m = 0; m < k; ++m)
+        NgmMatrix::blasDaxpy(n, -NgmMatrix::blasDdot(n, v, 1, columns[m].data(), 1),
+                             columns[m].data(), 1, v, 1);
+    NgmMatrix::blasDscal(n, 1. / NgmMatrix::blasDnrm2(n, v, 1), v, 1);
+    q.setColumn(int(k), v);
+  }
+  return q;
+}
+
+TEST(NgmVModelCovas, GeneralizedCovariancesArePositiveWhereTheirDriftIsFilteredOut)
+{
+  const Samples samples(40, 5);
+  for (const NgmEVStruct &type : NgmVStructFactory::getStructureForDegree(99, false)) {
+    const NgmVModel model = makeAdmissible(type);
+    const int degree = model.getEffectiveIrfDegree();
+    if (degree < 0)
+      continue;
+    const NgmMatrix covas = allCovas(model, samples);
+    const NgmMatrix q = orthonormalMonomials(samples, degree);
+    NgmMatrix projector(40, 40, false);
+    projector.setIdentity();
+    projector -= q * q.transpose();
+    NgmMatrix projected = projector * covas * projector;
+    projected.scalarMultiply(0.5);
+    projected += projected.transpose();
+    // As their formulas stand, these two are so with the opposite sign.
+    if (type == NgmEVStruct::SPLINE2_GC || type == NgmEVStruct::FIFTH_ORDER_GC)
+      projected.scalarMultiply(-1.);
+
+    NgmMatrix values(false), vectors(false);
+    const double largest = projected.eigenValues(values, vectors, false, false, 1);
+    EXPECT_GT(largest, 0.) << type.getKey();
+    const double rounding = 1e-13 * NgmMatrix::blasDnrm2(1600, covas.constElements(), 1);
+    EXPECT_GT(values(0, 0), -rounding) << type.getKey();
+    EXPECT_GT(values(q.getNColumns(), 0), rounding) << type.getKey();
+  }
 }
 
 TEST(NgmVModelCovas, ManyThreadsReadOneModel)
@@ -356,11 +520,18 @@ TEST(NgmVModelCovas, RefusesMatricesOfAnotherShape)
     NgmMatrix covas(rows, columns, false);
     model.calcCovasPointSet(NbgVector3D(), 4, s.x.data(), s.y.data(), s.z.data(), covas);
   };
+  const auto block = [&](int rows, int columns) {
+    NgmMatrix covas(rows, columns, false);
+    model.calcCovasBlockSet(1, &NbgVector3D::Null, 4, s.x.data(), s.y.data(), s.z.data(), covas);
+  };
   testsupport::expectAssertion(path, QStringLiteral("wrong matrix size"), [&] { all(7, 7); });
   testsupport::expectAssertion(path, QStringLiteral("wrong matrix size"), [&] { all(8, 7); });
   testsupport::expectAssertion(path, QStringLiteral("wrong number of rows"), [&] { point(7, 2); });
   testsupport::expectAssertion(path, QStringLiteral("wrong number of columns"),
                                [&] { point(8, 1); });
+  testsupport::expectAssertion(path, QStringLiteral("wrong number of rows"), [&] { block(7, 2); });
+  testsupport::expectAssertion(path, QStringLiteral("wrong number of columns"),
+                               [&] { block(8, 1); });
   EXPECT_NO_THROW(all(8, 8));
   EXPECT_NO_THROW(point(9, 2));
 }

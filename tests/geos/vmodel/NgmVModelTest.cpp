@@ -1,6 +1,9 @@
 #include "geos/vmodel/NgmVModel.h"
 
 #include "basic/error/NbeProgrammingError.h"
+#include "geos/NgmEnumGlobal.h"
+#include "geos/vmodel/NgmAVStruct.h"
+#include "geos/vmodel/NgmVStructFactory.h"
 #include "geos/vmodel/NgmVStructStable.h"
 #include "support/Errors.h"
 #include "support/SerializationFuzz.h"
@@ -208,6 +211,34 @@ TEST(NgmVModel, StructuresTakeTheContextOfTheModel)
   EXPECT_EQ(model.getStructure(3).getContext().getNDimensions(), 2);
 }
 
+TEST(NgmVModel, RefusedContextStaysWithTheStructuresBefore)
+{
+  NgmVModel model(1);
+  model.setContextIrfDegree(0);
+  model.addStructure(SPHERICAL, 1.);
+  model.addStructure(QStringLiteral("Linear"), 1.);
+  model.addStructure(SPHERICAL, 1.);
+  EXPECT_EQ(errorOf([&] { model.setContext(NgmModelContext(-1, 2, 5.)); }),
+            QStringLiteral("NgmAVStruct::setContext: invalid Irf Degree"));
+  EXPECT_EQ(model.getStructure(0).getContext().getNDimensions(), 2);
+  EXPECT_EQ(model.getStructure(2).getContext().getNDimensions(), 3);
+  EXPECT_EQ(model.getContext().getNDimensions(), 3);
+}
+
+TEST(NgmVModel, SillOfAStructureWithoutRangeIsItsVariogram)
+{
+  NgmVModel model(1);
+  model.setContext(NgmModelContext(0, 2, 100.));
+  model.addStructure(SPHERICAL, 3.);
+  model.addStructure(QStringLiteral("Linear"), 2.);
+  model.setRangeIsotropic(1, 10.);
+  EXPECT_EQ(model.getSill(0, 0, 25.), 3.);
+  EXPECT_EQ(model.getSill(1, 0, NbbGlobal::D_FFFF), 2.);
+  EXPECT_DOUBLE_EQ(model.getSill(1, 0, 25.), 5.);
+  EXPECT_EQ(errorOf([&] { model.getSill(1, 0, 0.); }),
+            QStringLiteral("NgmVModel::getSill: invalid context"));
+}
+
 TEST(NgmVModel, RangesAndAnisotropyOfOneStructure)
 {
   NgmVModel model(1);
@@ -375,6 +406,27 @@ TEST(NgmVModel, StreamGivesBackTheModel)
     // Scales may come back changed by one unit in the last place.
     actual.setPrecision(1e-14);
     EXPECT_EQ(expected, actual);
+  }
+}
+
+TEST(NgmVModel, EveryStructureComesBackFromTheStream)
+{
+  for (const NgmEVStruct &type : NgmVStructFactory::getStructureForDegree(99, false)) {
+    NgmVModel model(1);
+    model.setContext(NgmModelContext(2, 2, 1000.));
+    model.addStructure(type.getLabel(), 2.);
+    if (model.getStructure(0).getNAuxiliaryParameters() > 0)
+      model.setAuxiliaryParameter(0, 0, 1.3);
+    model.setRanges(0, NbgVector3D(300., 200., 1.));
+    // Generalized covariances too, into a model for stationary ones.
+    NgmVModel copy(1);
+    test::fromBytes(test::toBytes(model), copy);
+    EXPECT_GE(copy.getContext().getMaxIrfDegree(), model.getEffectiveIrfDegree());
+    copy.setContext(model.getContext());
+    EXPECT_EQ(copy.debug(0), model.debug(0)) << type.getKey();
+    const NbgVector3D h(30., 40., 0.);
+    EXPECT_NEAR(copy.calcCovaIJ(0, 0, h), model.calcCovaIJ(0, 0, h),
+                1e-14 * std::abs(model.calcCovaIJ(0, 0, h)));
   }
 }
 

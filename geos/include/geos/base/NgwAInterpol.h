@@ -5,8 +5,8 @@
 class NbdAData;
 class NgcAInterpol;
 
-/// Worker of an interpolation: takes buffers of targets until there is none left, estimates them and
-/// gives them back.
+/// Worker of an interpolation: takes buffers of targets until there is none left, estimates them
+/// and gives them back.
 class NgwAInterpol : public NgwAThread
 {
 public:

@@ -38,10 +38,12 @@ protected:
   void _addRuntimeConstraints() override;
   void _preProcessing() override;
   void _preLaunchThreads() override;
-  void _postLaunchThreads() override;
 
 private:
   void _setModelContext();
+
+  /// Extension of the field, which fixes the constant of generalized covariances.
+  double _calcFieldSize() const;
   void _buildUniqueKrigingSystem();
 
   NgmVModel _model;

@@ -5,8 +5,10 @@
 #include "basic/geom/NbgRotation.h"
 #include "basic/geom/NbgVector3D.h"
 
+#include <QList>
 #include <QVector>
 
+class NbdAVariableNumeric;
 class NbgBox;
 class NbgGeomCuboid;
 class NbgGeomGrid;
@@ -38,6 +40,16 @@ public:
 
   /// Fills the points of the discretization relative to the centre; returns their number.
   virtual int getDiscretizationPoints(QVector<NbgVector3D> &points) const = 0;
+
+  /// Fills one random point per cell of the discretization, in the order of
+  /// getDiscretizationPoints() and relative to the centre. Without `randomW`, and in 2D, the points
+  /// stay at the middle of their cells along W. The same seed gives the same points.
+  virtual void getRandomPoints(qint64 seed, QVector<NbgVector3D> &points, bool randomW) const = 0;
+
+  /// A new copy of the block with the size that the variables give at position `index`; as it is
+  /// for a negative index and for no variables. The caller owns it.
+  virtual NgmABlock *getResizedBlock(int index,
+                                     const QList<NbdAVariableNumeric *> &variables) const = 0;
 
   /// Size and discretization are usable.
   virtual bool isValid() const = 0;
@@ -71,6 +83,14 @@ protected:
   virtual NgmABlock *_clone() const = 0;
 
   bool _isSizeDefined(QString &why) const;
+
+  /// The numbers that were set, or as many steps as cover the size; the steps that were set, or
+  /// size / number. They fail when what they need is not usable.
+  NbgIntVector3D _calcPointsNumber() const;
+  NbgVector3D _calcStepsSize() const;
+
+  /// Whether the block is usable; when not, and `raise` is set, the failure is raised.
+  bool _check(bool raise) const;
   bool _hasPointsNumber() const { return _pointsNumber != NbgIntVector3D::Null; }
   bool _hasStepsSize() const { return _stepsSize != NbgVector3D::Null; }
 

@@ -25,9 +25,26 @@ public:
   /// Centres of the cells, U varying slowest and W fastest.
   int getDiscretizationPoints(QVector<NbgVector3D> &points) const override;
 
+  void getRandomPoints(qint64 seed, QVector<NbgVector3D> &points, bool randomW) const override;
+
+  /// Two variables give the size along U and V (W becomes 0), three along U, V and W; with other
+  /// numbers of them it fails.
+  NgmBlock *getResizedBlock(int index,
+                            const QList<NbdAVariableNumeric *> &sizeVariables) const override;
+
   bool isValid() const override;
 
-protected:
-  /// Whether the block is usable; when not, and `raise` is set, the failure is raised.
-  bool _check(bool raise) const;
+private:
+  /// Centre of the first cell and edges of a cell, relative to the centre of the block and turned
+  /// with it.
+  struct Cells
+  {
+    NbgIntVector3D numbers;
+    NbgVector3D origin;
+    NbgVector3D u;
+    NbgVector3D v;
+    NbgVector3D w;
+  };
+
+  Cells _calcCells() const;
 };

@@ -42,6 +42,14 @@ public:
     const double *targetZ = nullptr;
     const double *rotation = nullptr;
     const double *anisotropy = nullptr;
+    /// When it is not negative, of target t only the first nUseful + t samples are of use; what
+    /// stands for the others may be left out.
+    int nUseful = -1;
+
+    int nSamplesOf(int target) const
+    {
+      return nUseful < 0 || nSamples - nUseful < target ? nSamples : nUseful + target;
+    }
   };
 
   explicit NgmAVStruct(const NgmEVStruct &type);
@@ -89,8 +97,9 @@ public:
 
   /// What the bulk evaluators of the model call, once per block of pairs: with c = sill *
   /// C(|reduced vector from sample s to target t| / scale), element t * stride + s of `covas`
-  /// becomes c, or grows by it when `add` is set. `covas` must not overlap the coordinates. The
-  /// base goes through calcCovaFromDist(); the closed forms do all of it in one loop.
+  /// becomes c, or grows by it when `add` is set; with a stride of 0 the targets add up. `covas`
+  /// must not overlap the coordinates. The base goes through calcCovaFromDist(); the closed forms
+  /// do all of it in one loop.
   virtual void calcCovas(const Separations &separations, double sill, bool add, double *covas,
                          qint64 stride) const;
 
@@ -135,7 +144,7 @@ public:
   bool isIsotropic2D() const { return _isotropic2D; }
 
   /// Divides the scale by `d`.
-  void normalizeStructure(double d) { _scale /= d; }
+  void normalizeStructure(double d);
 
   /// Lines on ranges and rotation, each beginning with `prefix`.
   QStringList summary(const QString &prefix) const;

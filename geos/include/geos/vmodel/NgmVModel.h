@@ -5,16 +5,23 @@
 #include "basic/geom/NbgRotation.h"
 #include "geos/matrix/NgmMatrix.h"
 #include "geos/vmodel/NgmModelContext.h"
+#include "geos/vmodel/NgmTapering.h"
 
+#include <QList>
 #include <QStringList>
+#include <QVector>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <vector>
 
+class NbdDataTable;
+class NbdVariableDetails;
 class NbdVariableDouble;
-class NbgVector3D;
+class NbgIntVector3D;
+class NgmABlock;
 class NgmAVStruct;
 class NgmTarget;
 class NgmVModelCovaCache;
@@ -86,8 +93,15 @@ public:
   /// Appends a copy of the structure in the context of the model.
   int addStructure(const NgmAVStruct &structure, const NgmMatrix &sills);
 
+  /// A structure of the type with that label takes the place of structure `index`: its context,
+  /// practical ranges, rotation and sills.
+  void replaceStructureType(int index, const QString &label);
+
   virtual void removeStructure(int index);
   virtual void removeNugget();
+
+  /// Removes the structures whose sills are all null.
+  void removeNullStructures();
 
   const NgmAVStruct &getStructure(int index) const;
   QString getStructureLabel(int index) const;
@@ -111,6 +125,10 @@ public:
   /// Sill of a variable in structure `index`. For a structure whose scale is not a range the value
   /// is its variogram at distance `h` when `h` is defined.
   double getSill(int index, int variable, double h) const;
+
+  /// Variogram of each variable at h (N x 1): the sum of (1 - rho_k(h)) S_k(v,v) over the
+  /// structures and, on request, the whole nugget, at h = 0 too.
+  NgmMatrix getCumulativeSill(bool withNugget, const NbgVector3D &h) const;
 
   /// Covariance at the origin, nugget included.
   const NgmMatrix &getC00Matrix() const;
@@ -152,6 +170,9 @@ public:
   bool isIsotropic() const;
   bool isIsotropic2D() const;
 
+  /// All structures are of the Matern family; without `acceptNugget` there is no nugget either.
+  bool isPureMatern(bool acceptNugget) const;
+
   /// covas(i,j) = C_ij(h). An isotropic structure is evaluated at the reduced vector of the last
   /// anisotropic one before it (at h when there is none); calcCovaIJ() is not. Only h exactly 0 is
   /// the origin.
@@ -166,6 +187,16 @@ public:
 
   /// rho_k(h), without sill.
   double calcElementaryStructure(const NbgVector3D &h, int index) const;
+
+  /// Covariances of a gradient with the variables, for models of potential fields whose structures
+  /// are all differentiable (else a programming error). The nugget has no part in them.
+  ///
+  /// Formula:  gp(3 a + m, b) = Cov(dZ_a/dx_m (x), Z_b(x + h)) = -dC_ab(h)/dh_m
+  ///           gg(3 a + m, 3 b + n) = Cov(dZ_a/dx_m (x), dZ_b/dx_n (x + h)) = -d2C_ab(h)/dh_m dh_n
+  /// Shape:    3N x N and 3N x 3N; `gp` and `gg` are resized
+  /// Source:   [Lajaunie, Courrioux and Manuel, 1997]
+  void calcCovaGP(const NbgVector3D &h, NgmMatrix &gp) const;
+  void calcCovaGG(const NbgVector3D &h, NgmMatrix &gg) const;
 
   /// Covariances between all samples. The matrix needs N * n rows and as many columns at least; all
   /// the rest of it (of its upper triangle, see MatrixPart) becomes 0. The nugget stands between a
@@ -186,7 +217,126 @@ public:
                          const double *z, NgmMatrix &covas,
                          NgmVModelCovaCache *cache = nullptr) const;
 
+  /// Mean covariances between all samples (rows) and a block (columns: its variables): the mean
+  /// over the block's discretization points. Shapes as in calcCovasPointSet(); the nugget has no
+  /// part in them.
+  void calcCovasBlockSet(const NgmTarget &target, const NbdVariableDouble &x,
+                         const NbdVariableDouble &y, const NbdVariableDouble &z, NgmMatrix &covas,
+                         NgmVModelCovaCache *cache = nullptr) const;
+  /// The same for points in world coordinates.
+  void calcCovasBlockSet(int nPoints, const NbgVector3D *points, int n, const double *x,
+                         const double *y, const double *z, NgmMatrix &covas,
+                         NgmVModelCovaCache *cache = nullptr) const;
+
+  /// Mean covariances inside a block (N x N, `cvv` is resized), by calcCova() between its
+  /// discretization points and one random point per cell, so that no point meets itself. The same
+  /// seed gives the same values.
+  ///
+  /// Cost:     one covariance per pair of points and structure
+  /// Source:   [Journel and Huijbregts, 1978, ch. II.D.3]
+  void calcCvv(const NgmABlock &block, qint64 seed, NgmMatrix &cvv) const;
+
+  /// Mean covariances between a block and its copy at `shift` (N x N, `covas` is resized), by
+  /// calcCova() between their discretization points. Points that meet count with the covariance at
+  /// the origin, nugget included.
+  void calcCovBlockBlock(const NgmABlock &block, const NbgVector3D &shift, NgmMatrix &covas) const;
+
+  /// Mean of calcCvv() over the default number of random discretizations of NgmCvvBuilder.
+  NgmMatrix computeMeanCvv(const NgmABlock &block) const;
+
+  /// Numbers of points for a discretization (n, n, nW). nW is the largest number, at most 10, of
+  /// multiples of `verticalStep` that fit into a 3D block. n is the first of 3 .. 12 whose mean
+  /// covariance between the centre of the block and its points, of the first variable and without
+  /// nugget, is within `tolerance` of that of 14 x 14 points, as a part of it; 12 when none is.
+  /// `history` gets the value of 14 x 14 and then those of n = 3, 4, ...
+  NbgIntVector3D findBestDiscretization(const NgmABlock &block, double verticalStep,
+                                        double tolerance, QVector<double> *history) const;
+
   static NgmVModelCovaCachePtr getCovaCache();
+
+  /// Whether a taper was set.
+  bool useTapering() const { return _tapering != nullptr; }
+
+  /// Ranges along the axes of the global rotation, or of the world when rotations differ; those
+  /// beyond the dimension of the context are ignored.
+  void setTapering(const NbgVector3D &ranges, NgmTapering::TaperingType type);
+
+  /// Taper of a separation vector; 1 without a taper.
+  double calcTapering(const NbgVector3D &h) const;
+
+  /// C_ij(0) where all components of h are below 1e-10 in absolute value, else the sum of the
+  /// structures times the taper, without nugget.
+  double calcTaperedCovaIJ(int i, int j, const NbgVector3D &h) const;
+
+  /// Hull of perfect correlation, the largest values that the cross-variogram (or, with
+  /// `covariance`, the cross-covariance) of variables i and j could take with the structures of the
+  /// model, at distances along the U axis of a rotation. Its negative bounds from below.
+  ///
+  /// Formula:  sum_k sqrt(S_k(i,i) S_k(j,j)) (rho_k(0) - rho_k(h)), or rho_k(h); the nugget is a
+  ///           structure too
+  /// Source:   [Wackernagel, 2003, ch. 26]
+  void calcEnvelopeIJ(int i, int j, const NbgRotation &rotation, int n, const double *distances,
+                      bool covariance, double *out) const;
+
+  /// Curves for display, by distance along `direction`. A table with the variable "Distance" and
+  /// one under the key of the curve with these details.
+  ///
+  /// The variogram at the 500 distances maxDist / 500, 2 maxDist / 500, ... maxDist.
+  NbdDataTable getVarioCurve(double maxDist, const NbdVariableDetails &details,
+                             const NbgVector3D &direction, int i, int j) const;
+
+  /// The covariance in 1001 rows, distance 0 in the middle and the same positive distances to both
+  /// sides of it.
+  NbdDataTable getCovarianceCurve(double maxDist, const NbdVariableDetails &details,
+                                  const NbgVector3D &direction, int i, int j) const;
+
+  /// Grips, by which structures are dragged on a display: a row per structure with a range, at the
+  /// practical range along `direction`, with the variables "Structure" (its index), "Distance" and
+  /// one under the key of the variogram. The latter is, from the first to the last operation,
+  /// the sills cumulated from the nugget on, the variogram of the model, and the variogram of the
+  /// structure alone.
+  NbdDataTable getDirectionGrips(const NbgVector3D &direction, int i, int j) const;
+  NbdDataTable getDirectionCurveGrips(const NbgVector3D &direction, int i, int j) const;
+  NbdDataTable getDirectionCurvesGrips(const NbgVector3D &direction, int i, int j) const;
+
+  /// Model of the variables divided by their standard deviations, with lengths in units of
+  /// `maxDist`: field size and scales are divided by it, elements (i, j) of nugget and sills by
+  /// sqrt(V(i,i) V(j,j)). A variance below 1e-30 counts as about 1e-15.
+  virtual void normalizeSillsAndRanges(double maxDist, const NgmMatrix &variances);
+
+  /// The way back.
+  virtual void denormalizeSillsAndRanges(double maxDist, const NgmMatrix &variances);
+
+  /// Rescales nugget and sills so that the covariance at the origin has this diagonal and the
+  /// correlations stay.
+  void fitSillsToVariances(const QVector<double> &variances);
+
+  /// The model without the structures of these indices and, on request, without nugget.
+  NgmVModel buildFilteredModel(bool removeNugget, const QList<int> &structures) const;
+
+  /// The model of variable `variable` alone.
+  static NgmVModel createMonoFromMulti(const NgmVModel &model, int variable);
+
+  /// Intrinsic correlation: variables of these variances and correlations that share the structures
+  /// of the model of one variable, which is taken as that of variable `reference`.
+  static NgmVModel createMultiFromMono(const NgmVModel &model, int reference,
+                                       const NgmMatrix &correlations,
+                                       const QVector<double> &variances);
+
+  /// Uncorrelated variables, each with its own structures from a model of one variable; in the
+  /// context of the first.
+  static NgmVModel createMultiFromList(const QList<NgmVModel> &models);
+
+  /// The model of these variables, in their order.
+  static NgmVModel extractFromVariables(const NgmVModel &model, const QList<int> &variables);
+
+  /// Factor of a coregionalization matrix: its eigenvectors as columns, each times the square root
+  /// of its eigenvalue (0 for a negative one), so that factor * factor' is the matrix. Eigenvalues
+  /// ascend.
+  static NgmMatrix coregMatrixToEigen(const NgmMatrix &sills);
+
+  /// The same of structure `index`, for the simulation of correlated variables.
+  void getNormalizedEigenVectors(int index, NgmMatrix &out) const;
 
   /// Makes nugget and sill matrices positive semi-definite and tests that the covariance at the
   /// origin is positive definite and that the ranges cover every direction of space; fails when
@@ -213,6 +363,10 @@ protected:
   int _addStructure(const NgmAVStruct &structure, const NgmMatrix &sills);
   void _setScaleFactor(int index, double practicalRange);
 
+  /// Mean covariance of the first variable between the centre of a block and its points, without
+  /// nugget.
+  double _calcCovaCenterBlock(const NgmABlock &block) const;
+
   /// Recomputes what follows from the structures: rotation flags, C00, effective drift degree.
   void _validateModel();
 
@@ -222,9 +376,21 @@ private:
   bool _isStructure(int index) const { return index >= 0 && index < getNStructures(); }
   bool _isVariable(int index) const { return index >= 0 && index < _nVariables; }
 
+  void _checkVariables(int i, int j) const;
+
   /// The structure to be changed, C00 being invalidated; fails with `message` when there is none.
   NgmAVStruct &_changeStructure(int index, const char *message);
   int _addStructureOfType(const QString &label, const NgmMatrix &sills);
+  void _appendStructure(const NgmAVStruct &structure, const NgmMatrix &sills);
+
+  /// Changes scales and field size, and multiplies element (i, j) of nugget and sills by
+  /// sqrt(w_i w_j).
+  void _rescale(const std::function<double(double)> &rescaled, const QVector<double> &weights);
+
+  /// The model of other variables with matrices made from those of this one.
+  template <class Change>
+  NgmVModel _withMatrices(int nVariables, Change change) const;
+  NbdDataTable _gripTable(const NbgVector3D &direction, const QVector<double> &values) const;
   void _updateEffectiveIrfDegree();
   void _invalidateC00();
   void _updateC00() const;
@@ -247,4 +413,5 @@ private:
   mutable std::mutex _c00Mutex;
   mutable NgmMatrix _c00;
   mutable std::atomic<bool> _c00Valid{false};
+  std::unique_ptr<NgmTapering> _tapering;
 };

@@ -5,6 +5,7 @@
 #include "vmodel/private/NgmVModelCovaCache.h"
 
 #include <algorithm>
+#include <numeric>
 
 using NgmBulkCovas::Points;
 using Separations = NgmAVStruct::Separations;
@@ -77,11 +78,27 @@ Separations separationsOf(const PairBlock &block, const Points &samples)
   separations.targetX = samples.x + block.firstColumn;
   separations.targetY = samples.y + block.firstColumn;
   separations.targetZ = samples.z + block.firstColumn;
+  separations.nUseful = block.upperRowCount(0);
   return separations;
 }
 
-/// Copies what lies above the diagonal blocks of a univariate matrix to below them; a row of a
-/// block is contiguous there.
+/// From all samples to one target.
+Separations separationsOf(const NbgVector3D &target, int n, const Points &samples)
+{
+  Separations separations;
+  separations.nSamples = n;
+  separations.x = samples.x;
+  separations.y = samples.y;
+  separations.z = samples.z;
+  separations.nTargets = 1;
+  separations.targetX = target.getData();
+  separations.targetY = target.getData() + 1;
+  separations.targetZ = target.getData() + 2;
+  return separations;
+}
+
+/// Copies the upper triangle of a univariate matrix to the lower one. Above the diagonal blocks a
+/// row of a block is contiguous at the other side.
 void storeMirrored(const PairBlock &block, double *covas, int rowCount)
 {
   const double *columns = covas + offset(0, block.firstColumn, rowCount);
@@ -91,6 +108,12 @@ void storeMirrored(const PairBlock &block, double *covas, int rowCount)
     for (int c = 0; c < block.columns; ++c)
       mirrored[c] = columns[offset(row, c, rowCount)];
   }
+  if (block.firstRow + block.rows <= block.firstColumn)
+    return;
+  double *diagonal = covas + offset(block.firstColumn, block.firstColumn, rowCount);
+  for (int c = 1; c < block.columns; ++c)
+    for (int r = 0; r < c; ++r)
+      diagonal[offset(c, r, rowCount)] = diagonal[offset(r, c, rowCount)];
 }
 
 /// Fills the upper triangle (and the lower one inside the blocks of the diagonal, or everywhere).
@@ -240,6 +263,72 @@ void addToPoints(int n, const double *correlations, const NgmMatrix &sills, doub
     }
 }
 
+/// Points in three columns, for the loops over them.
+class Columns
+{
+public:
+  Columns(int n, const NbgVector3D *points, NgmVModelCovaCache::Array &memory)
+      : _n(n), _values(NgmVModelCovaCache::atLeast(memory, 3 * std::size_t(n)))
+  {
+    for (int i = 0; i < n; ++i)
+      for (int axis = 0; axis < 3; ++axis)
+        _values[std::size_t(axis) * n + i] = points[i][axis];
+  }
+
+  int size() const { return _n; }
+  const double *x() const { return _values; }
+  const double *y() const { return _values + _n; }
+  const double *z() const { return _values + 2 * std::size_t(_n); }
+
+private:
+  int _n;
+  double *_values;
+};
+
+Separations separationsOf(const Columns &targets, int n, const Points &samples)
+{
+  Separations separations;
+  separations.nSamples = n;
+  separations.x = samples.x;
+  separations.y = samples.y;
+  separations.z = samples.z;
+  separations.nTargets = targets.size();
+  separations.targetX = targets.x();
+  separations.targetY = targets.y();
+  separations.targetZ = targets.z();
+  return separations;
+}
+
+/// How NgmVModel::calcCova() reduces the vector of structure `index`: like the last anisotropic
+/// structure up to it, or not at all.
+void setReductionOfCalcCova(const NgmVModel &model, int index, Separations &separations)
+{
+  while (index >= 0 && model.getStructure(index).isIsotropic())
+    --index;
+  separations.rotation = nullptr;
+  separations.anisotropy = nullptr;
+  if (index >= 0)
+    setReduction(model, index, separations);
+}
+
+/// Pairs of the same place.
+qint64 countCoincidentPairs(const Columns &a, const Columns &b)
+{
+  qint64 count = 0;
+  for (int i = 0; i < a.size(); ++i) {
+    const double x = a.x()[i], y = a.y()[i], z = a.z()[i];
+    for (int j = 0; j < b.size(); ++j)
+      count += (x == b.x()[j]) & (y == b.y()[j]) & (z == b.z()[j]);
+  }
+  return count;
+}
+
+void addScaled(double factor, const NgmMatrix &matrix, NgmMatrix &sum)
+{
+  NgmMatrix::blasDaxpy(int(matrix.getNElements()), factor, matrix.constElements(), 1,
+                       sum.elements(), 1);
+}
+
 }  // namespace
 
 namespace NgmBulkCovas {
@@ -283,15 +372,7 @@ void pointSet(const NgmVModel &model, const NbgVector3D &target, int n, const Po
   std::fill(elements, elements + covas.getNElements(), 0.);
   setNuggetAtTarget(model.getNuggetMatrix(), target, n, samples, elements, rowCount);
 
-  Separations separations;
-  separations.nSamples = n;
-  separations.x = samples.x;
-  separations.y = samples.y;
-  separations.z = samples.z;
-  separations.nTargets = 1;
-  separations.targetX = target.getData();
-  separations.targetY = target.getData() + 1;
-  separations.targetZ = target.getData() + 2;
+  Separations separations = separationsOf(target, n, samples);
   for (int k = 0; k < model.getNStructures(); ++k) {
     const NgmAVStruct &structure = model.getStructure(k);
     const NgmMatrix &sills = model.getCoregionalisationMatrix(k);
@@ -304,6 +385,49 @@ void pointSet(const NgmVModel &model, const NbgVector3D &target, int n, const Po
       addToPoints(n, correlations, sills, elements, rowCount);
     }
   }
+}
+
+void blockSet(const NgmVModel &model, int nPoints, const NbgVector3D *points, int n,
+              const Points &samples, NgmMatrix &covas, NgmVModelCovaCache &cache)
+{
+  double *elements = covas.elements();
+  std::fill(elements, elements + covas.getNElements(), 0.);
+  const Columns targets(nPoints, points, cache.points);
+  Separations separations = separationsOf(targets, n, samples);
+  for (int k = 0; k < model.getNStructures(); ++k) {
+    const NgmAVStruct &structure = model.getStructure(k);
+    const NgmMatrix &sills = model.getCoregionalisationMatrix(k);
+    setReduction(model, k, separations);
+    // The points add up in one column.
+    if (model.getNVariables() == 1) {
+      structure.calcCovas(separations, sills.getElement(0, 0) / nPoints, true, elements, 0);
+    } else {
+      double *correlations = NgmVModelCovaCache::atLeast(cache.correlations, std::size_t(n));
+      std::fill(correlations, correlations + n, 0.);
+      structure.calcCovas(separations, 1. / nPoints, true, correlations, 0);
+      addToPoints(n, correlations, sills, elements, covas.getNRows());
+    }
+  }
+}
+
+void sumOfPairs(const NgmVModel &model, const QVector<NbgVector3D> &a,
+                const QVector<NbgVector3D> &b, NgmMatrix &sum)
+{
+  NgmVModelCovaCache::Array memoryA, memoryB, column(std::size_t(b.size()));
+  const Columns targets(a.size(), a.constData(), memoryA);
+  const Columns samples(b.size(), b.constData(), memoryB);
+  Separations separations =
+      separationsOf(targets, samples.size(), {samples.x(), samples.y(), samples.z()});
+  sum.fill(0.);
+  for (int k = 0; k < model.getNStructures(); ++k) {
+    setReductionOfCalcCova(model, k, separations);
+    std::fill(column.begin(), column.end(), 0.);
+    model.getStructure(k).calcCovas(separations, 1., true, column.data(), 0);
+    const double total = std::accumulate(column.begin(), column.end(), 0.);
+    addScaled(total, model.getCoregionalisationMatrix(k), sum);
+  }
+  if (!model.getNuggetMatrix().isNull(0.))
+    addScaled(double(countCoincidentPairs(targets, samples)), model.getNuggetMatrix(), sum);
 }
 
 }  // namespace NgmBulkCovas

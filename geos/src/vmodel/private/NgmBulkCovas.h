@@ -29,4 +29,14 @@ void allCovas(const NgmVModel &model, int n, const Points &samples, NgmMatrix &c
 void pointSet(const NgmVModel &model, const NbgVector3D &target, int n, const Points &samples,
               NgmMatrix &covas, NgmVModelCovaCache &cache);
 
+/// See NgmVModel::calcCovasBlockSet(); the shape of the matrix has been checked.
+void blockSet(const NgmVModel &model, int nPoints, const NbgVector3D *points, int n,
+              const Points &samples, NgmMatrix &covas, NgmVModelCovaCache &cache);
+
+/// Sum of NgmVModel::calcCova(a_i - b_j) over all pairs of two sets of points, for all pairs of
+/// variables; `sum` is N x N. A pair whose points are the same counts with the covariance at the
+/// origin.
+void sumOfPairs(const NgmVModel &model, const QVector<NbgVector3D> &a,
+                const QVector<NbgVector3D> &b, NgmMatrix &sum);
+
 }  // namespace NgmBulkCovas

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "basic/geom/NbgVector3D.h"
 #include "geos/matrix/NgmAlignedAllocator.h"
+
+#include <QVector>
 
 #include <vector>
 
@@ -20,4 +23,6 @@ public:
   }
 
   Array correlations;
+  Array points;
+  QVector<NbgVector3D> blockPoints;
 };

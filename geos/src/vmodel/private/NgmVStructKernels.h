@@ -1,6 +1,7 @@
 #pragma once
 
 #include "geos/vmodel/NgmAVStruct.h"
+#include "vmodel/private/NgmBesselKernels.h"
 #include "vmodel/private/NgmCovaKernels.h"
 
 #include <cmath>
@@ -108,6 +109,150 @@ struct Cauchy
   double operator()(double u) const { return 1. / std::pow(1. + u * u, alpha); }
 };
 
+struct Power
+{
+  double alpha;
+  double constant;
+  double operator()(double u) const { return constant - std::pow(u, alpha); }
+};
+
+struct LinearGc
+{
+  double constant;
+  double operator()(double u) const { return constant - u; }
+};
+
+struct SplineGc
+{
+  double constant;
+  double c;
+  double field;
+  double operator()(double u) const
+  {
+    const double logarithm = field < 1e-4 || u < 1e-4 * field ? 0. : std::log(u / field);
+    return constant - (c - logarithm) * u * u;
+  }
+};
+
+struct Spline2Gc
+{
+  double operator()(double u) const
+  {
+    const double u2 = u * u;
+    return u > 1e-10 ? ((std::log(u) - 0.75) * u2 + 1.) * u2 - 0.25 : -0.25;
+  }
+};
+
+struct Order3Gc
+{
+  double k;
+  double constant;
+  double operator()(double u) const { return (u - k) * (u * u) + constant; }
+};
+
+struct Order5Gc
+{
+  double k;
+  double quadratic;
+  double constant;
+  double cubedField;
+  double operator()(double u) const
+  {
+    const double u2 = u * u;
+    return (u - k) * (u2 * u2) + (quadratic * u2 - constant) * cubedField;
+  }
+};
+
+/// Matern of nu = 3/2 (1/2 is the exponential).
+struct Matern3Halves
+{
+  double operator()(double u) const { return (1. + u) * expOfNegative(-u); }
+};
+
+/// Matern of nu = 5/2.
+struct Matern5Halves
+{
+  double operator()(double u) const { return (1. + u * (1. + u * (1. / 3.))) * expOfNegative(-u); }
+};
+
+/// 2 (u / 2)^nu K_nu(u) / Gamma(nu); 0 where K_nu leaves the range of doubles.
+class Matern
+{
+public:
+  /// `factor` is 2 / Gamma(nu).
+  constexpr Matern(double nu, double factor) : _nu(nu), _factor(factor) {}
+
+  double operator()(double u) const
+  {
+    if (!(u > 0.))
+      return 1.;
+    if (u > NgmBesselKernels::LARGEST_ARGUMENT_K)
+      return 0.;
+    const double k = NgmBesselKernels::besselK(_nu, u);
+    return std::isfinite(k) ? _factor * _power(0.5 * u) * k : 0.;
+  }
+
+private:
+  double _power(double x) const
+  {
+    if (_nu == 1.)
+      return x;
+    return _nu == 2. ? x * x : std::pow(x, _nu);
+  }
+
+  double _nu;
+  double _factor;
+};
+
+/// Gamma(nu + 1) J_nu(u) / (u / 2)^nu; 0 where J_nu leaves the normal numbers on its way to u = 0,
+/// and for nu <= 0.
+struct BesselJ
+{
+  double nu;
+  double logGamma;  ///< ln Gamma(nu + 1)
+  double gamma;
+  double operator()(double u) const
+  {
+    if (!(u > 0.))
+      return 1.;
+    if (!(nu > 0.) || u > NgmBesselKernels::LARGEST_ARGUMENT_J)
+      return 0.;
+    const double j = NgmBesselKernels::besselJ(nu, u);
+    if (!NgmBesselKernels::isAccurateJ(nu, u, j))
+      return 0.;
+    const double power = std::pow(0.5 * u, nu);
+    if (std::isfinite(gamma) && std::isfinite(power))
+      return gamma * j / power;
+    return j * std::exp(logGamma - nu * std::log(0.5 * u));
+  }
+};
+
+/// Of the distance itself: the period is one of length. 0 for u > 100.
+struct Cosexp
+{
+  double period;
+  double scale;
+  double operator()(double dist) const
+  {
+    const double u = dist / scale;
+    return u > 100. ? 0. : std::cos(2. * M_PI * dist / period) * expOfNegative(-u);
+  }
+};
+
+/// Forms that call a routine for each value, which the compiler does not vectorise.
+template <class Form>
+constexpr bool isCostly = false;
+template <>
+inline constexpr bool isCostly<Sincard> = true;
+template <>
+inline constexpr bool isCostly<Stable> = true;
+template <>
+inline constexpr bool isCostly<Gamma> = true;
+template <>
+inline constexpr bool isCostly<Cauchy> = true;
+template <>
+inline constexpr bool isCostly<Matern> = true;
+
 /// out[k] = C(dist[k] / scale)
 template <class Form>
 void covaFromDist(Form form, double scale, int n, const double *dist, double *out)
@@ -124,7 +269,6 @@ void calcCovasOf(Form form, double scale, const NgmAVStruct::Separations &s, dou
                  double *covas, qint64 stride)
 {
   const NgmCovaKernels::Reducer<ROTATED, SCALED> reducer(s.rotation, s.anisotropy);
-  const int n = s.nSamples;
   const double *__restrict x = s.x;
   const double *__restrict y = s.y;
   const double *__restrict z = s.z;
@@ -133,6 +277,8 @@ void calcCovasOf(Form form, double scale, const NgmAVStruct::Separations &s, dou
     const double targetY = s.targetY[t];
     const double targetZ = s.targetZ[t];
     double *__restrict out = covas + t * stride;
+    // What is not of use is worth more than a shorter loop, unless each value is costly.
+    const int n = isCostly<Form> ? s.nSamplesOf(t) : s.nSamples;
     for (int i = 0; i < n; ++i) {
       const double squared = reducer.squaredNorm({targetX - x[i], targetY - y[i], targetZ - z[i]});
       const double cova = sill * form(std::sqrt(squared) / scale);

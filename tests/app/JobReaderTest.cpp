@@ -1,0 +1,228 @@
+#include "app/io/JobReader.h"
+
+#include "TestFiles.h"
+#include "app/io/ModelReader.h"
+#include "app/io/NeighborhoodReader.h"
+#include "app/io/UsageError.h"
+#include "app/study/Compass.h"
+#include "geos/vmodel/NgmAVStruct.h"
+#include "support/Random.h"
+
+#include <gmock/gmock.h>
+
+using namespace orvenal;
+using apptest::json;
+using apptest::MeuseJob;
+using testing::HasSubstr;
+
+namespace {
+
+Job read(const MeuseJob &job)
+{
+  const apptest::Folder folder;
+  return readJob(job.writeTo(folder));
+}
+
+std::string errorOf(const QByteArray &text)
+{
+  const apptest::Folder folder;
+  try {
+    readJob(folder.write("job.json", text));
+  } catch (const UsageError &error) {
+    return error.getMessage().toStdString();
+  }
+  return "no error";
+}
+
+/// The Meuse job in three dimensions.
+MeuseJob spatialJob()
+{
+  MeuseJob job;
+  job.set("data.z", "elev").remove("grid.mask").remove("output.maps");
+  job.set("grid.origin", json("[178460, 329620, 4]")).set("grid.cell", json("[40, 40, 1]"));
+  job.set("grid.nodes", json("[78, 104, 3]")).set("output.grid", json("[\"k.csv\"]"));
+  return job;
+}
+
+}  // namespace
+
+TEST(JobReader, ReadsTheExample)
+{
+  const Job job = readJob(ORVENAL_EXAMPLES "/meuse/job.json");
+  EXPECT_EQ(job.title, "Zinc in the topsoil of the Meuse flood plain");
+  EXPECT_EQ(job.data.file, ORVENAL_EXAMPLES "/meuse/meuse.csv");
+  EXPECT_EQ(job.lengthUnit, "m");  // from the coordinate reference system
+  EXPECT_EQ(job.variable.getLabel(), "log zinc [log(mg/kg)]");
+  EXPECT_EQ(job.grid.getNodesNumber(), NbgIntVector3D(78, 104, 1));
+  EXPECT_EQ(job.grid.getCellCenter(77, 103, 0), NbgVector3D(181540., 333740., 0.));
+  EXPECT_EQ(job.model.getNugget(0, 0), 0.05);
+  EXPECT_NEAR(job.model.getStructure(0).getPracticalRanges().x(), 897., 1e-9);
+  ASSERT_TRUE(job.neighborhood);
+  EXPECT_EQ(job.neighborhood->getMaximumNeighborsCount(), 16);
+  EXPECT_EQ(job.output.getFiles().size(), 5);
+  EXPECT_EQ(job.output.report, ORVENAL_EXAMPLES "/meuse/out/report.html");
+}
+
+TEST(JobReader, IsDescribedAsItIs)
+{
+  const QString page = QString::fromUtf8(apptest::readFile(ORVENAL_EXAMPLES "/../docs/job.md"));
+  const QByteArray example = page.section("```json", 1).section("```", 0, 0).toUtf8();
+  EXPECT_EQ(QJsonDocument::fromJson(example),
+            QJsonDocument::fromJson(apptest::readFile(ORVENAL_EXAMPLES "/meuse/job.json")));
+  for (const QString &label : structureLabels())
+    EXPECT_TRUE(page.contains('"' + label + '"')) << qPrintable(label);
+  for (const QString &key : modelKeys() + neighborhoodKeys())
+    EXPECT_TRUE(page.contains('`' + key + '`')) << qPrintable(key);
+}
+
+TEST(JobReader, TurnsAxesByTheCompass)
+{
+  MeuseJob text = spatialJob();
+  text.set("model.structures.0",
+           json("{\"type\": \"EXPONENTIAL\", \"sill\": 1, \"ranges\": "
+                "[1200, 480, 50], \"azimuth\": 30, \"dip\": 5, \"pitch\": 7}"));
+  text.set("grid.rotation", 30);
+  text.set("neighborhood",
+           json("{\"type\": \"moving\", \"radii\": [900, 600, 30], \"azimuth\": 120, "
+                "\"maximum\": 20, \"minimum\": 3, \"sectors\": 4, \"split\": true}"));
+  const Job job = read(text);
+  const NgmAVStruct &structure = job.model.getStructure(0);
+  EXPECT_NEAR(structure.getPracticalRanges().x(), 1200., 1e-9);
+  EXPECT_NEAR(structure.getPracticalRanges().z(), 50., 1e-9);
+  EXPECT_TRUE(structure.getRotation().isEqual(Compass::frame(30., 5., 7.)));
+  EXPECT_NEAR(Compass::azimuthOfRows(job.grid.getRotation()), 30., 1e-10);
+  EXPECT_TRUE(job.neighborhood->getEllipseRotation().isEqual(Compass::frame(120., 0., 0.)));
+  EXPECT_EQ(job.neighborhood->getMaximumNumber(), 20);
+  EXPECT_EQ(job.neighborhood->getMinimumNumber(), 3);
+  EXPECT_EQ(job.neighborhood->getSplittedSectorsNumber(), 8);
+  EXPECT_EQ(job.neighborhood->getMaximumNumberPerSector(), 3);  // 20 shared by 8, rounded up
+}
+
+TEST(JobReader, NamesThePlaceOfWhatIsWrong)
+{
+  struct Case
+  {
+    const char *place;
+    QJsonValue value;
+    std::vector<const char *> parts;
+  };
+  const QJsonValue none(QJsonValue::Undefined);
+  const Case cases[] = {
+      {"modle", 1, {"job.json: modle: unknown key; did you mean \"model\"?"}},
+      {"xyzzy", 1, {"xyzzy: unknown key; known keys: \"title\", \"data\""}},
+      {"model.structures.0.rnage", 1, {"model.structures[0].rnage: unknown key", "\"range\""}},
+      {"model", none, {"model: missing"}},
+      {"title", 5, {"title: expected a text in quotes, found the number 5"}},
+      {"data", json("[]"), {"data: expected an object, found a list"}},
+      {"data.x", none, {"data.x: missing"}},
+      {"data.file", "no.csv", {"data.file: there is no file", "no.csv"}},
+      {"data.file", "", {"data.file: there is no file"}},
+      {"data.file", "/", {"data.file: \"/\" is a folder"}},
+      {"data.separator", "|", {"data.separator: \"|\" is not known; allowed: \"auto\", \",\""}},
+      {"data.decimal", "x", {"data.decimal", "allowed: \".\", \",\""}},
+      {"data.undefined", json("[\"NA\", -999]"), {"data.undefined[1]: expected a text in quotes"}},
+      {"data.crs", "EPSG:999999", {"data.crs: \"EPSG:999999\" is not a coordinate"}},
+      {"data.z", "elev", {"data.z: the grid has two dimensions"}},
+      {"variable.transform", "sqrt", {"variable.transform: \"sqrt\"", "\"none\", \"log\""}},
+      {"grid.nodes", json("[78]"), {"grid.nodes: expected 2 to 3 numbers, found 1"}},
+      {"grid.nodes", json("[78.5, 104]"), {"grid.nodes[0]: expected a whole number"}},
+      {"grid.nodes", json("[0, 104]"), {"grid.nodes[0]: 0 is not between 1 and"}},
+      {"grid.nodes", json("[1000000, 1000000]"), {"grid.nodes: the grid has too many nodes"}},
+      {"grid.nodes", json("[78, 104, 2]"), {"grid.origin: expected 3 numbers, found 2"}},
+      {"grid.cell", json("[40, 0]"), {"grid.cell[1]: must be greater than 0"}},
+      {"grid.cell", json("[40, \"x\"]"), {"grid.cell[1]: expected a number, found the text \"x\""}},
+      {"grid.origin.0", 1e300, {"grid.origin[0]", "too large"}},
+      {"grid.mask.file", "no.csv", {"grid.mask.file: there is no file"}},
+      {"model.nugget", -1, {"model.nugget: -1 is too small, the least is 0"}},
+      {"model.nugget", json("null"), {"model.nugget: expected a number, found null"}},
+      {"model.structures", json("{}"), {"model.structures: expected a list of objects"}},
+      {"model.structures.0", 7, {"model.structures[0]: expected an object"}},
+      {"model.structures.0.sill", 0, {"model.structures[0].sill: must be greater than 0"}},
+      {"model.structures.0.type",
+       "Sperical",
+       {"model.structures[0].type: \"Sperical\" is not known; did you mean \"Spherical\"?",
+        "\"Exponential\", \"Spherical\", \"Cubic\""}},
+      {"model.structures.0.type", "Power", {"\"Power\" is not known", "allowed"}},
+      {"model.structures.0.range", none, {"model.structures[0].range: missing"}},
+      {"model.structures.0.ranges", json("[1, 2]"), {"model.structures[0].ranges: give"}},
+      {"model.structures.0.dip", 5, {"model.structures[0].dip", "three dimensions only"}},
+      {"model.structures.0.parameter", 1, {"\"Spherical\" has no parameter"}},
+      {"model.structures.0",
+       json("{\"type\": \"Stable\", \"sill\": 1, \"range\": 5, \"parameter\": 3}"),
+       {"model.structures[0].parameter: 3 is not in"}},
+      {"model.structures.0",
+       json("{\"type\": \"Cubic\", \"sill\": 1, \"ranges\": [5, 6]}"),
+       {"model.structures[0].azimuth: missing"}},
+      {"model", json("{}"), {"model: the model is empty"}},
+      {"model", json("{\"nugget\": 0, \"structures\": []}"), {"model: the model is empty"}},
+      {"model", json("{\"nugget\": 1e-12}"), {"model: the model is"}},
+      {"neighborhood.type", none, {"neighborhood.type: missing"}},
+      {"neighborhood.type", "global", {"allowed: \"moving\", \"unique\""}},
+      {"neighborhood.type", "unique", {"has no meaning in a unique neighborhood"}},
+      {"neighborhood.radius", 0, {"neighborhood.radius: must be greater than 0"}},
+      {"neighborhood.maximum", none, {"neighborhood.maximum: missing"}},
+      {"neighborhood.minimum", 17, {"neighborhood.minimum: 17 is more than the maximum, 16"}},
+      {"neighborhood.split", true, {"neighborhood: Splitting sectors only available in 3D"}},
+      {"neighborhood.split", 1, {"neighborhood.split: expected true or false"}},
+      {"output.grid", json("[\"k.xlsx\"]"), {"output.grid[0]: \"k.xlsx\" should end with .csv"}},
+      {"output.maps.estimate", "e.jpg", {"output.maps.estimate: \"e.jpg\" should end with .png"}},
+      {"output.report", "r.pdf", {"output.report: \"r.pdf\" should end with .html"}},
+      {"output.grid",
+       json("[\"k.csv\", \"./k.csv\"]"),
+       {"output: ", "k.csv\" would be written twice"}},
+      {"output.grid.0",
+       ORVENAL_EXAMPLES "/meuse/../meuse/meuse.csv",
+       {"output: ", "is an input of the job"}},
+      {"threads", 0, {"threads: 0 is not between 1 and 1024"}},
+      {"memory", "lots", {"memory: expected a size"}},
+  };
+  for (const Case &c : cases) {
+    SCOPED_TRACE(c.place);
+    const std::string error = errorOf(MeuseJob().set(c.place, c.value).text());
+    for (const char *part : c.parts)
+      EXPECT_THAT(error, HasSubstr(part));
+    EXPECT_THAT(error, HasSubstr("job.json: "));
+    EXPECT_THAT(error, testing::Not(HasSubstr("NgmVModel")));
+  }
+}
+
+TEST(JobReader, WantsTheThirdCoordinateWhereItBelongs)
+{
+  EXPECT_EQ(read(spatialJob()).getNDimensions(), 3);
+  EXPECT_THAT(errorOf(spatialJob().remove("data.z").text()), HasSubstr("data.z: missing"));
+  EXPECT_THAT(errorOf(spatialJob().set("output.grid", json("[\"k.tif\"]")).text()),
+              HasSubstr("output.grid[0]: a GeoTIFF needs a grid of two dimensions"));
+  EXPECT_THAT(errorOf(spatialJob().set("output.maps.estimate", "e.png").text()),
+              HasSubstr("output.maps.estimate: a map needs a grid of two dimensions"));
+}
+
+TEST(JobReader, NamesLineAndColumnOfSyntaxErrors)
+{
+  EXPECT_THAT(errorOf("{\n  \"title\": \"x\",\n  \"data\" {}\n}"),
+              HasSubstr("job.json, line 3, column 1"));
+  EXPECT_THAT(errorOf("[1]"), HasSubstr("job.json: a job is a JSON object"));
+  EXPECT_THAT(errorOf(""), HasSubstr("line 1, column 1"));
+  EXPECT_THAT(errorOf(QByteArray(5000, '[')), HasSubstr("not valid JSON"));
+}
+
+TEST(JobReader, SurvivesDamagedJobs)
+{
+  const QByteArray whole = MeuseJob().text();
+  int nRead = 0;
+  for (int round = 0; round < 300; ++round) {
+    QByteArray damaged = whole;
+    const int place = testsupport::uniformInt(11, 2 * round, whole.size());
+    damaged[place] = char(testsupport::uniformInt(11, 2 * round + 1, 256));
+    nRead += errorOf(damaged) == "no error" ? 1 : 0;
+    EXPECT_NE(errorOf(whole.left(place)), "no error");
+  }
+  EXPECT_GT(nRead, 0);  // where blanks and titles change
+}
+
+TEST(JobReader, ReadsMemorySizes)
+{
+  EXPECT_EQ(parseMemorySize("512 MB"), qint64(512) << 20);
+  EXPECT_EQ(parseMemorySize("1.5gb"), qint64(3) << 29);
+  for (const char *wrong : {"", "12", "MB", "-1 GB", "1e3 MB", "99999999999 TB", "2 GB x"})
+    EXPECT_LE(parseMemorySize(wrong), 0) << wrong;
+}
