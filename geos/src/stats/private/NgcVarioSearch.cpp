@@ -1,0 +1,226 @@
+#include "stats/private/NgcVarioSearch.h"
+
+#include "basic/calc/NbcAProgress.h"
+#include "geos/stats/NgmPairsSelectorDirection.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+int columnSize(const NgmPairsSelectorDirection &direction, bool isCova)
+{
+  const int n = direction.getNIntervals();
+  return isCova ? 2 * n + 1 : n;
+}
+
+/// Calls f(columnSize, rank) for all sums of a direction, in order of rank.
+template <class Function>
+void forEachSum(const NgcVarioTask &task, const NgmPairsSelectorDirection &direction, Function f)
+{
+  for (int set = 0; set < task.nSets; ++set) {
+    for (const bool isCova : {false, true}) {
+      if (isCova ? !task.terms.covariance : !task.terms.variogram)
+        continue;
+      for (int pair = 0; pair < task.getNPairs(); ++pair)
+        f(columnSize(direction, isCova));
+    }
+  }
+}
+
+}  // namespace
+
+NgcVarioSearch::Workspace::Workspace(const NgcVarioSearch &search)
+    : _tails(CAPACITY),
+      _heads(CAPACITY),
+      _hx(CAPACITY),
+      _hy(CAPACITY),
+      _hz(CAPACITY),
+      _distances(CAPACITY),
+      _proposed(CAPACITY),
+      _pairs(CAPACITY)
+{
+  for (const NgmPairsSelectorDirection *direction : search._directions)
+    forEachSum(search._task, *direction, [this](int size) { _accumulators.emplace_back(size); });
+}
+
+NgcVarioSearch::NgcVarioSearch(const NgcVarioBlocks &blocks,
+                               std::vector<const NgmPairsSelectorDirection *> directions,
+                               const NgcVarioTask &task)
+    : _blocks(blocks), _directions(std::move(directions)), _task(task)
+{
+  double reach = 0.;
+  for (const NgmPairsSelectorDirection *direction : _directions)
+    reach = std::max(reach, direction->getMaximumDistance());
+  // Above the rounding of the square and of the root: the directions decide exactly.
+  _squaredReach = reach * reach * (1. + 1e-12);
+}
+
+NgaVarioSumList NgcVarioSearch::makeSums() const
+{
+  NgaVarioSumList sums;
+  for (const NgmPairsSelectorDirection *direction : _directions)
+    forEachSum(_task, *direction, [&sums](int size) { sums.append(NgaVarioSum(size)); });
+  return sums;
+}
+
+void NgcVarioSearch::processRow(int row, Workspace &workspace, const NbcAProgress &progress,
+                                NgaVarioSumList &sums) const
+{
+  const NgcVarioBlocks::Block &block = _blocks.getBlock(row);
+  for (int next = row; next < _blocks.getNBlocks(); ++next) {
+    if (!_blocks.isWithinReach(block, _blocks.getBlock(next)))
+      break;
+    if (progress._mustStop())
+      return;
+    _processBlocks(row, next, workspace);
+  }
+  _processPairs(workspace);
+  for (int i = 0; i < sums.getCount(); ++i)
+    workspace._accumulators[i].flushInto(sums.at(i));
+}
+
+void NgcVarioSearch::_processBlocks(int first, int second, Workspace &workspace) const
+{
+  const NgcVarioBlocks::Block &block = _blocks.getBlock(first);
+  const NgcVarioBlocks::Block &other = _blocks.getBlock(second);
+  const double *along = _blocks.getAlong();
+  const double band = _blocks.getAlongBand();
+  int low = other.first;
+  int high = other.first;
+  for (int i = block.first; i < block.last; ++i) {
+    while (low < other.last && along[low] < along[i] - band)
+      ++low;
+    while (high < other.last && along[high] <= along[i] + band)
+      ++high;
+    _addCandidates(i, first == second ? std::max(low, i + 1) : low, high, workspace);
+  }
+}
+
+void NgcVarioSearch::_addCandidates(int i, int first, int last, Workspace &workspace) const
+{
+  const NgcVarioSamples &samples = _blocks.getSamples();
+  const double *x = samples.x.data();
+  const double *y = samples.y.data();
+  const double *z = samples.z.data();
+  Workspace &w = workspace;
+  while (first < last) {
+    const int end = std::min(last, first + CAPACITY - w._n);
+    int n = w._n;
+    for (int j = first; j < end; ++j) {
+      const double dx = x[j] - x[i];
+      const double dy = y[j] - y[i];
+      const double dz = z[j] - z[i];
+      const double squared = dx * dx + dy * dy + dz * dz;
+      w._tails[n] = i;
+      w._heads[n] = j;
+      w._hx[n] = dx;
+      w._hy[n] = dy;
+      w._hz[n] = dz;
+      w._distances[n] = squared;
+      n += squared <= _squaredReach;
+    }
+    w._n = n;
+    first = end;
+    if (n == CAPACITY)
+      _processPairs(w);
+  }
+}
+
+void NgcVarioSearch::_processPairs(Workspace &workspace) const
+{
+  if (_task.filtering != 0)
+    _filterCodes(workspace);
+  if (_task.terms.means || _task.terms.covariance)
+    _orient(workspace);
+  for (int k = 0; k < workspace._n; ++k)
+    workspace._distances[k] = std::sqrt(workspace._distances[k]);
+  for (std::size_t direction = 0; direction < _directions.size(); ++direction) {
+    _selectPairs(*_directions[direction], workspace);
+    _accumulate(int(direction), workspace);
+  }
+  workspace._n = 0;
+}
+
+void NgcVarioSearch::_filterCodes(Workspace &workspace) const
+{
+  const std::vector<int> &codes = _blocks.getSamples().codes;
+  Workspace &w = workspace;
+  int n = 0;
+  for (int k = 0; k < w._n; ++k) {
+    const bool isSame = codes[w._tails[k]] == codes[w._heads[k]];
+    if (isSame != (_task.filtering == 1))
+      continue;
+    w._tails[n] = w._tails[k];
+    w._heads[n] = w._heads[k];
+    w._hx[n] = w._hx[k];
+    w._hy[n] = w._hy[k];
+    w._hz[n] = w._hz[k];
+    w._distances[n] = w._distances[k];
+    ++n;
+  }
+  w._n = n;
+}
+
+void NgcVarioSearch::_orient(Workspace &workspace) const
+{
+  Workspace &w = workspace;
+  for (int k = 0; k < w._n; ++k) {
+    if (_blocks.isForward(w._tails[k], w._heads[k]))
+      continue;
+    std::swap(w._tails[k], w._heads[k]);
+    w._hx[k] = -w._hx[k];
+    w._hy[k] = -w._hy[k];
+    w._hz[k] = -w._hz[k];
+  }
+}
+
+void NgcVarioSearch::_selectPairs(const NgmPairsSelectorDirection &direction,
+                                  Workspace &workspace) const
+{
+  Workspace &w = workspace;
+  NgcVarioPairs &pairs = w._pairs;
+  const int lastLag = direction.getNIntervals() - 1;
+  const int nProposed =
+      direction.proposePairs(w._n, w._hx.data(), w._hy.data(), w._hz.data(), w._proposed.data());
+  int n = 0;
+  for (int p = 0; p < nProposed; ++p) {
+    const int k = w._proposed[p];
+    int lagMin = 0;
+    int lagMax = 0;
+    bool positive = true;
+    const bool isKept = direction.getLagRank(NbgVector3D(w._hx[k], w._hy[k], w._hz[k]),
+                                             w._distances[k], lagMin, lagMax, positive);
+    pairs.tail[n] = w._tails[k];
+    pairs.head[n] = w._heads[k];
+    pairs.distance[n] = w._distances[k];
+    pairs.lagMin[n] = lagMin;
+    // Short lags may reach beyond the last class.
+    pairs.lagMax[n] = std::min(lagMax, lastLag);
+    pairs.positive[n] = positive;
+    n += isKept;
+  }
+  pairs.n = n;
+}
+
+void NgcVarioSearch::_accumulate(int direction, Workspace &workspace) const
+{
+  const NgcVarioSamples &samples = _blocks.getSamples();
+  const double *weights = samples.weights.empty() ? nullptr : samples.weights.data();
+  const int firstSum = direction * _task.getNSums();
+  for (int set = 0; set < _task.nSets; ++set) {
+    int pair = 0;
+    for (int i = 0; i < _task.nVariables; ++i) {
+      for (int j = i; j < (_task.cross ? _task.nVariables : i + 1); ++j, ++pair) {
+        const double *a = samples.values[set * _task.nVariables + i].data();
+        const double *b = samples.values[set * _task.nVariables + j].data();
+        if (_task.terms.variogram)
+          workspace._accumulators[firstSum + _task.rankOf(set, false, pair)].addVariogram(
+              _task.terms, workspace._pairs, a, b, weights);
+        if (_task.terms.covariance)
+          workspace._accumulators[firstSum + _task.rankOf(set, true, pair)].addCovariance(
+              workspace._pairs, a, b, weights);
+      }
+    }
+  }
+}
