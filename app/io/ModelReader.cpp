@@ -19,15 +19,10 @@ namespace {
 
 using Types = QList<NgmEVStruct>;
 
+/// Kriging with an unknown mean asks for stationary structures.
 Types availableTypes()
 {
-  Types types;
-  for (NgmEVStruct::Iterator items = NgmEVStruct::createIterator(); items.hasNext();) {
-    const NgmEVStruct &type = items.next();
-    if (NgmVStructFactory::createTemplateVStruct(type))
-      types << type;
-  }
-  return types;
+  return NgmVStructFactory::getStructureForDegree(-1, false);
 }
 
 bool isNamed(const NgmEVStruct &type, const QString &name)

@@ -131,8 +131,17 @@ NbdDataSimpleIterator NbdAData::createSimpleIterator() const
 
 void NbdAData::updateBoundingBox(NbgBox &box) const
 {
-  for (const int position : getSelectedPositions())
-    box.extendWith(getLocation(position));
+  constexpr int BLOCK = 512;
+  double x[BLOCK], y[BLOCK], z[BLOCK];
+  const int n = getNSamples();
+  for (int first = 0; first < n; first += std::min(BLOCK, n - first)) {
+    const int count = std::min(BLOCK, n - first);
+    getLocations(first, count, x, y, z);
+    for (int k = 0; k < count; ++k) {
+      if (isSelected(first + k))
+        box.extendWith(NbgVector3D(x[k], y[k], z[k]));
+    }
+  }
 }
 
 QString NbdAData::debug(int level) const

@@ -2,9 +2,22 @@
 
 #include "basic/data/NbdAVariable.h"
 #include "basic/error/NbeAssertion.h"
+#include "basic/error/NbeMemoryError.h"
+
+#include <QObject>
 
 #include <algorithm>
+#include <limits>
 #include <numeric>
+
+namespace {
+
+qint64 sumOf(const QVector<int> &counts)
+{
+  return std::accumulate(counts.begin(), counts.end(), qint64(0));
+}
+
+}  // namespace
 
 NbdDataLines::NbdDataLines() = default;
 NbdDataLines::~NbdDataLines() = default;
@@ -18,7 +31,10 @@ void NbdDataLines::setLines(const QList<int> &lineRanks, const QVector<int> &nSa
 {
   if (lineRanks.size() != nSamplesPerLine.size())
     NBE_FAIL(QStringLiteral("lineRanks.size() == nSamplesPerLine.size()"));
-  setResizedTo(std::accumulate(nSamplesPerLine.begin(), nSamplesPerLine.end(), 0));
+  const qint64 nSamples = sumOf(nSamplesPerLine);
+  if (nSamples > std::numeric_limits<int>::max())
+    throw NbeMemoryError(QObject::tr("There are too many samples for one buffer."));
+  setResizedTo(int(nSamples));
   _lineRanks = lineRanks;
   _setCounts(nSamplesPerLine);
 }
@@ -27,7 +43,7 @@ void NbdDataLines::setNSamplesPerLine(const QVector<int> &nSamplesPerLine)
 {
   if (nSamplesPerLine.size() != getNLines())
     NBE_FAIL(QStringLiteral("nSamplesPerLine.size() == getNLines()"));
-  if (std::accumulate(nSamplesPerLine.begin(), nSamplesPerLine.end(), 0) != getNSamples())
+  if (sumOf(nSamplesPerLine) != getNSamples())
     NBE_FAIL(QStringLiteral("sum(nSamplesPerLine) == getNSamples()"));
   _setCounts(nSamplesPerLine);
 }

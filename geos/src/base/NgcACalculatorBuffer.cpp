@@ -12,6 +12,8 @@
 #include <QMutexLocker>
 #include <QObject>
 
+#include <vector>
+
 NgcACalculatorBuffer::NgcACalculatorBuffer() = default;
 
 NgcACalculatorBuffer::~NgcACalculatorBuffer()
@@ -83,8 +85,12 @@ void NgcACalculatorBuffer::_runWorkers()
 {
   const int nThreads = getNThread();
   _pool.setMaxThreadCount(nThreads);
+  // None starts when one of them cannot be made.
+  std::vector<std::unique_ptr<NgwAThread>> workers;
   for (int thread = 0; thread < nThreads; ++thread)
-    _pool.start(_createComputingThread(&_pool));
+    workers.emplace_back(_createComputingThread(&_pool));
+  for (std::unique_ptr<NgwAThread> &worker : workers)
+    _pool.start(worker.release());
   _pool.waitForDone(-1);
 
   // Workers may leave their loop on a stop request without telling.

@@ -78,7 +78,7 @@ bool NgcACalculatorSimple::hasMacroStatistics(const QString &role, int index,
 {
   if (!_statistics->perform)
     NBE_FAIL(QStringLiteral("Statistics not activated!"));
-  return _statistics->findStatistics({role, index, macro}) != nullptr;
+  return _hasReadableResults() && _statistics->findStatistics({role, index, macro});
 }
 
 bool NgcACalculatorSimple::hasProportions(const QString &role, int index) const
@@ -91,7 +91,14 @@ bool NgcACalculatorSimple::hasMacroProportions(const QString &role, int index,
 {
   if (!_statistics->perform)
     NBE_FAIL(QStringLiteral("Proportions not activated!"));
-  return _statistics->findProportions({role, index, macro}) != nullptr;
+  return _hasReadableResults() && _statistics->findProportions({role, index, macro});
+}
+
+/// The run itself may read what it has finished.
+bool NgcACalculatorSimple::_hasReadableResults() const
+{
+  const State state = getState();
+  return state == COMPLETED || state == RUNNING;
 }
 
 void NgcACalculatorSimple::_doFinalChecks()

@@ -108,6 +108,16 @@ int NgcAInterpol::getNDimensions() const
   return getOutputDataset() ? getOutputDataset()->getNDimensions() : 0;
 }
 
+NbgBox NgcAInterpol::getBoundingBox() const
+{
+  NbgBox box;
+  for (const NgdADataSet *dataSet : {getInputDataset(), getOutputDataset()}) {
+    if (dataSet)
+      dataSet->updateBoundingBox(box);
+  }
+  return box;
+}
+
 bool NgcAInterpol::isGridOutputDataset() const
 {
   return getOutputDataset() && getOutputDataset()->isGrid();

@@ -48,10 +48,22 @@ QString accessError(const NgdVariableDescriptor &descriptor, const QString &reas
       .arg(name, id, reason);
 }
 
+/// The fewest digits that give the number back exactly.
+QString shortestText(float value)
+{
+  int nDigits = std::numeric_limits<float>::digits10;
+  QString text = QString::number(double(value), 'g', nDigits);
+  while (text.toFloat() != value && nDigits < std::numeric_limits<float>::max_digits10)
+    text = QString::number(double(value), 'g', ++nDigits);
+  return text;
+}
+
 /// Floating-point numbers with the digits that give them back exactly.
 QString valueText(const NbdAVariable &variable, int position)
 {
   const QVariant value = variable.getVariant(position);
+  if (value.userType() == QMetaType::Float)
+    return shortestText(value.toFloat());
   const bool isFloating = value.userType() == QMetaType::Double;
   return isFloating ? QString::number(value.toDouble(), 'g', QLocale::FloatingPointShortest)
                     : NbbGlobal::toString(value);
@@ -125,6 +137,7 @@ void NgdADataSet::_setDataProvider(QSharedPointer<NbpIProviderR> provider)
     NBE_FAIL(QStringLiteral("Given provider is null."));
 
   closeAllVariables();
+  _deleteTmpVariables();
   if (hasVariablesWithRole(Nbd::Role::SELECTION))
     NbbDebug::printWarning(QStringLiteral("User selection ignored"));
   clearRoles({Nbd::Role::SELECTION, Nbd::Role::X, Nbd::Role::Y, Nbd::Role::Z, Nbd::Role::SN});
@@ -487,8 +500,8 @@ void NgdADataSet::openAllVariables()
     NBE_FAIL(QStringLiteral("called twice."));
 
   const QString selectionId = provider.getSelectionId();
-  if (!selectionId.isEmpty() && provider.openVariable(selectionId, Nbd::ACCESS_READ))
-    _openedIds << selectionId;
+  if (!selectionId.isEmpty())
+    _openInProvider(_describe(selectionId, false));
   _sampleSizeBits = 0;
   for (const QList<NgdVariableDescriptor> &descriptors : qAsConst(_variables)) {
     for (const NgdVariableDescriptor &descriptor : descriptors)
@@ -499,19 +512,23 @@ void NgdADataSet::openAllVariables()
 
 void NgdADataSet::_openVariable(const NgdVariableDescriptor &descriptor)
 {
-  const QString id = descriptor.getProviderVarId();
   const bool hasNoStorage =
       descriptor.getVariableType() == Nbd::TYPE_RESERVED_64 && !descriptor.isMacro();
-  if (!hasNoStorage && descriptor.getContext() != MEMORY_SELECTION_CONTEXT) {
-    if (!_provider->openVariable(id, descriptor.getAccessType())) {
-      const QString text = accessError(descriptor, _provider->getLastError());
-      _closeOpened();
-      printDataSet("NgdADataSet::openAllVariables error: dataset is:", *this);
-      NBE_FAIL(text);
-    }
-    _openedIds << id;
-  }
+  if (!hasNoStorage && descriptor.getContext() != MEMORY_SELECTION_CONTEXT)
+    _openInProvider(descriptor);
   _sampleSizeBits += descriptor.getBitLength();
+}
+
+void NgdADataSet::_openInProvider(const NgdVariableDescriptor &descriptor)
+{
+  const QString id = descriptor.getProviderVarId();
+  if (!_provider->openVariable(id, descriptor.getAccessType())) {
+    const QString text = accessError(descriptor, _provider->getLastError());
+    _closeOpened();
+    printDataSet("NgdADataSet::openAllVariables error: dataset is:", *this);
+    NBE_FAIL(text);
+  }
+  _openedIds << id;
 }
 
 void NgdADataSet::closeAllVariables()
@@ -742,15 +759,18 @@ NbiIntervalIntLargeDisjoint NgdADataSet::_findRanksInside(const NbgGeomCuboid &c
   NbiIntervalIntLargeDisjoint inside;
   NbiIntervalIntLargeMoving window(NbiIntervalIntLarge::fromLength(getNSamples()), windowLength);
   NbdVariableDouble x, y, z;
+  NbdVariableDouble *const coordinates[] = {&x, &y, &z};
   NbdVariableSelection selection;
   while (window.hasNext()) {
     const NbiIntervalIntLarge ranks = window.next();
     const int n = int(_provider->getSelectedSampleCount(ranks));
-    for (NbdVariableDouble *coordinate : {&x, &y, &z})
+    for (NbdVariableDouble *coordinate : coordinates)
       coordinate->resizeAndFill(n);
     if (!_provider->readCoordinates(ranks, &x, &y, &z, 0) ||
         !_provider->readSelection(ranks, selection))
       NBE_FAIL(accessError(QStringLiteral("coordinates"), QString(), _provider->getLastError()));
+    for (int axis = getNDimensions(); axis < 3; ++axis)
+      coordinates[axis]->setAllValues(0.);
 
     const unsigned char *selected = selection.getArrayConst();
     for (int offset = 0, position = 0; offset < int(ranks.getLength()); ++offset) {

@@ -5,7 +5,6 @@
 #include "basic/data/NbdDataGrid.h"
 #include "basic/data/NbdDataGridSampled.h"
 #include "basic/data/NbdVariableDouble.h"
-#include "basic/data/NbdVariableFactory.h"
 #include "basic/data/NbdVariableInt64.h"
 #include "basic/data/NbdVariableSelection.h"
 #include "basic/error/NbeAssertion.h"
@@ -84,8 +83,12 @@ void NgdDataSetGrid::_loadSelection(const NbiIntervalIntSmall &i, const NbiInter
     NBE_FAIL(QStringLiteral("Error when reading the selection.\nReason: %1.")
                  .arg(provider.getLastError()));
   buffer.setSelection(selection);
+  _fillMemorySelection(selection, buffer);
+}
 
-  // A selection that the provider holds in memory is also bound as a variable.
+void NgdDataSetGrid::_fillMemorySelection(const NbdVariableSelection &selection,
+                                          NbdAData &buffer) const
+{
   for (const NgdVariableDescriptor &descriptor : getVariableDescriptors(Nbd::Role::SELECTION)) {
     NbdAVariable *column =
         buffer.getDataTable().getVarByRoleAndName(Nbd::Role::SELECTION, descriptor.getName());
@@ -163,6 +166,7 @@ void NgdDataSetGrid::_loadSelectionWithBorder(NbdDataGridExtended &buffer,
   selection.resizeAndFill(buffer.getNSamples());
   source.scatter(flags.getArrayConst(), selection);
   buffer.setSelection(selection);
+  _fillMemorySelection(selection, buffer);
 }
 
 void NgdDataSetGrid::saveFromBuffer(const NbiIntervalIntSmall &i, const NbiIntervalIntSmall &j,
@@ -189,11 +193,8 @@ void NgdDataSetGrid::saveExtendedFromBuffer(const NbdDataGridExtended &buffer) c
       positions << position;
   }
   _saveColumns(buffer, [&](const QString &id, NbdAVariable &variable) {
-    const auto block =
-        NbdVariableFactory::createVariable(variable.getVariableType(), variable.getDetails());
-    block->resizeAndFill(positions.size());
-    for (int k = 0; k < positions.size(); ++k)
-      block->copyValuesFrom(variable, positions[k], k, 1);
+    const std::unique_ptr<NbdAVariable> block = variable.clone();
+    block->extract(positions.constData(), positions.size());
     return writer->writeGrid(id, buffer.getParentIntervalI(), buffer.getParentIntervalJ(),
                              buffer.getParentIntervalK(), *block);
   });

@@ -312,7 +312,8 @@ void NgdVariableRules::_createTmpVariables()
     // A macro is created with the kind of indices that it will receive.
     updateMacros(dataSet, key.role, [&](NgdVariableDescriptor &macro) {
       NbdMacroIndexInfo info = macro.getMacroIndexInfo();
-      if (macro.isTemporary() && macro.getIndices().isEmpty() && _findIndexInfo(key, info))
+      const bool isPending = macro.isTemporary() && macro.getProviderVarId().isEmpty();
+      if (isPending && _findIndexInfo(key, info))
         macro.setIndices(info, {});
     });
     dataSet._createTempVariables(key.role);
@@ -482,12 +483,14 @@ void NgdVariableRules::_checkLink(const _DatasetRole &key, const _DatasetRole &r
 
 void NgdVariableRules::_checkLinkCycle(const _DatasetRole &start) const
 {
+  // A start that leads into a cycle without being part of it never comes back to itself.
   _DatasetRole key = start;
-  for (auto link = _links.find(key); link != _links.end(); link = _links.find(key)) {
-    if (link.value() == start)
+  for (int step = 0; step < _links.size() && _links.contains(key); ++step) {
+    const _DatasetRole next = _links[key];
+    if (next == start)
       NBE_FAIL(QStringLiteral("Detected a cycle between role %1 and %2")
                    .arg(start.toString(), key.toString()));
-    key = link.value();
+    key = next;
   }
 }
 

@@ -2,7 +2,7 @@
 
 #include "basic/error/NbeAssertion.h"
 #include "basic/geom/NbgGeomCuboid.h"
-#include "geos/interpol/NgmABlock.h"
+#include "geos/interpol/NgmBlock.h"
 
 NgmTarget::NgmTarget() = default;
 
@@ -50,7 +50,11 @@ void NgmTarget::setBlock(const NgmABlock &block)
 
 NbgGeomCuboid NgmTarget::getBlockAsCuboid() const
 {
-  return _isBlock ? getBlock().getCuboid(_center) : NbgGeomCuboid();
+  if (!_isBlock)
+    return NbgGeomCuboid();
+  if (!dynamic_cast<const NgmBlock *>(_block.get()))
+    NBE_FAIL(QStringLiteral("The Block is Unfolded"));
+  return getBlock().getCuboid(_center);
 }
 
 void NgmTarget::getDiscretizationPoints(QVector<NbgVector3D> &points) const

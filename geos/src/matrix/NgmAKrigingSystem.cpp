@@ -298,6 +298,9 @@ void NgmAKrigingSystem::computeLagrange(QVector<double> &out) const
 
 double NgmAKrigingSystem::krigingResult(const NbdAVariableNumeric &data) const
 {
+  _checkWeightsReady();
+  if (_nVariables != 1)
+    NBE_FAIL(QStringLiteral("getNVariables() == 1"));
   if (_convertedValues.empty())
     _convertedValues.resize(1);
   const double *values = _toArray(data, _convertedValues.front());
@@ -309,6 +312,9 @@ double NgmAKrigingSystem::krigingResult(const NbdAVariableNumeric &data) const
 void NgmAKrigingSystem::krigingResults(const QList<NbdAVariableNumeric *> &dataVars,
                                        QVector<double> &out) const
 {
+  _checkWeightsReady();
+  if (dataVars.size() != _nVariables)
+    NBE_FAIL(QStringLiteral("dataVars.size() == getNVariables()"));
   const std::size_t nVariables = std::size_t(dataVars.size());
   _valueArrays.resize(nVariables);
   _convertedValues.resize(std::max(_convertedValues.size(), nVariables));

@@ -177,7 +177,7 @@ QList<int> NgmCholesky::computeIncompleteCholesky(NgmMatrix &L, int nech,
   const int nExact = exactPivots.size();
   if (nech < nExact)
     throw NbeProgrammingError(QStringLiteral("Incorrect number of Exact Pivots (> nech)."));
-  const int budget = std::min(nech, nExact + maxPivots);
+  const int budget = nExact + std::min(nech - nExact, maxPivots);
   if (budget < 1)
     throw NbeProgrammingError(QStringLiteral("Number max of pivots should not be zero."));
 

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <memory>
 
 namespace {
@@ -80,6 +81,8 @@ TEST(NbdDataLines, SharesSamplesAnewOnlyWhenTheyAddUp)
   EXPECT_THROW(lines.setNSamplesPerLine({1, 1, 1, 1}), NbeProgrammingError);
   EXPECT_THROW(lines.setNSamplesPerLine({5}), NbeProgrammingError);
   EXPECT_THROW(lines.setLines({1, 2}, {1}), NbeProgrammingError);
+  const int most = std::numeric_limits<int>::max();  // the three sum up to 1 in an int
+  EXPECT_THROW(lines.setLines({1, 2, 3}, {most, most, 3}), NbeError);
   const std::unique_ptr<NbdDataLines> copy(lines.makeCopy());
   lines.setLines({}, {});
   EXPECT_EQ(copy->getNLines(), 4);

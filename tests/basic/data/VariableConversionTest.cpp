@@ -94,6 +94,8 @@ TEST(VariableConversion, SelectsWhatIsDefinedAndNotZero)
   EXPECT_EQ(nbdConvert<unsigned char>(-0.), 0);
   EXPECT_EQ(nbdConvert<unsigned char>(qint16(-3)), 1);
   EXPECT_EQ(nbdConvert<unsigned char>(QStringLiteral(" True ")), 1);
+  EXPECT_EQ(nbdConvert<unsigned char>(QStringLiteral("0.2")), 1);
+  EXPECT_EQ(nbdConvert<unsigned char>(QStringLiteral("0.0")), 0);
   EXPECT_EQ(nbdConvert<double>(static_cast<unsigned char>(1)), 1.);
   EXPECT_EQ(nbdConvert<QString>(static_cast<unsigned char>(0)), QStringLiteral("0"));
 }

@@ -18,6 +18,9 @@
 #include "basic/provider/NbpMemoryProviderPointsW.h"
 #include "support/TestData.h"
 
+#include <algorithm>
+#include <limits>
+
 namespace {
 
 template <class Provider>
@@ -238,4 +241,29 @@ TEST(NbpMemoryProviderLineCoreW, GivesTheRolesOfItsIntervals)
   const QString s = points.addSVariable({0.5, 1.5});
   EXPECT_EQ(points.getStructuralRoleId(NbdEVarRole::S), s);
   EXPECT_FALSE(points.isSupportCore());
+}
+
+TEST(NbpMemoryProviderPointsW, RefusesMoreSamplesThanItCanCount)
+{
+  NbpMemoryProviderPointsW provider(NbgEDimension::DIM_1D, 2);
+  EXPECT_FALSE(provider.appendSamples(std::numeric_limits<qint64>::max()));
+  EXPECT_EQ(provider.getSampleCount(), 2);
+}
+
+TEST(NbpMemoryProviderPointsW, CountsTheSelectionAfterEveryChange)
+{
+  const qint64 n = 20000;  // several blocks of counts
+  NbpMemoryProviderPointsW provider(NbgEDimension::DIM_1D, n);
+  std::vector<bool> expected(n, true);
+  for (std::uint64_t change = 0; change < 60; ++change) {
+    const qint64 first = qint64(testsupport::uniform(7, 3 * change, 0., n));
+    const qint64 last = qint64(testsupport::uniform(7, 3 * change + 1, double(first), n));
+    const bool isSelected = change % 3 == 0;
+    const NbiIntervalIntLarge ranks(first, last);
+    EXPECT_TRUE(isSelected ? provider.select(ranks) : provider.deselect(ranks));
+    std::fill(expected.begin() + first, expected.begin() + last + 1, isSelected);
+    const qint64 from = qint64(testsupport::uniform(7, 3 * change + 2, 0., n));
+    EXPECT_EQ(provider.getSelectedSampleCount(NbiIntervalIntLarge(from, n - 1)),
+              std::count(expected.begin() + from, expected.end(), true));
+  }
 }

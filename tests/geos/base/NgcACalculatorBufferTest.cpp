@@ -127,6 +127,22 @@ TEST(NgcACalculatorBuffer, AStandardExceptionOfAWorkerEndsTheRun)
   EXPECT_LT(calculator.nTaken, 100);
 }
 
+TEST(NgcACalculatorBuffer, NoWorkerStartsWhenOneCannotBeMade)
+{
+  const Provider provider = makeCounting(95);
+  Doubler calculator(10);
+  calculator.setProvider(provider);
+  int nMade = 0;
+  calculator.onStep = [&nMade](const QString &step) {
+    if (step == QStringLiteral("_createComputingThread") && ++nMade == 2)
+      throw NbeUserError(QStringLiteral("no second worker"));
+  };
+  EXPECT_EQ(calculator.execute(), NbcAProgress::FAILED);
+  EXPECT_EQ(errorOf(calculator), "no second worker");
+  EXPECT_EQ(calculator.nTaken, 0);
+  EXPECT_EQ(countDefined(valuesOf(provider, "OUT")), 0);
+}
+
 TEST(NgcACalculatorBuffer, AStopRequestInterrupts)
 {
   const Provider provider = makeCounting(1000);

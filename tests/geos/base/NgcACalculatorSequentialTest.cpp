@@ -108,6 +108,22 @@ TEST(NgcACalculatorSequential, WritesBackOnRequestOnly)
   EXPECT_EQ(calculator.getStatistics(Nbd::Role::VOUTPUT, 0).getNTotal(), 0);
 }
 
+TEST(NgcACalculatorSequential, AStoppedRunLeavesNoStatistics)
+{
+  const Provider provider = makeCounting(300);
+  Whole calculator;
+  calculator.setProvider(provider);
+  calculator.setPerformStatistics(Nbd::Role::VOUTPUT);
+  calculator.onProcessing = [&] { calculator.stop(); };
+  ASSERT_EQ(calculator.execute(), NbcAProgress::INTERRUPTED);
+  EXPECT_FALSE(calculator.hasStatistics(Nbd::Role::VOUTPUT, 0));
+
+  calculator.onProcessing = nullptr;
+  calculator.lastValue = 0.;
+  ASSERT_EQ(calculator.execute(), NbcAProgress::COMPLETED);
+  EXPECT_EQ(calculator.getStatistics(Nbd::Role::VOUTPUT, 0).getNDefined(), 300);
+}
+
 TEST(NgcACalculatorSequential, WithoutSelectionThereIsNothingToProcess)
 {
   const Provider provider = makeCounting(30);

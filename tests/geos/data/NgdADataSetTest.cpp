@@ -221,6 +221,20 @@ TEST(NgdADataSet, LoadsTheSamplesInsideACuboid)
   EXPECT_EQ(0, inside.getNSamples());
 }
 
+TEST(NgdADataSet, SamplesAreInsideACuboidWhereTheDataSetLocatesThem)
+{
+  const auto provider = testsupport::makePoints(50, NbgEDimension::DIM_3D);
+  NgdDataSetPoints dataSet;
+  dataSet.setDataProvider(provider);
+  dataSet.setMaxDimension(NgdADataSet::DIM_2);  // every sample is located at elevation 0
+  dataSet.openAllVariables();
+  NbdDataPoints inside;
+  dataSet.createAllVariables(inside, true, true);
+  dataSet.loadInBufferFromCuboid(
+      NbgGeomCuboid(NbgVector3D(500., 500., 0.), NbgVector3D(1000., 1000., 1.)), inside);
+  EXPECT_EQ(50, inside.getNSamples());
+}
+
 TEST(NgdADataSet, PatchesBySampleNumber)
 {
   const auto provider = testsupport::makePoints(10);
@@ -310,6 +324,22 @@ TEST(NgdDataSetGrid, ExtendedBuffersReachBeyondTheGrid)
     const bool isWritten = rank / 12 <= 1 && rank / 3 % 4 >= 1 && rank != 7;
     EXPECT_EQ(isWritten ? -3. : rank == 7 ? -1. : all[rank], after[rank]);
   }
+}
+
+TEST(NgdDataSetGrid, ExtendedBuffersHoldTheSelectionOfTheProvider)
+{
+  const auto provider = testsupport::makeGrid(3, 2, 2);
+  provider->deselect(NbiIntervalIntLarge(1, 6));
+  NgdDataSetGrid dataSet;
+  dataSet.setDataProvider(provider);
+  dataSet.openAllVariables();
+  NbdDataGridExtended buffer;
+  dataSet.createAllVariables(buffer, false, false);
+  dataSet.loadExtendedInBuffer({0, 2}, {0, 1}, {0, 1}, NbgIntVector3D(1, 0, 0), buffer);
+  const NbdAVariableNumeric &selection = *buffer.getVariableNumeric(Nbd::Role::SELECTION, 0);
+  for (int position = 0; position < buffer.getNSamples(); ++position)
+    EXPECT_EQ(buffer.isSelected(position) ? 1. : 0., selection.getValue(position));
+  EXPECT_EQ(6, buffer.getNSelected());
 }
 
 TEST(NgdDataSetGrid, SampledBuffersFollowTheBorderOption)
@@ -585,6 +615,26 @@ TEST(NgdADataSet, TemporariesLiveForOneRun)
             messages.texts);
 }
 
+TEST(NgdADataSet, TemporariesAreDeletedFromTheFileThatHasThem)
+{
+  const auto provider = testsupport::makePoints(4), other = testsupport::makePoints(4);
+  const QStringList before = provider->getVariableIds();
+  NgdDataSetPoints dataSet;
+  dataSet.setDataProvider(provider);
+  dataSet.assignTemporaryVariable(out, text("__TMP_A"), Nbd::TYPE_DOUBLE);
+  NgdVariableRules rules;
+  rules.registerDataSet(text("D"), &dataSet);
+  rules.registerRole(text("D"), out, Nbd::ACCESS_WRITE, Nbd::TYPE_NONE);
+  NgdVariableRulesRun(rules).createTemporaries();
+  const QString kept = other->addVariable(text("Kept"), std::vector<double>(4, 1.));
+  EXPECT_EQ(dataSet.getVariableId(out, 0), kept);  // ids are unique within one file only
+
+  dataSet.setDataProvider(other);
+  rules.deleteTmpVariables();
+  EXPECT_EQ(before, provider->getVariableIds());
+  EXPECT_EQ(kept, other->getIdFromName(text("Kept")));
+}
+
 TEST(NgdADataSet, ClosesWhatItOpened)
 {
   const auto provider = testsupport::makePoints(4);
@@ -643,6 +693,13 @@ TEST(NgdADataSet, DumpsAndExportsSelectedValues)
   QFile file(path);
   ASSERT_TRUE(file.open(QIODevice::ReadOnly));
   EXPECT_EQ(QByteArray("X,Y,V\n4500000.25,0.1,0.5\n2,4,N/A\n"), file.readAll());
+
+  provider->addVariable(text("F"), std::vector<float>{1234567.f, 0.1f, 0.1f});
+  assign(dataSet, out, text("F"));
+  dataSet.exportVariableToCSV(out, path, 0, false);
+  QFile floats(path);
+  ASSERT_TRUE(floats.open(QIODevice::ReadOnly));
+  EXPECT_EQ(QByteArray("F\n1234567\n0.1\n"), floats.readAll());
 }
 
 TEST(NgdADataSet, RefusesMisuse)
@@ -776,4 +833,28 @@ TEST(NgdADataSet, ProviderFailuresAreReportedWithTheirReason)
   ASSERT_EQ(4, messages.texts.size());
   EXPECT_EQ(text("NgdADataSet::openAllVariables error: dataset is:"), messages.texts[0]);
   EXPECT_TRUE(messages.texts[1].startsWith(text("DataSetPoints: ")));
+}
+
+TEST(NgdADataSet, SelectionThatCannotBeReadIsReported)
+{
+  class Provider : public NbpMemoryProviderPointsW
+  {
+  public:
+    Provider() : NbpMemoryProviderPointsW(NbgEDimension::DIM_1D, 2) {}
+    bool openVariable(const QString &id, Nbd::EAccessType access) override
+    {
+      return id != getSelectionId() && NbpMemoryProviderPointsW::openVariable(id, access);
+    }
+  };
+  const auto provider = QSharedPointer<Provider>::create();
+  const QString id = provider->addVariable(text("Sel"), std::vector<bool>{true, false});
+  ASSERT_TRUE(provider->setSelectionId(id));
+  NgdDataSetPoints dataSet;
+  dataSet.setDataProvider(provider);
+  PrintedMessages messages;
+  EXPECT_TRUE(
+      errorOf([&] {
+        dataSet.openAllVariables();
+      }).contains(text("Error when accessing variable name 'Sel' and id '%1'.\nReason: ").arg(id)));
+  EXPECT_FALSE(dataSet.isOpened());
 }

@@ -1,268 +1,316 @@
 #include "geos/data/NgdNeighborhoodContext.h"
 
+#include "NeighborhoodOracle.h"
 #include "basic/data/NbdVariableDouble.h"
 #include "basic/data/NbdVariableInt64.h"
-#include "basic/error/NbeProgrammingError.h"
-#include "geos/NgcEnumGlobal.h"
+#include "basic/error/NbeUserError.h"
+#include "geos/NgmEnumGlobal.h"
 #include "geos/data/NgdDataSetPoints.h"
 #include "geos/data/NgdNeighborhoodMoving.h"
 #include "geos/data/NgdNeighborhoodUnique.h"
+#include "geos/interpol/NgmFaultSetPolylines.h"
+#include "support/Errors.h"
 #include "support/TestData.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <map>
 #include <thread>
 
+using oracle::Configuration;
+
 namespace {
-
-/// A seeded random data file and neighborhood.
-struct Configuration
-{
-  int nDimensions;
-  std::vector<NbgVector3D> locations;
-  std::vector<double> values;
-  NgmNeighborhoodMoving parameters;
-
-  explicit Configuration(std::uint64_t seed) : _seed(seed)
-  {
-    nDimensions = 1 + _draw(3);
-    const int n = 1 + _draw(_draw(2) ? 400 : 20);
-    const bool onGrid = _draw(3) == 0;  // ties
-    for (int i = 0; i < n; ++i) {
-      const NbgVector3D any =
-          onGrid ? NbgVector3D(10. * _draw(12), 10. * _draw(12), 10. * _draw(5))
-                 : NbgVector3D(120. * _uniform(), 120. * _uniform(), 50. * _uniform());
-      NbgVector3D location(any.x(), nDimensions > 1 ? any.y() : 0., nDimensions > 2 ? any.z() : 0.);
-      if (i > 0 && _draw(10) == 0)
-        location = locations[_draw(i)];  // duplicates
-      locations.push_back(location);
-      values.push_back(_draw(6) == 0 ? NbbGlobal::D_FFFF : _uniform());
-    }
-
-    const double radius = 10. * (1 + _draw(20));
-    parameters.setEllipseSize(
-        _draw(2) ? NbgVector3D(radius, radius, radius)
-                 : NbgVector3D(10. * (1 + _draw(12)), 10. * (1 + _draw(12)), 5. * (1 + _draw(8))));
-    if (_draw(2))
-      parameters.setEllipseRotation(
-          nDimensions == 3 ? NbgRotation(15. * _draw(24), 15. * _draw(6), 15. * _draw(6))
-                           : NbgRotation(15. * _draw(24), 0., 0.));
-    parameters.setRuleAnisotropicDistances(_draw(2) == 0);
-    const int nSectors = _draw(2) ? 1 : 1 + _draw(8);
-    parameters.setSectors(nSectors, 1 + _draw(12), nDimensions == 3 && _draw(3) == 0);
-    const int capacity =
-        parameters.getSplittedSectorsNumber() * parameters.getMaximumNumberPerSector();
-    parameters.setRuleMinimumNumber(true, _draw(std::min(6, capacity + 1)));
-    parameters.setRuleMaximumNumber(_draw(3) == 0, 1 + _draw(20));
-  }
-
-  NbgVector3D target(int k) const
-  {
-    if (k % 4 == 0)
-      return locations[std::size_t(k) % locations.size()];
-    const NbgVector3D any(10. * testsupport::uniformInt(_seed + 9, 3 * k, 13),
-                          150. * testsupport::uniform(_seed + 9, 3 * k + 1) - 20.,
-                          60. * testsupport::uniform(_seed + 9, 3 * k + 2) - 5.);
-    return NbgVector3D(any.x(), nDimensions > 1 ? any.y() : 0., nDimensions > 2 ? any.z() : 0.);
-  }
-
-private:
-  double _uniform() { return testsupport::uniform(_seed, _counter++); }
-  int _draw(int n) { return testsupport::uniformInt(_seed, _counter++, n); }
-
-  std::uint64_t _seed;
-  std::uint64_t _counter = 0;
-};
-
-/// The rules, straight from their definition: ranks of the selected samples in order.
-std::vector<int> selectByRules(const Configuration &configuration, const NbgVector3D &target)
-{
-  const NgmNeighborhoodMoving &p = configuration.parameters;
-  const NbgVector3D size = p.getEllipseSize();
-  const double radius = std::max({size.x(), size.y(), size.z()});
-  const int nSectors = p.getSectorsNumber();
-
-  struct Candidate
-  {
-    int rank;
-    double key;
-    int sector;
-  };
-  std::vector<Candidate> candidates;
-  for (std::size_t rank = 0; rank < configuration.locations.size(); ++rank) {
-    if (!NbbGlobal::isDefined(configuration.values[rank]))
-      continue;
-    const NbgVector3D d = configuration.locations[rank] - target;
-    const NbgVector3D local = p.getEllipseRotation().worldToLocal(d);
-    const double qx = local.x() * (radius / size.x());
-    const double qy = configuration.nDimensions > 1 ? local.y() * (radius / size.y()) : 0.;
-    const double qz = configuration.nDimensions > 2 ? local.z() * (radius / size.z()) : 0.;
-    const double anisotropic = qx * qx + qy * qy + qz * qz;
-    const double euclidean = d.x() * d.x() + d.y() * d.y() + d.z() * d.z();
-    if (anisotropic >= radius * radius)
-      continue;
-    int sector = 0;
-    if (nSectors > 1 && (local.x() != 0. || local.y() != 0.)) {
-      double angle = std::atan2(local.y(), local.x());
-      if (angle < 0.)
-        angle += 6.283185307179586;
-      sector = int(angle * nSectors / 6.283185307179586);
-      if (sector >= nSectors)
-        sector = 0;
-    }
-    if (p.isSplitSectors() && local.z() < 0.)
-      sector += nSectors;
-    candidates.push_back(
-        {int(rank), p.isRuleAnisotropicDistances() ? anisotropic : euclidean, sector});
-  }
-
-  std::vector<int> selected;
-  const int perSector = p.getMaximumNumberPerSector();
-  if (p.getSplittedSectorsNumber() == 1 && int(candidates.size()) <= perSector) {
-    for (const Candidate &candidate : candidates)
-      selected.push_back(candidate.rank);
-  } else {
-    std::stable_sort(candidates.begin(), candidates.end(),
-                     [](const Candidate &a, const Candidate &b) { return a.key < b.key; });
-    std::vector<int> counts(std::size_t(p.getSplittedSectorsNumber()), 0);
-    for (const Candidate &candidate : candidates) {
-      if (p.isRuleMaximumNumber() && int(selected.size()) >= p.getMaximumNumber())
-        break;
-      if (counts[candidate.sector] < perSector) {
-        ++counts[candidate.sector];
-        selected.push_back(candidate.rank);
-      }
-    }
-  }
-  if (int(selected.size()) < p.getMinimumNumber())
-    selected.clear();
-  return selected;
-}
 
 /// A data set of the configuration, open, and the search object on it.
 class Search
 {
 public:
-  explicit Search(const Configuration &configuration) : moving(Nbd::Role::V)
+  explicit Search(const Configuration &configuration)
+      : moving(Nbd::Role::V), _configuration(configuration)
   {
-    const std::size_t n = configuration.locations.size();
-    std::vector<double> x(n), y(n), z(n);
-    for (std::size_t i = 0; i < n; ++i) {
-      x[i] = configuration.locations[i].x();
-      y[i] = configuration.locations[i].y();
-      z[i] = configuration.locations[i].z();
-    }
-    const NbgEDimension dimensions[] = {NbgEDimension::DIM_1D, NbgEDimension::DIM_2D,
-                                        NbgEDimension::DIM_3D};
-    provider = QSharedPointer<NbpMemoryProviderPointsW>::create(
-        dimensions[configuration.nDimensions - 1], qint64(n));
-    provider->addXVariable(x);
-    if (configuration.nDimensions > 1)
-      provider->addYVariable(y);
-    if (configuration.nDimensions > 2)
-      provider->addZVariable(z);
-    dataSet.setDataProvider(provider);
-    dataSet.assignVariable(Nbd::Role::V,
-                           provider->addVariable(QStringLiteral("value"), configuration.values));
+    _fill();
     dataSet.openAllVariables();
     moving.setDataset(&dataSet);
     moving.setParameters(configuration.parameters);
+    for (const NgmNeighborhoodNestedParam &level : configuration.levels)
+      moving.addAlternativeParameters(level);
+    if (configuration.rejection) {
+      moving.setRejectionPartition(configuration.rejection->partition);
+      moving.setRejectionMode(configuration.rejection->mode);
+      moving.setRejectionAuxVarOption(configuration.rejection->option);
+      moving.setRejectionVarIndex(configuration.rejection->variable);
+    }
     moving.loadData();
     variables = moving.getAllData().getDataTableConst().getVarsNumeric(Nbd::Role::V);
+    _makeTargets();
+    _makeAdditional();
+  }
+
+  void prepare(NgdNeighborhoodContext &context) const
+  {
+    QMap<int, NbdAVariableNumeric *> collocated;
+    if (_configuration.hasCollocated)
+      collocated[0] = targets.getDataTableConst().getVarNumeric(Nbd::Role::COLLOCATED);
+    context.initialize(moving, !_configuration.factors.empty(), false, 0, false,
+                       targets.getDataTableConst(), variables, collocated);
+    context.setForceCollocated(_configuration.forcesCollocated);
+    if (_configuration.block)
+      context.setTargetBlock(*_configuration.block);
+    if (!_configuration.moreLocations.empty())
+      context.setAdditionalInput(&additional, Nbd::Role::SIMU, _configuration.moreMaximum);
+    for (std::size_t i = 0; i < _configuration.moreEnabled.size(); ++i) {
+      if (_configuration.moreEnabled[i])
+        context.enableAdditionalInputSample(int(i));
+    }
+    if (_configuration.faults.empty())
+      return;
+    NbgGeomPolylineSet lines;
+    for (const oracle::Fault &fault : _configuration.faults)
+      lines.add(NbgGeomPolyline(fault.vertices(), fault.isPolygon));
+    context.setFaultsEnabled(true);
+    context.setFaultsMode(_configuration.faultsMode);
+    context.setFaultsData(NgmNeighborhoodFaultSet(std::make_unique<NgmFaultSetPolylines>(lines)));
+  }
+
+  const NgcENeighborhoodErrorCode &search(NgdNeighborhoodContext &context, int target,
+                                          int *level) const
+  {
+    // A target that is no sample has a sample number beyond the file.
+    const int rank = _configuration.targetRanks[target];
+    const qint64 number = rank >= 0 ? rank + 1 : qint64(_configuration.locations.size()) + 5;
+    return context.setTargetLocation(_configuration.targets[target], target, number, level);
   }
 
   QSharedPointer<NbpMemoryProviderPointsW> provider;
   NgdDataSetPoints dataSet;
   NgdNeighborhoodMoving moving;
   QList<NbdAVariableNumeric *> variables;
+  NbdDataPoints targets;
+  NbdDataPoints additional;
+
+private:
+  void _fill()
+  {
+    const std::vector<NbgVector3D> &locations = _configuration.locations;
+    const std::size_t n = locations.size();
+    std::vector<double> coordinates[3], lines(n);
+    for (std::size_t i = 0; i < n; ++i) {
+      for (int axis = 0; axis < 3; ++axis)
+        coordinates[axis].push_back(locations[i][axis]);
+      lines[i] = _configuration.lines[i];
+    }
+    const NbgEDimension dimensions[] = {NbgEDimension::DIM_1D, NbgEDimension::DIM_2D,
+                                        NbgEDimension::DIM_3D};
+    provider = QSharedPointer<NbpMemoryProviderPointsW>::create(
+        dimensions[_configuration.nDimensions - 1], qint64(n));
+    provider->addXVariable(coordinates[0]);
+    if (_configuration.nDimensions > 1)
+      provider->addYVariable(coordinates[1]);
+    if (_configuration.nDimensions > 2)
+      provider->addZVariable(coordinates[2]);
+    dataSet.setDataProvider(provider);
+    for (std::size_t v = 0; v < _configuration.values.size(); ++v) {
+      const QString id =
+          provider->addVariable(QStringLiteral("value%1").arg(v), _configuration.values[v]);
+      dataSet.assignVariable(Nbd::Role::V, id);
+      if (v == 0) {
+        dataSet.assignVariable(Nbd::Role::LARGE_CUTOFF, id);
+        dataSet.assignVariable(Nbd::Role::SMALL_CUTOFF, id);
+      }
+    }
+    dataSet.assignVariable(Nbd::Role::CODE,
+                           provider->addVariable(QStringLiteral("code"), _configuration.codes));
+    dataSet.assignVariable(Nbd::Role::OBJECT_ID,
+                           provider->addVariable(QStringLiteral("line"), lines));
+  }
+
+  void _makeTargets()
+  {
+    NbdDataTable &table = targets.getDataTable();
+    const auto add = [&table](const QString &role, const std::vector<double> &values) {
+      if (!values.empty())
+        table.createVariableNumeric(role)->setValues(QVector<double>(values.begin(), values.end()));
+    };
+    add(Nbd::Role::COLLOCATED, _configuration.targetValues);
+    add(NgmLgsNeighborhoodMoving::getRoleRadiusFactor(), _configuration.factors);
+    add(NgmLgsNeighborhoodMoving::getRoleRot1(), _configuration.angles);
+    table.adjustNSamples();
+  }
+
+  void _makeAdditional()
+  {
+    additional.setNDimensions(_configuration.nDimensions);
+    additional.ensureCoordinates();
+    for (std::size_t v = 0; v < _configuration.moreValues.size(); ++v)
+      additional.getDataTable().createVariableNumeric(Nbd::Role::SIMU);
+    const QList<NbdVariableDouble *> columns =
+        additional.getDataTableConst().getVarsDouble(Nbd::Role::SIMU);
+    for (std::size_t i = 0; i < _configuration.moreLocations.size(); ++i) {
+      additional.appendSample(_configuration.moreLocations[i]);
+      for (int v = 0; v < columns.size(); ++v)
+        columns[v]->setValue(int(i), _configuration.moreValues[v][i]);
+    }
+  }
+
+  const Configuration &_configuration;
 };
+
+void expectAnswer(const Configuration &configuration, const NgdNeighborhoodContext &context,
+                  const oracle::Answer &expected)
+{
+  const int n = int(expected.selected.size());
+  ASSERT_EQ(int(context.getRanks().size()), n);
+  for (int i = 0; i < n; ++i) {
+    ASSERT_EQ(context.getRanks()[i], expected.selected[i].sample) << "neighbor " << i;
+    ASSERT_EQ(context.getSectors()[i], expected.selected[i].sector);
+    ASSERT_EQ(context.getSquaredDistances()[i], expected.selected[i].squaredDistance);
+  }
+  ASSERT_EQ(context.getCollocatedRank(), expected.hasCollocatedTarget ? n : -1);
+  ASSERT_EQ(context.getNNeighbors(), n + expected.hasCollocatedTarget);
+
+  const NbdDataPoints &neighbors = context.getNeighbors();
+  ASSERT_EQ(neighbors.getNSamples(), context.getNNeighbors());
+  for (std::size_t v = 0; v < expected.values.size(); ++v) {
+    for (std::size_t i = 0; i < expected.values[v].size(); ++i)
+      ASSERT_EQ(context.getMainValues(int(v))[i], expected.values[v][i]) << v << " of " << i;
+  }
+  for (int i = 0; i < n; ++i) {
+    const int rank = expected.selected[i].sample;
+    const bool isMain = rank < int(configuration.locations.size());
+    const std::size_t position = isMain ? 0 : rank - configuration.locations.size();
+    ASSERT_EQ(neighbors.getLocation(i),
+              isMain ? configuration.locations[rank] : configuration.moreLocations[position]);
+    ASSERT_EQ(neighbors.getSampleNumber(i), isMain ? rank + 1 : NbbGlobal::I64_FFFF);
+  }
+}
 
 }  // namespace
 
 TEST(NgdNeighborhoodContext, SelectsWhatTheRulesSay)
 {
-  int nSelected = 0;
-  for (std::uint64_t seed = 1; seed <= 600; ++seed) {
+  std::map<std::string, int> outcomes;
+  qint64 nNearest = 0;
+  int nLevels = 0;
+  for (std::uint64_t seed = 1; seed <= 4000; ++seed) {
     SCOPED_TRACE(seed);
     const Configuration configuration(1000 * seed);
     const Search search(configuration);
     NgdNeighborhoodContext context;
-    context.initialize(search.moving, search.variables);
-
-    for (int k = 0; k < 12; ++k) {
-      const NbgVector3D target = configuration.target(k);
+    search.prepare(context);
+    for (int k = 0; k < Configuration::nTargets; ++k) {
+      SCOPED_TRACE(k);
       int level = 7;
-      const NgcENeighborhoodErrorCode &outcome = context.setTargetLocation(target, &level);
-      const std::vector<int> expected = selectByRules(configuration, target);
-      ASSERT_EQ(context.getRanks(), expected) << "target " << k;
-      ASSERT_EQ(outcome == NgcENeighborhoodErrorCode::NEIGH_SUCCESS, level == 0);
-      ASSERT_TRUE(expected.empty() || level == 0);
-
-      const NbdDataPoints &neighbors = context.getNeighbors();
-      ASSERT_EQ(neighbors.getNSamples(), int(expected.size()));
-      for (std::size_t i = 0; i < expected.size(); ++i) {
-        ASSERT_EQ(neighbors.getLocation(int(i)), configuration.locations[expected[i]]);
-        ASSERT_EQ(context.getMainValues(0)[i], configuration.values[expected[i]]);
-        ASSERT_EQ(neighbors.getSampleNumber(int(i)), expected[i] + 1);
-      }
-      nSelected += int(expected.size());
+      const NgcENeighborhoodErrorCode &outcome = search.search(context, k, &level);
+      const oracle::Answer expected = oracle::Search(configuration, k).run();
+      ASSERT_STREQ(outcome.getKey(), expected.outcome.getKey());
+      ASSERT_EQ(level, expected.level);
+      expectAnswer(configuration, context, expected);
+      if (HasFatalFailure())
+        return;
+      ++outcomes[outcome.getKey()];
+      nLevels += level > 0;
     }
+    nNearest += context.getNNearestSearches();
   }
-  EXPECT_GT(nSelected, 10000);
+  // Every outcome occurs, and both roads.
+  EXPECT_EQ(outcomes.size(), 9u);
+  for (const auto &[key, count] : outcomes)
+    EXPECT_GT(count, 20) << key;
+  EXPECT_GT(nLevels, 300);
+  EXPECT_GT(nNearest, 2000);
 }
 
 TEST(NgdNeighborhoodContext, AnswersTheSameFromEightThreads)
 {
-  const Configuration configuration(77000);
-  const Search search(configuration);
-  std::vector<int> wrong(8, 0);
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 8; ++t) {
-    threads.emplace_back([&, t] {
-      NgdNeighborhoodContext context;
-      context.initialize(search.moving, search.variables);
-      for (int k = 0; k < 300; ++k) {
-        int level = 0;
-        context.setTargetLocation(configuration.target(k), &level);
-        wrong[t] += context.getRanks() != selectByRules(configuration, configuration.target(k));
-      }
-    });
+  for (const std::uint64_t seed : {77000, 78000, 79000, 81000}) {
+    const Configuration configuration(seed);
+    const Search search(configuration);
+    std::vector<int> wrong(8, 0);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 8; ++t) {
+      threads.emplace_back([&, t] {
+        NgdNeighborhoodContext context;
+        search.prepare(context);
+        for (int k = 0; k < 20 * Configuration::nTargets; ++k) {
+          int level = 0;
+          const int target = (k + t) % Configuration::nTargets;
+          search.search(context, target, &level);
+          const oracle::Answer expected = oracle::Search(configuration, target).run();
+          wrong[t] += level != expected.level ||
+                      context.getRanks().size() != expected.selected.size() ||
+                      !std::equal(expected.selected.begin(), expected.selected.end(),
+                                  context.getRanks().begin(),
+                                  [](const auto &a, int rank) { return a.sample == rank; });
+        }
+      });
+    }
+    for (std::thread &thread : threads)
+      thread.join();
+    EXPECT_EQ(wrong, std::vector<int>(8, 0));
   }
-  for (std::thread &thread : threads)
-    thread.join();
-  EXPECT_EQ(wrong, std::vector<int>(8, 0));
 }
+
+namespace {
+
+/// Two samples in the plane, 5 apart, and a search of radius 5.
+Configuration twoSamples()
+{
+  Configuration configuration(2);
+  configuration.nDimensions = 2;
+  configuration.locations = {NbgVector3D(0., 0., 0.), NbgVector3D(3., 4., 0.)};
+  configuration.values = {{1., 2.}};
+  configuration.codes = {1., 2.};
+  configuration.lines = {1, 2};
+  configuration.levels.clear();
+  configuration.parameters = NgmNeighborhoodMoving();
+  configuration.parameters.setEllipseSize(NbgVector3D(5., 5., 5.));
+  configuration.rejection.reset();
+  configuration.moreLocations.clear();
+  configuration.moreValues.clear();
+  configuration.moreEnabled.clear();
+  configuration.factors.clear();
+  configuration.angles.clear();
+  return configuration;
+}
+
+const QString contextPath = QStringLiteral("data\\private\\NgdNeighborhoodContext");
+
+}  // namespace
 
 TEST(NgdNeighborhoodContext, NamesTheOutcome)
 {
-  Configuration configuration(1);
-  configuration.nDimensions = 2;
-  configuration.locations = {NbgVector3D(0., 0., 0.), NbgVector3D(3., 4., 0.)};
-  configuration.values = {1., 2.};
-  configuration.parameters = NgmNeighborhoodMoving();
-  configuration.parameters.setEllipseSize(NbgVector3D(5., 5., 5.));
+  Configuration configuration = twoSamples();
   configuration.parameters.setRuleMinimumNumber(true, 2);
+  configuration.levels = {{NbgVector3D(2., 2., 2.), 2, -1, -1, QString()}};
   const Search search(configuration);
   NgdNeighborhoodContext context;
   context.initialize(search.moving, search.variables);
-  EXPECT_THROW(context.initialize(search.moving, search.variables), NbeProgrammingError);
+  testsupport::expectAssertion(contextPath, QStringLiteral("Should be called only once"),
+                               [&] { context.initialize(search.moving, search.variables); });
 
   int level = 0;
-  // A sample exactly on the ellipsoid is outside.
+  // A sample exactly on the ellipsoid is outside; the next level finds it.
   EXPECT_EQ(context.setTargetLocation(NbgVector3D(0., 0., 0.), &level),
-            NgcENeighborhoodErrorCode::NEIGH_NOT_ENOUGH);
-  EXPECT_EQ(level, -1);
-  EXPECT_EQ(context.getNNeighbors(), 0);
+            NgcENeighborhoodErrorCode::NEIGH_SUCCESS);
+  EXPECT_EQ(level, 1);
+  EXPECT_EQ(context.getNestedNeighIndex(level), NgmENeighborhoodNestedCode::MEDIUM.getValue());
+  EXPECT_EQ(context.getNestedNeighName(level), QStringLiteral("Nested2"));
+  EXPECT_EQ(context.getNSelectedCodes(), 2);
   EXPECT_EQ(context.setTargetLocation(NbgVector3D(1., 1., 0.), &level),
             NgcENeighborhoodErrorCode::NEIGH_SUCCESS);
-  EXPECT_EQ(level, 0);
-  EXPECT_EQ(context.setTargetLocation(NbgVector3D(100., 0., 0.), &level),
-            NgcENeighborhoodErrorCode::NEIGH_NO_SAMPLE);
+  EXPECT_EQ(context.getNestedNeighName(level), QStringLiteral("Standard"));
+  EXPECT_EQ(context.setTargetLocation(NbgVector3D(-7., 0., 0.), &level),
+            NgcENeighborhoodErrorCode::NEIGH_NOT_ENOUGH);
+  EXPECT_EQ(context.getNestedNeighIndex(level), NgmENeighborhoodNestedCode::FAILED.getValue());
+  EXPECT_EQ(context.getNNeighbors(), 0);
 
   NgdNeighborhoodUnique unique(Nbd::Role::V);
-  EXPECT_THROW(unique.getAllData(), NbeProgrammingError);
-  EXPECT_THROW(unique.loadAllData(), NbeProgrammingError);
+  testsupport::expectAssertion(QStringLiteral("data\\private\\NgdNeighborhoodUnique"),
+                               QStringLiteral("LoadAllData() must be called before."),
+                               [&] { unique.getAllData(); });
+  testsupport::expectAssertion(QStringLiteral("data\\private\\NgdANeighborhood"),
+                               QStringLiteral("Cannot use rejection in unique neighborhood"),
+                               [&] { unique.setRejectionVarIndex(0); });
   unique.setDataset(&search.dataSet);
   unique.loadAllData();
   NgdNeighborhoodContext all;
@@ -271,4 +319,89 @@ TEST(NgdNeighborhoodContext, NamesTheOutcome)
             NgcENeighborhoodErrorCode::NEIGH_SUCCESS);
   EXPECT_EQ(level, -1);
   EXPECT_EQ(all.getRanks(), (std::vector<int>{0, 1}));
+}
+
+TEST(NgdNeighborhoodContext, RefusesWhatDoesNotGoTogether)
+{
+  const auto refusal = [](const std::function<void(Configuration &)> &change,
+                          const std::function<void(NgdNeighborhoodMoving &)> &setUp = {}) {
+    Configuration configuration = twoSamples();
+    change(configuration);
+    return testsupport::errorOf([&] {
+      Search search(configuration);
+      if (setUp)
+        setUp(search.moving);
+      NgdNeighborhoodContext context;
+      context.initialize(search.moving, search.variables);
+      int level = 0;
+      context.setTargetLocation(NbgVector3D(), 0, 0, &level);
+    });
+  };
+  const oracle::Rejection byTarget;
+  EXPECT_TRUE(refusal([&](Configuration &c) {
+                c.rejection = byTarget;
+              }).endsWith(QStringLiteral("targetSN must be defined to use rejection.")));
+  EXPECT_TRUE(refusal([&](Configuration &c) {
+                c.rejection = byTarget;
+                c.parameters.setRuleKeepAllInBlock(true);
+              }).endsWith(QStringLiteral("Block rules cannot be used with rejection")));
+  EXPECT_TRUE(
+      refusal([&](Configuration &c) {
+        c.rejection = byTarget;
+        c.parameters.setRuleProximity(true, NbgVector3D(1., 1., 1.));
+      }).endsWith(QStringLiteral("Proximity parallelepiped cannot be used with rejection")));
+  EXPECT_TRUE(refusal([&](Configuration &c) {
+                c.rejection = byTarget;
+                c.rejection->variable = 1;
+              }).endsWith(QStringLiteral("(keep nothing used)")));
+  EXPECT_TRUE(refusal([](Configuration &c) {
+                c.parameters.setSectors(1, 0, false);
+              }).startsWith(QStringLiteral("Wrong neighborhood parameters:\n- Maximum number")));
+  EXPECT_TRUE(refusal([](Configuration &c) {
+                c.levels = {{NbgVector3D::Undefined, -1, 0, -1, QString()}};
+              }).startsWith(QStringLiteral("Wrong alternative neighborhood parameters:\n")));
+  EXPECT_EQ(
+      refusal([](Configuration &c) {
+        c.levels = {{NbgVector3D(0.5, 2., 2.), -1, -1, -1, QString()}};
+      }),
+      QStringLiteral("NgdNeighborhoodMoving::addAlternativeParameters: decreasing ellipsoid size"));
+  EXPECT_TRUE(
+      refusal([](Configuration &) {},
+              [](NgdNeighborhoodMoving &moving) { moving.setParameters(NgmNeighborhoodMoving()); })
+          .endsWith(QStringLiteral("Moving neighborhood not initialized")));
+  NgdNeighborhoodMoving fresh(Nbd::Role::V);
+  EXPECT_EQ(testsupport::errorOf([&] { fresh.addAlternativeParameters({}); }),
+            QStringLiteral("NgdNeighborhoodMoving::addAlternativeParameters: setParameters method "
+                           "not called before"));
+}
+
+TEST(NgdNeighborhoodMoving, LoadsWhatTheCuboidHoldsAndFindsItByBox)
+{
+  Configuration configuration = twoSamples();
+  for (int i = 0; i < 100; ++i) {
+    configuration.locations.push_back(NbgVector3D(10. * (i % 10), 10. * (i / 10)));
+    configuration.values[0].push_back(1.);
+    configuration.codes.push_back(1.);
+    configuration.lines.push_back(1);
+  }
+  Search search(configuration);
+  QVector<int> ranks;
+  const NbgRotation turned(45., 0., 0.);
+  search.moving.selectDataFromBox(NbgVector3D(45., 45.), NbgVector3D(30., 8., 1.), turned, ranks);
+  QVector<int> expected;
+  for (int i = 0; i < int(configuration.locations.size()); ++i) {
+    const NbgVector3D local =
+        turned.worldToLocal(configuration.locations[i] - NbgVector3D(45., 45.));
+    if (std::abs(local.x()) <= 30. && std::abs(local.y()) <= 8.)
+      expected << i;
+  }
+  EXPECT_EQ(ranks, expected);
+  EXPECT_GT(ranks.size(), 5);
+
+  search.moving.setUseFilteringCuboid(true);
+  search.moving.setFilteringCuboid(
+      NbgGeomCuboid(NbgVector3D(20., 20., 0.), NbgVector3D(40., 20., 1.)));
+  search.moving.loadData();
+  EXPECT_EQ(search.moving.getAllData().getNSamples(), 15);
+  EXPECT_EQ(search.moving.getAllData().getSampleNumber(0), 13);
 }

@@ -286,6 +286,30 @@ TEST(NgdVariableRules, OutputMacrosReceiveTheRealizationsTheyLack)
   EXPECT_EQ(2., values.getValue(0));
 }
 
+TEST(NgdVariableRules, TemporaryMacrosFollowTheIndicesOfEachRun)
+{
+  Fixture f;
+  f.declareMacro(a, in, Nbd::ACCESS_READ);
+  f.declareMacro(a, out, Nbd::ACCESS_WRITE);
+  f.rules.setLinkTo(a, out, a, in);
+  f.setA.assignTemporaryMacro(out, text("__TMP_M"), Nbd::TYPE_DOUBLE);
+  f.setA.assignMacro(in, f.addMacro("M1", {1, 2}));
+  f.prepare();
+  f.rules.deleteTmpVariables();
+
+  const NbdMacroIndex dry(text("dry"));
+  const QString named = f.provider->addMacro(text("M2"), Nbd::TYPE_DOUBLE,
+                                             NbdMacroIndexInfo(NbdEMacroIndexType::STRING));
+  f.provider->addRealization(named, dry, std::vector<double>(5, 0.));
+  f.setA.clearRole(in);
+  f.setA.assignMacro(in, named);
+  f.prepare();
+  QList<NbdMacroIndex> created;
+  EXPECT_TRUE(f.provider->getMacroIndices(f.setA.getVariableId(out, 0), created));
+  EXPECT_EQ(QList<NbdMacroIndex>{dry}, created);
+  f.rules.deleteTmpVariables();
+}
+
 TEST(NgdVariableRules, LinkOfPlainVariablesIsIdle)
 {
   Fixture f;
@@ -383,6 +407,15 @@ TEST(NgdVariableRules, WrongMacroRulesAreRefused)
             [&](Fixture &f) {
               linked(f);
               f.rules.setLinkTo(b, in, a, in);
+            }},
+           // A/IN leads into the cycle without being part of it.
+           {"Detected a cycle between role 'B/IN' and 'B/OUT'",
+            [&](Fixture &f) {
+              linked(f);
+              f.declareMacro(b, out, Nbd::ACCESS_READ);
+              f.setB.assignMacro(out, f.addMacro("O", {1, 2}));
+              f.rules.setLinkTo(b, in, b, out);
+              f.rules.setLinkTo(b, out, b, in);
             }},
            {"Role 'B/IN' is used as reference but not all macros have same macro indices",
             [&](Fixture &f) {

@@ -2,8 +2,10 @@
 
 #include "KrigingRun.h"
 #include "basic/geom/NbgAngle.h"
+#include "basic/geom/NbgBox.h"
 #include "basic/interval/NbiIntervalIntLarge.h"
 #include "support/CsvFile.h"
+#include "support/Errors.h"
 #include "support/TestData.h"
 
 #include <gtest/gtest.h>
@@ -228,6 +230,38 @@ TEST(NgcKriging, LeavesTargetsWithoutNeighborsUndefined)
   EXPECT_GT(nDefined, 0);
 }
 
+TEST(NgcKriging, TakesASampleInProximityAsItIs)
+{
+  const auto points = samples({12., 20., 32.}, {10., 25., 10.}, {1., 2., 3.});
+  const auto grid = testsupport::makeGrid2D(20, 20);
+  NgmNeighborhoodMoving neighborhood = nearest(16);
+  neighborhood.setRuleProximity(true, NbgVector3D(3.5, 5., 0.));
+
+  NgcKriging kriging(QStringLiteral("KRIGING"));
+  kriging.setInputDataSet(input(points));
+  kriging.setOutputDataSet(output<NgdDataSetGrid>(grid));
+  kriging.setVarioModel(sphericalModel(0.1, 0.9, NbgVector3D(100., 100., 100.)));
+  kriging.setUsingMovingNeighborhood(neighborhood);
+  ASSERT_EQ(kriging.execute(), NbcAProgress::COMPLETED);
+
+  const std::vector<double> estimates = gridValues(*grid, QStringLiteral("estimate"));
+  const std::vector<double> deviations = gridValues(*grid, QStringLiteral("stdev"));
+  int nProxy = 0;
+  for (std::size_t rank = 0; rank < estimates.size(); ++rank) {
+    const NbgVector3D center = grid->getGridGeometry().getCellCenter(qint64(rank));
+    double expected = 0.;
+    for (const auto &[x, y, z] :
+         {std::tuple(32., 10., 3.), std::tuple(20., 25., 2.), std::tuple(12., 10., 1.)}) {
+      if (std::abs(center.x() - x) <= 3.5 && std::abs(center.y() - y) <= 5.)
+        expected = z;
+    }
+    EXPECT_EQ(deviations[rank] == 0., expected > 0.) << rank;
+    EXPECT_TRUE(expected == 0. || estimates[rank] == expected) << rank;
+    nProxy += expected > 0.;
+  }
+  EXPECT_GE(nProxy, 3);
+}
+
 TEST(NgcKriging, IgnoresUndefinedAndUnselectedSamples)
 {
   const std::vector<double> x = {10., 40., 70., 100., 130.};
@@ -391,6 +425,75 @@ TEST(NgcKriging, RefusesWrongConfigurations)
     EXPECT_EQ(kriging.execute(), NbcAProgress::FAILED) << wrong.message;
     EXPECT_TRUE(kriging.getErrorMessage().contains(QString::fromLatin1(wrong.message)))
         << wrong.message << " / " << qPrintable(kriging.getErrorMessage());
+  }
+}
+
+TEST(NgcKriging, WarnsOfAUniqueNeighborhoodWithoutData)
+{
+  const auto points = samples({10., 20.}, {10., 20.}, {1., 2.});
+  points->setSelection({false, false});
+  const auto grid = testsupport::makeGrid2D(4, 3);
+  NbgBox box;
+  grid->updateBoundingBox(box);
+  NgcKriging kriging(QStringLiteral("KRIGING"));
+  kriging.setInputDataSet(input(points));
+  kriging.setOutputDataSet(output<NgdDataSetGrid>(grid));
+  kriging.setVarioModel(sphericalModel(0., 1., NbgVector3D(100., 100., 100.)));
+  kriging.setUsingUniqueNeighborhood();
+  const testsupport::PrintedMessages messages;
+  ASSERT_EQ(kriging.execute(), NbcAProgress::FAILED);
+
+  const auto corner = [](const NbgVector3D &location) {
+    return QStringLiteral("%1, %2").arg(location.x()).arg(location.y());
+  };
+  const QString warning =
+      QStringLiteral(
+          "No data available when building kriging system for unique neighborhood.\n"
+          "If you use the parcelling, please increase the extension in order to get some "
+          "input samples in each parcelling box.<br>"
+          "Parcelling Lower Left Corner: %1<br>Parcelling Upper Right Corner: %2<br>")
+          .arg(corner(box.getLowerLeftCorner()), corner(box.getUpperRightCorner()));
+  ASSERT_EQ(messages.texts.size(), 1);
+  EXPECT_EQ(messages.texts.first(), warning);
+  EXPECT_TRUE(
+      kriging.getErrorMessage().contains(QStringLiteral("No defined sample in the input file")))
+      << qPrintable(kriging.getErrorMessage());
+  EXPECT_EQ(kriging.getKrigingSystemDual(), nullptr);
+}
+
+TEST(NgcKriging, GivesGeneralizedCovariancesTheSizeOfTheField)
+{
+  const auto points = samples({-30., 20., 5.}, {10., 120., 40.}, {1., 2., 4.});
+  const auto grid = testsupport::makeGrid2D(4, 3);
+  NbgBox box(NbgVector3D(-30., 10., 0.), NbgVector3D(20., 120., 0.));
+  grid->updateBoundingBox(box);
+  NgmVModel linear(1);
+  linear.setContextIrfDegree(0);
+  linear.setRanges(linear.addStructure(QStringLiteral("Linear"), 1.),
+                   NbgVector3D(100., 100., 100.));
+
+  NgcKriging kriging(QStringLiteral("KRIGING"));
+  kriging.setInputDataSet(input(points));
+  kriging.setOutputDataSet(output<NgdDataSetGrid>(grid));
+  kriging.setVarioModel(linear);
+  kriging.setUsingUniqueNeighborhood();
+  ASSERT_EQ(kriging.execute(), NbcAProgress::COMPLETED) << qPrintable(kriging.getErrorMessage());
+  EXPECT_DOUBLE_EQ(kriging.getVarioModel().getContext().getFieldSize(), box.getDiagonalLength());
+  const std::vector<double> unique = gridValues(*grid, QStringLiteral("estimate"));
+  const std::vector<double> variances = gridValues(*grid, QStringLiteral("variance"));
+
+  // The third radius lies beyond the dimension. Weights and variances do not depend on the constant
+  // of the covariance.
+  NgmNeighborhoodMoving all = nearest(3);
+  all.setEllipseSize(NbgVector3D(400., 500., 9000.));
+  kriging.setUsingMovingNeighborhood(all);
+  ASSERT_EQ(kriging.execute(), NbcAProgress::COMPLETED) << qPrintable(kriging.getErrorMessage());
+  EXPECT_EQ(kriging.getVarioModel().getContext().getFieldSize(), 1000.);
+  const std::vector<double> moving = gridValues(*grid, QStringLiteral("estimate"));
+  const std::vector<double> movingVariances = gridValues(*grid, QStringLiteral("variance"));
+  for (std::size_t rank = 0; rank < unique.size(); ++rank) {
+    EXPECT_NEAR(moving[rank], unique[rank], 1e-10);  // rounding of 3 by 3 systems
+    EXPECT_NEAR(movingVariances[rank], variances[rank], 1e-10);
   }
 }
 

@@ -3,6 +3,8 @@
 #include "MatrixTestSupport.h"
 #include "basic/base/NbbGlobal.h"
 
+#include <limits>
+
 using namespace testsupport;
 
 namespace {
@@ -98,6 +100,8 @@ TEST(NgmCholesky, PivotsAreTheLargestResidualsAfterTheExactOnes)
   EXPECT_EQ(L.getNRows(), 5);
   EXPECT_EQ(L.getNColumns(), 2);
   EXPECT_EQ(factorize(c, L, {}, NbbGlobal::D_FFFF, 3).size(), 3);
+  const int unlimited = std::numeric_limits<int>::max();
+  EXPECT_EQ(factorize(c, L, {0, 4}, 0., unlimited), (QList<int>{0, 4, 1, 3, 2}));
 }
 
 TEST(NgmCholesky, RowsOfPivotsAreExactAndTheStoppingRuleHolds)

@@ -335,6 +335,11 @@ TEST(NgmKrigingSystem, ErrorTexts)
 {
   NgmKrigingSystem simple(1, true, false, 0);
   krige(simple, meuseModel(), randomSamples(91, 3), 10., 10.);
+  NgmKrigingSystem cokriging(2, false, false, 0);
+  Samples pairs = randomSamples(92, 3, 2);
+  krige(cokriging, meuseCoregionalization(), pairs, 10., 10.);
+  NbdVariableDouble column;
+  column.setVector(pairs.values(0));
   QVector<double> out;
   expectErrors({
       {"lagrange", NbeError::PROGRAMMING,
@@ -343,6 +348,12 @@ TEST(NgmKrigingSystem, ErrorTexts)
       {"rescaled with drift", NbeError::PROGRAMMING,
        assertion("NgmAKrigingSystem", "Rescaled cokriging is incompatible with drifts"),
        [] { NgmKrigingSystem(2, false, true, 1); }},
+      {"one variable of two", NbeError::PROGRAMMING,
+       assertion("NgmAKrigingSystem", "getNVariables() == 1"),
+       [&] { cokriging.krigingResult(column); }},
+      {"one variable of two, in a list", NbeError::PROGRAMMING,
+       assertion("NgmAKrigingSystem", "dataVars.size() == getNVariables()"),
+       [&] { cokriging.krigingResults({&column}, out); }},
   });
   const QString text = simple.debug(0);
   EXPECT_TRUE(

@@ -86,7 +86,7 @@ inline To nbdConvert(const From &value)
   if constexpr (std::is_same_v<To, From>) {
     return value;
   } else if constexpr (std::is_same_v<From, QString>) {
-    if constexpr (std::is_integral_v<To>)
+    if constexpr (std::is_integral_v<To> && !std::is_same_v<To, unsigned char>)
       return nbdConvert<To>(nbdTextToInt64(value));
     else
       return nbdConvert<To>(nbdTextToDouble(value));

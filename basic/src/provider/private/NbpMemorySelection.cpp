@@ -34,7 +34,7 @@ const unsigned char *findFlag(const unsigned char *first, const unsigned char *e
 
 NbpMemorySelection::NbpMemorySelection(std::vector<unsigned char> flags) : _flags(std::move(flags))
 {
-  _countBlocks(0);
+  _countBlocks(0, _getNBlocks() - 1);
 }
 
 qint64 NbpMemorySelection::count(qint64 first, qint64 last) const
@@ -62,14 +62,18 @@ int NbpMemorySelection::appendRuns(qint64 first, qint64 last, bool compact, int 
 
 void NbpMemorySelection::fill(qint64 first, qint64 last, bool selected)
 {
+  const qint64 nAdded = (selected ? last - first + 1 : 0) - count(first, last);
   std::fill(_flags.begin() + first, _flags.begin() + last + 1, selected ? 1 : 0);
-  _countBlocks(first / BLOCK);
+  const qint64 lastBlock = last / BLOCK;
+  _countBlocks(first / BLOCK, lastBlock);
+  for (std::size_t block = lastBlock + 2; block < _selectedBefore.size(); ++block)
+    _selectedBefore[block] += nAdded;
 }
 
 void NbpMemorySelection::replace(qint64 rank, qint64 nOld, qint64 n)
 {
   replaceValues(_flags, rank, nOld, n, static_cast<unsigned char>(1));
-  _countBlocks(rank / BLOCK);
+  _countBlocks(rank / BLOCK, _getNBlocks() - 1);
 }
 
 void NbpMemorySelection::reserve(qint64 size)
@@ -78,11 +82,15 @@ void NbpMemorySelection::reserve(qint64 size)
   _selectedBefore.reserve(std::size_t(size / BLOCK + 2));
 }
 
-void NbpMemorySelection::_countBlocks(qint64 firstBlock)
+qint64 NbpMemorySelection::_getNBlocks() const
 {
-  const qint64 nBlocks = (getSize() + BLOCK - 1) / BLOCK;
-  _selectedBefore.resize(std::size_t(nBlocks + 1), 0);
-  for (qint64 block = firstBlock; block < nBlocks; ++block) {
+  return (getSize() + BLOCK - 1) / BLOCK;
+}
+
+void NbpMemorySelection::_countBlocks(qint64 firstBlock, qint64 lastBlock)
+{
+  _selectedBefore.resize(std::size_t(_getNBlocks() + 1), 0);
+  for (qint64 block = firstBlock; block <= lastBlock; ++block) {
     const qint64 first = block * BLOCK;
     const qint64 n = std::min(BLOCK, getSize() - first);
     _selectedBefore[block + 1] = _selectedBefore[block] + countFlags(_flags.data() + first, n);

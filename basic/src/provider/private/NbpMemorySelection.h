@@ -34,7 +34,8 @@ public:
 private:
   static constexpr qint64 BLOCK = 4096;
 
-  void _countBlocks(qint64 firstBlock);
+  qint64 _getNBlocks() const;
+  void _countBlocks(qint64 firstBlock, qint64 lastBlock);
   qint64 _countBefore(qint64 rank) const;
 
   std::vector<unsigned char> _flags;

@@ -513,6 +513,8 @@ void NbpMemoryStorage::checkBuffers(int nPositions, const NbpCoordinateColumns &
 
 void NbpMemoryStorage::replaceSamples(qint64 rank, qint64 nOld, qint64 n)
 {
+  if (n > std::numeric_limits<qint64>::max() - (_nSamples - nOld))
+    fail(QObject::tr("%1 samples are too many for one file.").arg(n));
   const qint64 nSamples = _nSamples - nOld + n;
   for (const auto &entry : _entries)
     if (entry->column)

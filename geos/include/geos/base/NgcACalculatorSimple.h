@@ -28,7 +28,8 @@ public:
   void setPerformStatsOrProps(bool perform);
   bool getPerformStatsorProps() const;
 
-  /// The result of the last run; an error when statistics are not activated or there is none.
+  /// The result of the last run; an error when statistics are not activated or there is none. A run
+  /// that failed or was stopped leaves none.
   NbcStatBasic getStatistics(const QString &role, int index) const;
   NbcStatBasic getMacroStatistics(const QString &role, int index, const NbdMacroIndex &macro) const;
   NbcProportions getProportions(const QString &role, int index) const;
@@ -64,5 +65,7 @@ protected:
   void _finalizeStatistics();
 
 private:
+  bool _hasReadableResults() const;
+
   std::unique_ptr<NgcStatisticsStore> _statistics;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "basic/geom/NbgBox.h"
 #include "geos/base/NgcACalculatorBuffer.h"
 #include "geos/base/NgcIInterpol.h"
 #include "geos/data/NgdNeighborhoodMoving.h"
@@ -38,6 +39,9 @@ public:
 
   /// Dimension of the input, else of the output, else 0.
   int getNDimensions() const;
+
+  /// Bounds the samples of the input and of the output.
+  NbgBox getBoundingBox() const;
   bool isGridOutputDataset() const;
 
   /// Failures of one kind in the last run.

@@ -210,6 +210,7 @@ private:
   template <class Predicate>
   bool _hasVariable(Predicate matches) const;
   void _openVariable(const NgdVariableDescriptor &descriptor);
+  void _openInProvider(const NgdVariableDescriptor &descriptor);
   void _closeOpened();
   QString _createTemporary(const NgdVariableDescriptor &descriptor);
   void _setTemporaryId(const QString &name, const QString &id);

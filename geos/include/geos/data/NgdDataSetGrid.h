@@ -5,9 +5,11 @@
 #include "geos/data/NgdADataSet.h"
 #include "geos/data/NgdBufferManagerGrid.h"
 
+class NbdAData;
 class NbdDataGrid;
 class NbdDataGridExtended;
 class NbdDataGridSampled;
+class NbdVariableSelection;
 class NbiIntervalIntSmall;
 class NbpIProviderGridR;
 
@@ -74,6 +76,8 @@ private:
   const NbpIProviderGridR &_getGridProvider() const;
   void _loadSelection(const NbiIntervalIntSmall &i, const NbiIntervalIntSmall &j,
                       const NbiIntervalIntSmall &k, NbdDataGrid &buffer) const;
+  /// A selection that the provider holds in memory is also bound as a variable.
+  void _fillMemorySelection(const NbdVariableSelection &selection, NbdAData &buffer) const;
   void _loadWithBorder(NbdDataGridExtended &buffer, BorderOption option) const;
   void _loadSelectionWithBorder(NbdDataGridExtended &buffer, BorderOption option) const;
 

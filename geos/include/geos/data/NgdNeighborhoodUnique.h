@@ -11,6 +11,10 @@ public:
 
   bool isMoving() const override { return false; }
 
+  /// Never to be called: every sample is a neighbor.
+  void selectDataFromBox(const NbgVector3D &center, const NbgVector3D &halfExtents,
+                         const NbgRotation &rotation, QVector<int> &ranks) const override;
+
   /// Loads every selected sample with three coordinate columns and its sample number.
   void loadAllData();
 

@@ -41,6 +41,9 @@ protected:
 
 private:
   void _setModelContext();
+
+  /// Extension of the field, which fixes the constant of generalized covariances.
+  double _calcFieldSize() const;
   void _buildUniqueKrigingSystem();
 
   NgmVModel _model;

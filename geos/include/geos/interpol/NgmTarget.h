@@ -34,7 +34,8 @@ public:
   /// Keeps a copy; the target is a block from then on.
   void setBlock(const NgmABlock &block);
 
-  /// The block placed at the centre; a default cuboid when the target is a point.
+  /// The block placed at the centre; a default cuboid when the target is a point. Fails for an
+  /// unfolded block, which is in no single box.
   NbgGeomCuboid getBlockAsCuboid() const;
 
   /// Discretization points of the block in world coordinates; none for a point.

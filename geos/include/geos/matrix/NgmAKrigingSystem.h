@@ -76,7 +76,8 @@ public:
   /// w[s] = weight of variable v's sample s for target variable t.
   void getWeights(int t, int v, QVector<double> &w) const;
 
-  /// Estimates: weighted sums of the data, undefined data left out. No mean is added.
+  /// Estimates: weighted sums of the data, undefined data left out. No mean is added. The first is
+  /// for systems of one variable.
   double krigingResult(const NbdAVariableNumeric &data) const;
   void krigingResults(const QList<NbdAVariableNumeric *> &dataVars, QVector<double> &out) const;
   void krigingResults(const double *const *values, QVector<double> &out) const;

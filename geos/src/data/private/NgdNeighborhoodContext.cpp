@@ -1,24 +1,73 @@
 #include "geos/data/NgdNeighborhoodContext.h"
 
+#include "basic/base/NbbGlobal.h"
 #include "basic/data/NbdAVariableNumeric.h"
+#include "basic/data/NbdDataLines.h"
 #include "basic/data/NbdVariableDouble.h"
+#include "basic/data/NbdVariableInt64.h"
 #include "basic/error/NbeAssertion.h"
 #include "basic/error/NbeUserError.h"
-#include "geos/NgcEnumGlobal.h"
-#include "geos/data/NgdNeighborhoodMoving.h"
+#include "basic/geom/NbgBox.h"
+#include "data/private/NgdNeighborhoodSearch.h"
+#include "geos/NgmEnumGlobal.h"
 #include "geos/data/NgdNeighborhoodUnique.h"
+#include "geos/interpol/NgmBlock.h"
 
 #include <QObject>
+#include <QSet>
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 
-NgdNeighborhoodContext::NgdNeighborhoodContext() : _selected(&_neighbors) {}
+namespace {
+
+/// A sample at that squared distance from the target stands at it.
+constexpr double collocatedDistance = 1e-6;
+
+bool usesBlock(const NgmNeighborhoodMoving &parameters)
+{
+  return parameters.getMovingNeighborhoodMode() == NgcEMovNeighMode::FROM_BLOCK ||
+         parameters.isRuleBlockKeepAll() || parameters.isRuleMaximumPerBlock();
+}
+
+int toCode(double value)
+{
+  if (!NbbGlobal::isDefined(value) || !(std::abs(value) < 2147483647.))
+    return NbbGlobal::I32_FFFF;
+  return int(std::lround(value));
+}
+
+/// Cells of about eight samples when all of them are enabled.
+int octreeDepth(int nSamples, int nDimensions)
+{
+  int depth = 1;
+  while (depth < 12 && std::ldexp(8., depth * nDimensions) < nSamples)
+    ++depth;
+  return depth;
+}
+
+}  // namespace
+
+struct NgdNeighborhoodContext::_Level
+{
+  NgmLgsNeighborhoodMoving parameters;
+  int code;
+  QString name;
+  NgdSearchVolume pointVolume;
+  NgdSearchVolume blockVolume;
+};
+
+NgdNeighborhoodContext::NgdNeighborhoodContext()
+    : _target(&_pointTarget), _rejectionTargetValue(NbbGlobal::D_FFFF), _selected(&_neighbors)
+{
+}
 
 NgdNeighborhoodContext::~NgdNeighborhoodContext() = default;
 
 void NgdNeighborhoodContext::initialize(const NgdANeighborhood &neighborhood,
-                                        const QList<NbdAVariableNumeric *> &mainVariables)
+                                        const QList<NbdAVariableNumeric *> &mainVariables,
+                                        const QMap<int, NbdAVariableNumeric *> &collocated)
 {
   if (_moving || _unique)
     NBE_FAIL(QStringLiteral("Should be called only once"));
@@ -26,13 +75,10 @@ void NgdNeighborhoodContext::initialize(const NgdANeighborhood &neighborhood,
     NBE_FAIL(QStringLiteral("Wrong number of main variables"));
 
   if (!neighborhood.isMoving()) {
+    if (neighborhood.isRejectionActive())
+      NBE_FAIL(QStringLiteral("Rejection is not allowed in unique neighborhood"));
     _unique = static_cast<const NgdNeighborhoodUnique *>(&neighborhood);
-    _selected = &_unique->getAllData();
-    _count = _selected->getNSamples();
-    _ranks.resize(_count);
-    std::iota(_ranks.begin(), _ranks.end(), 0);
-    for (const NbdAVariableNumeric *variable : mainVariables)
-      _mainColumns.push_back(dynamic_cast<const NbdVariableDouble *>(variable));
+    _initializeUnique(mainVariables);
     return;
   }
 
@@ -40,50 +86,125 @@ void NgdNeighborhoodContext::initialize(const NgdANeighborhood &neighborhood,
   if (!moving->isDataLoaded())
     NBE_FAIL(QStringLiteral("Moving neighborhood not initialized"));
   _moving = moving;
+  _mainVariables = mainVariables;
   _checkParameters();
-
-  const NgmNeighborhoodMoving &parameters = _moving->getParameters();
-  _takesNearest = parameters.getSplittedSectorsNumber() <= 1 &&
-                  (parameters.isRuleAnisotropicDistances() || _moving->isScalingUniform());
-  _sectorCounts.resize(std::max(1, parameters.getSplittedSectorsNumber()));
-  _prepareColumns(mainVariables);
-  _findUsableSamples(mainVariables);
-}
-
-const NgcENeighborhoodErrorCode &NgdNeighborhoodContext::setTargetLocation(
-    const NbgVector3D &location, int *nestedIndex)
-{
-  *nestedIndex = -1;
-  _target.setCenter(location);
-  if (_unique)
-    return NgcENeighborhoodErrorCode::NEIGH_SUCCESS;
-
-  _ranks.clear();
-  _squaredDistances.clear();
-  const NgcENeighborhoodErrorCode &outcome = _selectLevel();
-  if (outcome == NgcENeighborhoodErrorCode::NEIGH_SUCCESS) {
-    *nestedIndex = 0;
-  } else {
-    _ranks.clear();
-    _squaredDistances.clear();
+  _search = std::make_unique<NgdNeighborhoodSearch>(_moving->getSortedData());
+  _setCollocated(collocated);
+  _prepareLevels();
+  _prepareColumns();
+  _prepareSamples();
+  _prepareCodes();
+  _prepareCaps();
+  if (_moving->isRejectionActive()) {
+    _checkRejection();
+    _prepareRejection();
   }
-  _copySelected();
-  return outcome;
 }
 
-int NgdNeighborhoodContext::getMaximumCount() const
+void NgdNeighborhoodContext::initialize(const NgdANeighborhood &neighborhood, bool localEllipsoid,
+                                        bool useConvention, int conventionId, bool force2D,
+                                        const NbdDataTable &targets,
+                                        const QList<NbdAVariableNumeric *> &mainVariables,
+                                        const QMap<int, NbdAVariableNumeric *> &collocated)
 {
-  return _unique ? _count : _moving->getMaximumNeighborsCount();
+  initialize(neighborhood, mainVariables, collocated);
+  if (!localEllipsoid)
+    return;
+  for (_Level &level : _levels) {
+    level.parameters.setDimension(_moving->getAllData().getNDimensions());
+    level.parameters.setAnglesConvention(useConvention, conventionId);
+    level.parameters.setForce2D(force2D);
+    level.parameters.registerVariables(targets);
+  }
 }
 
-const double *NgdNeighborhoodContext::getMainValues(int index) const
+void NgdNeighborhoodContext::setTargetData(const NbdDataTable &targets,
+                                           const QMap<int, NbdAVariableNumeric *> &collocated)
 {
-  return _mainColumns[index]->getArrayConst();
+  _setCollocated(collocated);
+  for (_Level &level : _levels) {
+    if (level.parameters.needPatching())
+      level.parameters.registerVariables(targets);
+  }
 }
 
-QList<NbdAVariableNumeric *> NgdNeighborhoodContext::getNumericVariables(const QString &role) const
+void NgdNeighborhoodContext::setTargetBlock(const NgmABlock &block)
 {
-  return _selected->getDataTableConst().getVarsNumeric(role);
+  _blockTarget.setBlock(block);
+  _blockProblem.clear();
+  const auto *regular = dynamic_cast<const NgmBlock *>(&_blockTarget.getBlock());
+  if (regular)
+    regular->isSizeDefined(_blockProblem);
+  if (_blockProblem.isEmpty())
+    _refreshVolumes();
+}
+
+void NgdNeighborhoodContext::setAdditionalInput(const NbdAData *data, const QString &role,
+                                                int maximum)
+{
+  if (!_search)
+    NBE_FAIL(QStringLiteral("Moving neighborhood not initialized"));
+  if (_moving->isRejectionActive())
+    NBE_FAIL(QStringLiteral("Rejection not allowed with additional input data"));
+  if (!dynamic_cast<const NbdDataPoints *>(data) && !dynamic_cast<const NbdDataLines *>(data))
+    NBE_FAIL(QStringLiteral("Unexpected type of NbdAData"));
+
+  NgdNeighborhoodSearch::Additional &additional = _search->additional;
+  additional = NgdNeighborhoodSearch::Additional();
+  additional.data = data;
+  additional.maximum = maximum;
+  for (const NbdAVariableNumeric *variable : data->getDataTableConst().getVarsNumeric(role))
+    additional.variables.push_back(variable);
+
+  const int n = data->getNSamples();
+  NbgBox box;
+  for (int position = 0; position < n; ++position) {
+    additional.locations.push_back(data->getLocation(position));
+    box.extendWith(additional.locations.back());
+  }
+  const NbgEDimension dimensions[] = {NbgEDimension::DIM_1D, NbgEDimension::DIM_2D,
+                                      NbgEDimension::DIM_3D};
+  const int nDimensions = _search->samples.nDimensions;
+  additional.index.setDimension(dimensions[nDimensions - 1]);
+  additional.index.setMaximumDepth(octreeDepth(n, nDimensions));
+  additional.index.setBoundingBox(box, NbgRotation());
+}
+
+void NgdNeighborhoodContext::enableAdditionalInputSample(int position)
+{
+  NgdNeighborhoodSearch::Additional &additional = _search->additional;
+  additional.index.insertSample(position, additional.locations[position]);
+}
+
+void NgdNeighborhoodContext::setFaultsEnabled(bool enabled)
+{
+  _faultsEnabled = enabled;
+}
+
+void NgdNeighborhoodContext::setFaultsData(const NgmNeighborhoodFaultSet &faults)
+{
+  if (_search)
+    _search->faults.set = faults;
+}
+
+void NgdNeighborhoodContext::setFaultsMode(const NgcEFaultsMode &mode)
+{
+  if (_search)
+    _search->faults.mode = mode;
+}
+
+// Preparation.
+
+void NgdNeighborhoodContext::_initializeUnique(const QList<NbdAVariableNumeric *> &mainVariables)
+{
+  _selected = &_unique->getAllData();
+  _count = _selected->getNSamples();
+  _ranks.resize(_count);
+  std::iota(_ranks.begin(), _ranks.end(), 0);
+  for (NbdAVariableNumeric *variable : mainVariables) {
+    _mainColumns.push_back(variable);
+    _mainDoubles.push_back(dynamic_cast<const NbdVariableDouble *>(variable));
+  }
 }
 
 void NgdNeighborhoodContext::_checkParameters() const
@@ -91,12 +212,49 @@ void NgdNeighborhoodContext::_checkParameters() const
   QStringList errors;
   QStringList warnings;
   const int dimension = _moving->getAllData().getNDimensions();
-  if (!_moving->getParameters().checkParameters(dimension, errors, warnings))
-    throw NbeUserError(
-        QObject::tr("Wrong neighborhood parameters:\n%1").arg(errors.join(QString())));
+  bool isStandard = true;
+  for (const NgdNeighborhoodMoving::Level &level : _moving->getLevels()) {
+    if (!level.parameters.checkParameters(dimension, errors, warnings)) {
+      const QString text = isStandard
+                               ? QObject::tr("Wrong neighborhood parameters:\n%1")
+                               : QObject::tr("Wrong alternative neighborhood parameters:\n%1");
+      throw NbeUserError(text.arg(errors.join(QString())) +
+                         QObject::tr("Inconsistencies detected"));
+    }
+    isStandard = false;
+  }
 }
 
-void NgdNeighborhoodContext::_prepareColumns(const QList<NbdAVariableNumeric *> &mainVariables)
+void NgdNeighborhoodContext::_setCollocated(const QMap<int, NbdAVariableNumeric *> &collocated)
+{
+  for (const int index : collocated.keys()) {
+    if (index < 0 || index >= _mainVariables.size())
+      NBE_FAIL(QStringLiteral("Wrong collocated variable index"));
+  }
+  _collocated = collocated;
+}
+
+void NgdNeighborhoodContext::_prepareLevels()
+{
+  const int nDimensions = std::max(1, _moving->getAllData().getNDimensions());
+  _levels.reserve(_moving->getLevels().size());
+  for (const NgdNeighborhoodMoving::Level &level : _moving->getLevels()) {
+    const NgdSearchVolume volume(level.parameters, _moving->getFrame(), nDimensions, nullptr);
+    _levels.push_back({level.parameters, level.code, level.name, volume, volume});
+  }
+  _search->samples.nDimensions = nDimensions;
+}
+
+/// The search volumes of targets with a block.
+void NgdNeighborhoodContext::_refreshVolumes()
+{
+  const auto *block = dynamic_cast<const NgmBlock *>(&_blockTarget.getBlock());
+  for (_Level &level : _levels)
+    level.blockVolume =
+        NgdSearchVolume(level.parameters, _moving->getFrame(), _search->samples.nDimensions, block);
+}
+
+void NgdNeighborhoodContext::_prepareColumns()
 {
   const NbdDataPoints &data = _moving->getAllData();
   _neighbors.setNDimensions(data.getNDimensions());
@@ -106,133 +264,272 @@ void NgdNeighborhoodContext::_prepareColumns(const QList<NbdAVariableNumeric *> 
   const QList<NbdAVariable *> from = data.getDataTableConst().getAllVars();
   const QList<NbdAVariable *> to = _neighbors.getDataTable().getAllVars();
   for (int i = 0; i < from.size(); ++i) {
-    auto *toDouble = dynamic_cast<NbdVariableDouble *>(to[i]);
-    const auto *fromDouble = dynamic_cast<const NbdVariableDouble *>(from[i]);
-    _columns.push_back(
-        {from[i], to[i], toDouble, toDouble ? fromDouble->getArrayConst() : nullptr});
+    _Column column = {from[i], to[i]};
+    if ((column.toDouble = dynamic_cast<NbdVariableDouble *>(to[i])))
+      column.doubles = static_cast<const NbdVariableDouble *>(from[i])->getArrayConst();
+    else if ((column.toInt64 = dynamic_cast<NbdVariableInt64 *>(to[i])))
+      column.integers = static_cast<const NbdVariableInt64 *>(from[i])->getArrayConst();
+    _columns.push_back(column);
   }
-  for (const NbdAVariableNumeric *variable : mainVariables) {
-    const int column = from.indexOf(const_cast<NbdAVariableNumeric *>(variable));
-    if (column < 0 || !_columns[column].toDouble)
+  for (NbdAVariableNumeric *variable : _mainVariables) {
+    const int column = from.indexOf(variable);
+    if (column < 0)
       NBE_FAIL(QStringLiteral("Wrong number of main variables"));
-    _mainColumns.push_back(_columns[column].toDouble);
-  }
-  _x = data.getCoordinates(0)->getArrayConst();
-  _y = data.getCoordinates(1)->getArrayConst();
-  _z = data.getCoordinates(2)->getArrayConst();
-}
-
-void NgdNeighborhoodContext::_findUsableSamples(const QList<NbdAVariableNumeric *> &mainVariables)
-{
-  const int n = _moving->getAllData().getNSamples();
-  _usable.assign(n, 0);
-  for (const NbdAVariableNumeric *variable : mainVariables) {
-    for (int rank = 0; rank < n; ++rank)
-      _usable[rank] |= !variable->isUndefined(rank);
+    _mainColumns.push_back(static_cast<NbdAVariableNumeric *>(_columns[column].to));
+    _mainDoubles.push_back(_columns[column].toDouble);
   }
 }
 
-const NgcENeighborhoodErrorCode &NgdNeighborhoodContext::_selectLevel()
+void NgdNeighborhoodContext::_prepareSamples()
 {
-  const NgmNeighborhoodMoving &parameters = _moving->getParameters();
-  const NgdSortedDataKdTree &tree = _moving->getSortedData();
-  const double squaredRadius = _moving->getRadius() * _moving->getRadius();
-  const int wanted = parameters.getMaximumNumberPerSector();
+  const NbdDataPoints &data = _moving->getAllData();
+  NgdNeighborhoodSearch::Samples &samples = _search->samples;
+  const int n = samples.n = data.getNSamples();
+  samples.x = data.getCoordinates(0)->getArrayConst();
+  samples.y = data.getCoordinates(1)->getArrayConst();
+  samples.z = data.getCoordinates(2)->getArrayConst();
+  samples.nVariables = _mainVariables.size();
+  samples.defined.resize(std::size_t(n) * samples.nVariables);
 
-  if (_takesNearest) {
-    // One more than is kept tells whether the ellipsoid holds more than that.
-    tree.proposeNearest(_target.getCenter(), wanted + 1, squaredRadius, _usable.data(), _proposals);
-  } else {
-    tree.proposeWithin(_target.getCenter(), squaredRadius, _proposals);
-  }
-  _measure(_proposals.count);
-  if (_candidates.empty())
-    return NgcENeighborhoodErrorCode::NEIGH_NO_SAMPLE;
-
-  const bool allFit =
-      parameters.getSplittedSectorsNumber() < 2 && qint64(_candidates.size()) <= qint64(wanted);
-  if (allFit) {
-    std::sort(_candidates.begin(), _candidates.end(),
-              [](const _Candidate &a, const _Candidate &b) { return a.rank < b.rank; });
-    for (const _Candidate &candidate : _candidates)
-      _take(candidate);
-  } else {
-    _sortCandidates();
-    _takeCandidates();
-  }
-  return int(_ranks.size()) < parameters.getMinimumNumber()
-             ? NgcENeighborhoodErrorCode::NEIGH_NOT_ENOUGH
-             : NgcENeighborhoodErrorCode::NEIGH_SUCCESS;
-}
-
-/// Keeps the proposals that lie strictly inside the ellipsoid, measured from raw coordinates.
-void NgdNeighborhoodContext::_measure(int nProposals)
-{
-  const NgmNeighborhoodMoving &parameters = _moving->getParameters();
-  const NbgRotation &rotation = parameters.getEllipseRotation();
-  const NbgVector3D scaling = _moving->getScaling();
-  const NbgVector3D center = _target.getCenter();
-  const double squaredRadius = _moving->getRadius() * _moving->getRadius();
-  const bool anisotropic = parameters.isRuleAnisotropicDistances();
-
-  _candidates.clear();
-  for (int i = 0; i < nProposals; ++i) {
-    const int rank = _proposals.ranks[i];
-    if (!_usable[rank])
-      continue;
-    const NbgVector3D d(_x[rank] - center.x(), _y[rank] - center.y(), _z[rank] - center.z());
-    const NbgVector3D local = rotation.worldToLocal(d);
-    const NbgVector3D scaled = local.componentsProduct(scaling);
-    const double a = scaled.x() * scaled.x() + scaled.y() * scaled.y() + scaled.z() * scaled.z();
-    if (!(a < squaredRadius))
-      continue;
-    const double e = d.x() * d.x() + d.y() * d.y() + d.z() * d.z();
-    _candidates.push_back({anisotropic ? a : e, e, rank, _sectorOf(local)});
+  const bool needsAll = _levels.front().parameters.isRuleIsotopicSearch();
+  samples.usable.assign(n, needsAll);
+  unsigned char *defined = samples.defined.data();
+  for (const NbdAVariableNumeric *variable : _mainVariables) {
+    for (int rank = 0; rank < n; ++rank, ++defined) {
+      *defined = !variable->isUndefined(rank);
+      if (needsAll)
+        samples.usable[rank] &= *defined;
+      else
+        samples.usable[rank] |= *defined;
+    }
   }
 }
 
-void NgdNeighborhoodContext::_sortCandidates()
+void NgdNeighborhoodContext::_prepareCodes()
 {
-  const auto before = [](const _Candidate &a, const _Candidate &b) {
-    return a.key < b.key || (a.key == b.key && a.rank < b.rank);
-  };
-  if (!_takesNearest) {
-    std::sort(_candidates.begin(), _candidates.end(), before);
+  const NbdDataTable &table = _moving->getAllData().getDataTableConst();
+  const NbdAVariableNumeric *codes = table.getVarNumeric(Nbd::Role::CODE);
+  if (!codes) {
+    if (_levels.front().parameters.isRulePerCode())
+      NBE_FAIL(QStringLiteral("Code variable not found"));
     return;
   }
-  // The index proposes in nearly the right order: insertion is linear then.
-  for (std::size_t i = 1; i < _candidates.size(); ++i) {
-    const _Candidate candidate = _candidates[i];
-    std::size_t j = i;
-    for (; j > 0 && before(candidate, _candidates[j - 1]); --j)
-      _candidates[j] = _candidates[j - 1];
-    _candidates[j] = candidate;
+  std::vector<int> &sampleCodes = _search->samples.codes;
+  sampleCodes.resize(_search->samples.n);
+  for (int rank = 0; rank < _search->samples.n; ++rank)
+    sampleCodes[rank] = toCode(codes->getValue(rank));
+}
+
+void NgdNeighborhoodContext::_prepareCaps()
+{
+  const NgmNeighborhoodMoving &parameters = _levels.front().parameters;
+  NgdNeighborhoodSearch::Samples &samples = _search->samples;
+  if (parameters.isRuleCutLarge())
+    samples.largeValues =
+        _findCapValues(Nbd::Role::LARGE_CUTOFF, _largeCapVariable,
+                       QStringLiteral("Large cutoff variable not found"),
+                       QStringLiteral("Large cutoff variable not found in main variables"));
+  if (parameters.isRuleCutSmall())
+    samples.smallValues =
+        _findCapValues(Nbd::Role::SMALL_CUTOFF, _smallCapVariable,
+                       QStringLiteral("Small cutoff variable not found"),
+                       QStringLiteral("Small cutoff variable not found in main variables"));
+}
+
+/// Values of the variable of a role, which also is a main one, by its name.
+const double *NgdNeighborhoodContext::_findCapValues(const QString &role, int &mainIndex,
+                                                     const QString &notFound,
+                                                     const QString &notMain) const
+{
+  const NbdDataTable &table = _moving->getAllData().getDataTableConst();
+  const NbdVariableDouble *variable = table.getVarDouble(role);
+  if (!variable)
+    NBE_FAIL(notFound);
+  for (int index = 0; index < _mainVariables.size(); ++index) {
+    if (_mainVariables[index]->getName() == variable->getName()) {
+      mainIndex = index;
+      return variable->getArrayConst();
+    }
+  }
+  NBE_FAIL(notMain);
+}
+
+void NgdNeighborhoodContext::_checkRejection() const
+{
+  for (const _Level &level : _levels) {
+    if (usesBlock(level.parameters))
+      NBE_FAIL(QStringLiteral("Block rules cannot be used with rejection"));
+    if (level.parameters.isRuleProximity())
+      NBE_FAIL(QStringLiteral("Proximity parallelepiped cannot be used with rejection"));
+  }
+  for (const NbdAVariableNumeric *variable : _mainVariables) {
+    if (variable->isMultiRealizations() || variable->hasMacroIndex())
+      NBE_FAIL(QStringLiteral("Macro variables (simulations) cannot be used with rejection"));
+  }
+
+  const int index = _moving->getRejectionInterestVarIdx();
+  const bool keepsNothing =
+      _moving->getRejectionAuxVarOption() == NgcERejectionAuxVarOption::AUX_VAR_KEEP_NOTHING;
+  if (keepsNothing && index >= _mainVariables.size())
+    NBE_FAIL(QStringLiteral("Wrong interest variable index for rejection (keep nothing used)"));
+  if (keepsNothing && index < 0)
+    return;
+  if (_mainVariables.size() > 1 && (index < 0 || index >= _mainVariables.size()))
+    NBE_FAIL(QStringLiteral("Wrong interest variable index for rejection (multivariate case)"));
+  if (index < 0 || index >= _mainVariables.size())
+    NBE_FAIL(QStringLiteral("Wrong interest variable relative index for rejection"));
+  const NbdDataTable &table = _moving->getAllData().getDataTableConst();
+  if (table.getAbsoluteRank(_moving->getRoleMain(), index) < 0)
+    NBE_FAIL(QStringLiteral("Wrong interest variable absolute index for rejection"));
+}
+
+void NgdNeighborhoodContext::_prepareRejection()
+{
+  NgdNeighborhoodSearch::Rejection &rejection = _search->rejection;
+  rejection.active = true;
+  rejection.mode = _moving->getRejectionMode();
+  rejection.option = _moving->getRejectionAuxVarOption();
+  rejection.partition = _moving->getRejectionPartition();
+  rejection.variable = _moving->getRejectionInterestVarIdx();
+  if (rejection.mode != NgcERejectionMode::REJECTION_BY_LINE)
+    return;
+
+  const NbdDataTable &table = _moving->getAllData().getDataTableConst();
+  const NbdAVariableNumeric *lines = table.getVarNumeric(Nbd::Role::OBJECT_ID);
+  if (!lines)
+    NBE_FAIL(QStringLiteral("Line id variable not found (rejection by line not allowed)"));
+  std::vector<qint64> &sampleLines = _search->samples.lines;
+  for (int rank = 0; rank < _search->samples.n; ++rank) {
+    const double value = lines->getValue(rank);
+    const bool isInteger =
+        NbbGlobal::isDefined(value) && std::abs(value) < 0x1p53 && value == std::floor(value);
+    sampleLines.push_back(isInteger ? qint64(value) : NbbGlobal::I64_FFFF);
   }
 }
 
-/// Takes sorted candidates until every sector is full or the maximum number is reached.
-void NgdNeighborhoodContext::_takeCandidates()
+// Targets.
+
+const NgcENeighborhoodErrorCode &NgdNeighborhoodContext::setTargetLocation(
+    const NbgVector3D &location, int *nestedIndex)
 {
-  const NgmNeighborhoodMoving &parameters = _moving->getParameters();
-  const int perSector = parameters.getMaximumNumberPerSector();
-  std::fill(_sectorCounts.begin(), _sectorCounts.end(), 0);
-  int full = 0;
-  for (const _Candidate &candidate : _candidates) {
-    if (full == int(_sectorCounts.size()) ||
-        (parameters.isRuleMaximumNumber() && int(_ranks.size()) >= parameters.getMaximumNumber()))
-      return;
-    int &count = _sectorCounts[candidate.sector];
-    if (count >= perSector)
-      continue;
-    _take(candidate);
-    full += ++count == perSector;
+  return setTargetLocation(location, -1, NbbGlobal::I64_FFFF, nestedIndex);
+}
+
+const NgcENeighborhoodErrorCode &NgdNeighborhoodContext::setTargetLocation(
+    const NbgVector3D &location, int targetIndex, qint64 targetSN, int *nestedIndex)
+{
+  *nestedIndex = -1;
+  _target = targetIndex >= 0 && _blockTarget.isBlock() ? &_blockTarget : &_pointTarget;
+  _target->setCenter(location);
+  if (_unique)
+    return NgcENeighborhoodErrorCode::NEIGH_SUCCESS;
+
+  if (_target->isBlock() && !_blockProblem.isEmpty() && usesBlock(_levels.front().parameters))
+    throw NbeUserError(QObject::tr("Please provide a valid block size when using block "
+                                   "neighborhood options (%1)")
+                           .arg(_blockProblem));
+  if (_search->rejection.active)
+    _locateRejectionTarget(targetSN);
+
+  const NgcENeighborhoodErrorCode &outcome = _isInForbiddenPolygon()
+                                                 ? NgcENeighborhoodErrorCode::NEIGH_NO_SAMPLE
+                                                 : _searchLevels(targetIndex, nestedIndex);
+  if (*nestedIndex < 0)
+    _search->clearSelected();
+  _takeOver();
+  if (outcome == NgcENeighborhoodErrorCode::NEIGH_SUCCESS ||
+      outcome == NgcENeighborhoodErrorCode::NEIGH_PROXIMITY)
+    _applyCaps();
+  if (*nestedIndex >= 0)
+    _appendCollocatedTarget(targetIndex);
+  return outcome;
+}
+
+void NgdNeighborhoodContext::_locateRejectionTarget(qint64 targetSN)
+{
+  if (targetSN <= 0)
+    NBE_FAIL(QStringLiteral("targetSN must be defined to use rejection."));
+  NgdNeighborhoodSearch::Rejection &rejection = _search->rejection;
+  rejection.targetRank = -1;
+  _rejectionTargetValue = NbbGlobal::D_FFFF;
+  const NbdVariableInt64 *numbers = _moving->getAllData().getVariableSN();
+  const int n = _search->samples.n;
+  if (!numbers || n == 0)
+    return;
+  const auto *first = numbers->getArrayConst();
+  const auto *found = std::lower_bound(first, first + n, targetSN);
+  if (found == first + n || *found != targetSN)
+    return;
+
+  rejection.targetRank = int(found - first);
+  if (rejection.variable >= 0)
+    _rejectionTargetValue = _mainVariables[rejection.variable]->getValue(rejection.targetRank);
+  if (rejection.mode == NgcERejectionMode::REJECTION_BY_LINE &&
+      _search->samples.lines[rejection.targetRank] == NbbGlobal::I64_FFFF)
+    NBE_FAIL(QStringLiteral("Wrong line id"));
+  if (rejection.mode == NgcERejectionMode::REJECTION_BY_PARTITION)
+    rejection.partition.setCenter(_target->getCenter());
+}
+
+/// Finds where the target stands among the faults; true when no sample may be used there.
+bool NgdNeighborhoodContext::_isInForbiddenPolygon()
+{
+  NgdNeighborhoodSearch::Faults &faults = _search->faults;
+  faults.active = _faultsEnabled && !faults.set.isEmpty();
+  faults.targetPolygon = -1;
+  if (!faults.active || faults.mode == NgcEFaultsMode::IGNORE_POYGONAL_STATUS)
+    return false;
+  faults.targetPolygon = faults.set.isInsideFaultId(_target->getCenter());
+  return faults.targetPolygon >= 0 && faults.mode == NgcEFaultsMode::DO_NOT_CALCULATE_INSIDE;
+}
+
+const NgcENeighborhoodErrorCode &NgdNeighborhoodContext::_searchLevels(int targetIndex,
+                                                                       int *nestedIndex)
+{
+  const NgcENeighborhoodErrorCode *outcome = &NgcENeighborhoodErrorCode::NEIGH_NO_SAMPLE;
+  for (_currentLevel = 0;; ++_currentLevel) {
+    _Level &level = _levels[_currentLevel];
+    if (targetIndex >= 0 && level.parameters.needPatching() && !_patch(level, targetIndex))
+      return NgcENeighborhoodErrorCode::NEIGH_UNDEF_LGS;
+    outcome = &_search->run(level.parameters,
+                            _target->isBlock() ? level.blockVolume : level.pointVolume, *_target);
+    const bool isFinal = *outcome == NgcENeighborhoodErrorCode::NEIGH_SUCCESS ||
+                         *outcome == NgcENeighborhoodErrorCode::NEIGH_MAX_IN_BLOCK ||
+                         *outcome == NgcENeighborhoodErrorCode::NEIGH_PROXIMITY;
+    if (isFinal || _currentLevel + 1 == int(_levels.size())) {
+      if (isFinal || *outcome == NgcENeighborhoodErrorCode::NEIGH_BLOCK_ONLY)
+        *nestedIndex = _currentLevel;
+      return *outcome;
+    }
   }
 }
 
-void NgdNeighborhoodContext::_take(const _Candidate &candidate)
+/// Gives a level the ellipsoid of a target.
+bool NgdNeighborhoodContext::_patch(_Level &level, int targetIndex)
 {
-  _ranks.push_back(candidate.rank);
-  _squaredDistances.push_back(candidate.squaredDistance);
+  if (!level.parameters.patchNeighborhood(targetIndex))
+    return false;
+  const bool isBlock = _target->isBlock();
+  const auto *block = isBlock ? dynamic_cast<const NgmBlock *>(&_target->getBlock()) : nullptr;
+  (isBlock ? level.blockVolume : level.pointVolume) =
+      NgdSearchVolume(level.parameters, _moving->getFrame(), _search->samples.nDimensions, block);
+  return true;
+}
+
+// Neighbors.
+
+void NgdNeighborhoodContext::_takeOver()
+{
+  _ranks.clear();
+  _squaredDistances.clear();
+  _sectors.clear();
+  for (const NgdNeighborhoodSearch::Selected &selected : _search->getSelected()) {
+    _ranks.push_back(selected.sample);
+    _squaredDistances.push_back(selected.squaredDistance);
+    _sectors.push_back(selected.sector);
+  }
+  _collocatedRank = -1;
+  _copySelected();
 }
 
 void NgdNeighborhoodContext::_copySelected()
@@ -240,27 +537,181 @@ void NgdNeighborhoodContext::_copySelected()
   _count = int(_ranks.size());
   if (_neighbors.getNSamples() != _count)
     _neighbors.setResizedTo(_count);
+  if (_search->additional.data) {
+    _copyAdditional();
+    return;
+  }
   for (const _Column &column : _columns) {
     if (column.toDouble) {
       double *to = column.toDouble->getArray();
       for (int i = 0; i < _count; ++i)
-        to[i] = column.values[_ranks[i]];
+        to[i] = column.doubles[_ranks[i]];
+    } else if (column.toInt64) {
+      auto *to = column.toInt64->getArray();
+      for (int i = 0; i < _count; ++i)
+        to[i] = column.integers[_ranks[i]];
     } else {
       for (int i = 0; i < _count; ++i)
         column.to->copyValuesFrom(*column.from, _ranks[i], i, 1);
     }
   }
+  const int rejected = _search->rejection.variable;
+  if (!_search->rejection.active || rejected < 0)
+    return;
+  for (int i = 0; i < _count; ++i) {
+    if (_search->isRejected(_ranks[i]))
+      _mainColumns[rejected]->setToUndefined(i);
+  }
 }
 
-int NgdNeighborhoodContext::_sectorOf(const NbgVector3D &local) const
+/// The same when some of the selected samples belong to the additional input: these bring their
+/// location and their main variables.
+void NgdNeighborhoodContext::_copyAdditional()
 {
-  const NgmNeighborhoodMoving &parameters = _moving->getParameters();
-  const int n = parameters.getSectorsNumber();
-  int sector = 0;
-  if (n > 1) {
-    sector = int(local.dirHorizontal() * n / 6.283185307179586);
-    if (sector >= n)
-      sector = 0;
+  const NgdNeighborhoodSearch::Additional &additional = _search->additional;
+  const int n = _search->samples.n;
+  for (int i = 0; i < _count; ++i) {
+    const int position = _ranks[i] - n;
+    for (const _Column &column : _columns) {
+      if (position < 0)
+        column.to->copyValuesFrom(*column.from, _ranks[i], i, 1);
+      else
+        column.to->setToUndefined(i);
+    }
+    if (position < 0)
+      continue;
+    _neighbors.setCoordValues(i, additional.locations[position]);
+    for (std::size_t v = 0; v < std::min(_mainColumns.size(), additional.variables.size()); ++v)
+      _mainColumns[v]->copyValuesFrom(*additional.variables[v], position, i, 1);
   }
-  return parameters.isSplitSectors() && !(local.z() >= 0.) ? sector + n : sector;
+}
+
+void NgdNeighborhoodContext::_applyCaps()
+{
+  const NgmNeighborhoodMoving &p = _levels[_currentLevel].parameters;
+  if (p.isRuleCutLarge())
+    _applyCap(true, p.getCutLargeMode(), p.getCutLargeThreshold(), _largeCapVariable);
+  if (p.isRuleCutSmall())
+    _applyCap(false, p.getCutSmallMode(), p.getCutSmallThreshold(), _smallCapVariable);
+}
+
+void NgdNeighborhoodContext::_applyCap(bool top, const NgcECutoffMode &mode, double threshold,
+                                       int mainIndex)
+{
+  if (mode == NgcECutoffMode::CUTOFF_REMOVE)
+    return;
+  NbdAVariableNumeric &values = *_mainColumns[mainIndex];
+  for (int i = 0; i < _count; ++i) {
+    if (!_search->isCapped(_ranks[i], top) || values.isUndefined(i))
+      continue;
+    if (mode == NgcECutoffMode::CUTOFF_REPLACE)
+      values.setValue(i, threshold);
+    else
+      values.setToUndefined(i);
+  }
+}
+
+void NgdNeighborhoodContext::_appendCollocatedTarget(int targetIndex)
+{
+  if (!_forceCollocated && (_collocated.isEmpty() || _isTargetCollocated()))
+    return;
+  _collocatedRank = _neighbors.appendSample(_target->getCenter());
+  _count = _neighbors.getNSamples();
+  if (targetIndex < 0)
+    return;
+  for (auto it = _collocated.constBegin(); it != _collocated.constEnd(); ++it)
+    _mainColumns[it.key()]->copyValuesFrom(*it.value(), targetIndex, _collocatedRank, 1);
+}
+
+bool NgdNeighborhoodContext::_isTargetCollocated() const
+{
+  return std::any_of(_squaredDistances.begin(), _squaredDistances.end(),
+                     [](double distance) { return distance <= collocatedDistance; });
+}
+
+// Results.
+
+int NgdNeighborhoodContext::getMaximumCount() const
+{
+  return _unique ? _count : _moving->getMaximumNeighborsCount();
+}
+
+const double *NgdNeighborhoodContext::getMainValues(int index) const
+{
+  return _mainDoubles[index] ? _mainDoubles[index]->getArrayConst() : nullptr;
+}
+
+QList<NbdAVariableNumeric *> NgdNeighborhoodContext::getNumericVariables(const QString &role) const
+{
+  return _selected->getDataTableConst().getVarsNumeric(role);
+}
+
+QList<NbdVariableAlpha *> NgdNeighborhoodContext::getAlphaVariables(const QString &role) const
+{
+  return _selected->getDataTableConst().getVarsAlpha(role);
+}
+
+NbdAVariableNumeric *NgdNeighborhoodContext::getNumericVariable(const QString &role) const
+{
+  return _selected->getDataTableConst().getVarNumeric(role);
+}
+
+int NgdNeighborhoodContext::getNestedNeighIndex(int level) const
+{
+  return level < 0 ? NgmENeighborhoodNestedCode::FAILED.getValue() : _levels[level].code;
+}
+
+QString NgdNeighborhoodContext::getNestedNeighName(int level) const
+{
+  return level < 0 ? NgmENeighborhoodNestedCode::FAILED.getLabel() : _levels[level].name;
+}
+
+int NgdNeighborhoodContext::getNSelectedCodes() const
+{
+  return getNSelectedCodesByVar(-1);
+}
+
+int NgdNeighborhoodContext::getNSelectedCodesByVar(int index) const
+{
+  if (!_search || _search->samples.codes.empty())
+    return 0;
+  QSet<int> codes;
+  for (std::size_t i = 0; i < _ranks.size(); ++i) {
+    if (_ranks[i] >= _search->samples.n || (index >= 0 && _mainColumns[index]->isUndefined(int(i))))
+      continue;
+    const int code = _search->samples.codes[_ranks[i]];
+    if (code != NbbGlobal::I32_FFFF)
+      codes << code;
+  }
+  return codes.size();
+}
+
+const NgmNeighborhoodMoving &NgdNeighborhoodContext::getMovingParams(int level) const
+{
+  return _moving->getLevels()[level].parameters;
+}
+
+const NgmNeighborhoodMoving &NgdNeighborhoodContext::getCurrentParams() const
+{
+  return _levels[_currentLevel].parameters;
+}
+
+int NgdNeighborhoodContext::getRejectionTargetRank() const
+{
+  return _search ? _search->rejection.targetRank : -1;
+}
+
+int NgdNeighborhoodContext::getRejectionMainVarIndex() const
+{
+  return _search ? _search->rejection.variable : -1;
+}
+
+qint64 NgdNeighborhoodContext::getNSearches() const
+{
+  return _search ? _search->getNSearches() : 0;
+}
+
+qint64 NgdNeighborhoodContext::getNNearestSearches() const
+{
+  return _search ? _search->getNNearestSearches() : 0;
 }

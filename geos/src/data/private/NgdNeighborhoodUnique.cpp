@@ -1,10 +1,15 @@
 #include "geos/data/NgdNeighborhoodUnique.h"
 
 #include "basic/error/NbeAssertion.h"
-#include "geos/data/NgdADataSet.h"
 
 NgdNeighborhoodUnique::NgdNeighborhoodUnique(const QString &roleMain) : NgdANeighborhood(roleMain)
 {
+}
+
+void NgdNeighborhoodUnique::selectDataFromBox(const NbgVector3D &, const NbgVector3D &,
+                                              const NbgRotation &, QVector<int> &) const
+{
+  NBE_FAIL(QStringLiteral("This method should never be used."));
 }
 
 void NgdNeighborhoodUnique::loadAllData()
@@ -12,8 +17,7 @@ void NgdNeighborhoodUnique::loadAllData()
   if (!getDataset())
     NBE_FAIL(QStringLiteral("Dataset is null."));
   NbdDataPoints data;
-  getDataset()->loadAllData(data, true, true);
-  data.ensureCoordinates();
+  _loadSamples(data);
   _data = data;
   _loaded = true;
 }

