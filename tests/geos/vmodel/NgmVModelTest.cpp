@@ -480,6 +480,13 @@ TEST(NgmVModel, DamagedStreamsAreRefused)
   NgmVModel target(1);
   target.addStructure(EXPONENTIAL, 2.);
   test::fuzzSerialization(makeModel(), target);
+
+  // Structures whose parameters set things up.
+  NgmVModel other(1);
+  other.setContext(NgmModelContext(2, 3, 100.));
+  for (const char *label : {"Bessel-J", "Bessel-K", "Power", "Spline GC", "Exponential Cosine"})
+    other.addStructure(QString::fromLatin1(label), 1.);
+  test::fuzzSerialization(other, target);
 }
 
 TEST(NgmVModel, ScalesOfAllSizesKeepTheirBytes)
