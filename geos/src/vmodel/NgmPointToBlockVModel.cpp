@@ -46,6 +46,30 @@ void check(bool isValid, const char *message)
     throw NbeProgrammingError(QString::fromLatin1(message));
 }
 
+void checkDimensions(bool isValid)
+{
+  check(isValid,
+        "NgmPointToBlockVModel::computeBlockVarioModel: invalid number of space dimensions");
+}
+
+int dimensionsOf(const NgmVModel &model)
+{
+  const int nDimensions = model.getContext().getNDimensions();
+  checkDimensions(nDimensions >= 1 && nDimensions <= 3);
+  return nDimensions;
+}
+
+void checkLags(int nDimensions, const QVector<double> &lags, const QVector<int> &counts)
+{
+  checkDimensions(lags.size() == nDimensions && counts.size() == nDimensions);
+  for (int axis = 0; axis < nDimensions; ++axis) {
+    check(NbbGlobal::isDefined(lags[axis]) && lags[axis] > 0.,
+          "NgmPointToBlockVModel::computeBlockVarioModel: invalid lag");
+    check(counts[axis] >= 1,
+          "NgmPointToBlockVModel::computeBlockVarioModel: invalid number of lags");
+  }
+}
+
 /// Size of the block along an axis; a 2D block has none along the third.
 double extension(const NgmABlock &block, int axis)
 {
@@ -81,7 +105,7 @@ void NgmPointToBlockVModel::setDiscretizationLags(const QVector<double> &lags,
 void NgmPointToBlockVModel::calcDiscretizationLags(const NgmVModel &model, const NgmABlock &block,
                                                    QVector<double> &lags, QVector<int> &counts)
 {
-  const int nDimensions = model.getContext().getNDimensions();
+  const int nDimensions = dimensionsOf(model);
   lags.resize(nDimensions);
   counts.fill(DEFAULT_LAG_COUNT, nDimensions);
   for (int axis = 0; axis < nDimensions; ++axis) {
@@ -131,7 +155,7 @@ void NgmPointToBlockVModel::_doFinalChecks()
 {
   NgcACalculator::_doFinalChecks();
   if (_model && !_lags.isEmpty())
-    _checkLags();
+    checkLags(dimensionsOf(*_model), _lags, _counts);
 }
 
 void NgmPointToBlockVModel::_doRun()
@@ -140,19 +164,6 @@ void NgmPointToBlockVModel::_doRun()
   _setProgressMessageDetail(QObject::tr("Calculate Experimental Block Variogram."));
   _calcBlockCovariance();
   _pointToBlock();
-}
-
-void NgmPointToBlockVModel::_checkLags() const
-{
-  const int nDimensions = _model->getContext().getNDimensions();
-  check(_lags.size() == nDimensions && _counts.size() == nDimensions,
-        "NgmPointToBlockVModel::computeBlockVarioModel: invalid number of space dimensions");
-  for (int axis = 0; axis < nDimensions; ++axis) {
-    check(NbbGlobal::isDefined(_lags[axis]) && _lags[axis] > 0.,
-          "NgmPointToBlockVModel::computeBlockVarioModel: invalid lag");
-    check(_counts[axis] >= 1,
-          "NgmPointToBlockVModel::computeBlockVarioModel: invalid number of lags");
-  }
 }
 
 void NgmPointToBlockVModel::_calcBlockCovariance()
@@ -181,6 +192,7 @@ void NgmPointToBlockVModel::_pointToBlock()
   QVector<int> counts = _counts;
   if (lags.isEmpty())
     calcDiscretizationLags(*_model, *_block, lags, counts);
+  checkLags(dimensionsOf(*_model), lags, counts);  // no range and no extension: a default of 0
 
   auto varioExp = std::make_unique<NgmVariogramExpData>();
   varioExp->setNVariables(_model->getNVariables());

@@ -4,6 +4,7 @@
 #include "geos/matrix/NgmMatrix.h"
 #include "geos/stats/NgmVariogramExpData.h"
 #include "geos/vmodel/NgmAVStruct.h"
+#include "geos/vmodel/NgmCvvBuilder.h"
 #include "geos/vmodel/NgmVModel.h"
 #include "support/Errors.h"
 
@@ -65,6 +66,91 @@ TEST(NgmPointToBlockVModel, RegularizesOverASegment)
     const double spread = (std::exp(L / 2.) - std::exp(-L / 2.)) / L;
     EXPECT_NEAR(gammas[k], c0 - 2. * std::exp(-distances[k]) * spread * spread, 5e-4);
   }
+}
+
+/// Mean of calcCova() between the points of a block and random points of its copy at h, over all
+/// tries.
+NgmMatrix meanOfPairs(const NgmVModel &model, const NgmBlock &block, const NbgVector3D &h)
+{
+  const int n = model.getNVariables();
+  NgmMatrix mean(n, n, true), covas(n, n, true);
+  QVector<NbgVector3D> points, jittered;
+  block.getDiscretizationPoints(points);
+  const QVector<qint64> seeds = NgmCvvBuilder().getSeeds();
+  for (const qint64 seed : seeds) {
+    block.getRandomPoints(seed, jittered, false);
+    for (const NbgVector3D &p : points)
+      for (const NbgVector3D &q : jittered) {
+        model.calcCova(p - (q + h), covas);
+        mean += covas;
+      }
+  }
+  mean.scalarMultiply(1. / (double(points.size()) * points.size() * seeds.size()));
+  return mean;
+}
+
+TEST(NgmPointToBlockVModel, AveragesOverAllPairsOfPoints)
+{
+  NgmVModel model(2);
+  NgmMatrix sills(2, 2, true);
+  sills.setElement(0, 0, 1.);
+  sills.setElement(0, 1, -0.4);
+  sills.setElement(1, 1, 3.);
+  model.setNuggetMatrix(sills);
+  model.addStructure(QStringLiteral("Spherical"), sills);
+  model.setRanges(0, NbgVector3D(100., 50., 20.));
+  model.addStructure(QStringLiteral("Gaussian"), 0.5);
+  model.setRangeIsotropic(1, 80.);
+  model.setGlobalRotation(NbgRotation(30., 10., 0.));
+  NgmBlock block = makeBlock(NbgVector3D(30., 20., 5.), NbgIntVector3D(3, 2, 2));
+  block.setRotation(NbgRotation(70., 0., 0.));
+
+  NgmPointToBlockVModel regularization;
+  regularization.setPointVarioModel(model);
+  regularization.setBlock(block);
+  regularization.setDiscretizationLags({25., 15., 4.}, {2, 1, 3});
+  ASSERT_EQ(regularization.execute(), NbcAProgress::COMPLETED);
+  const NgmVariogramExpData &data = regularization.getBlockVarioExp();
+  const NgmMatrix atOrigin = meanOfPairs(model, block, NbgVector3D::Null);
+  for (int dir = 0; dir < 3; ++dir)
+    for (int lag = 0; lag < data.getNLags(dir); ++lag) {
+      const double distance = data.getDistances(dir, false, 0, 0)[lag];
+      const NgmMatrix covas = meanOfPairs(model, block, distance * data.getDirectionVector(dir));
+      for (int i = 0; i < 2; ++i)
+        for (int j = i; j < 2; ++j) {
+          // Sums in another order.
+          EXPECT_NEAR(regularization.getBlockCovariance()(i, j), atOrigin(i, j), 1e-14);
+          EXPECT_NEAR(data.getVarioColumn(dir, VARIOGRAM, i, j)[lag], atOrigin(i, j) - covas(i, j),
+                      1e-14);
+        }
+    }
+}
+
+TEST(NgmPointToBlockVModel, VariancesAddUpOverBlocksInAPanel)
+{
+  // The covariance inside a panel of n blocks is the mean of the covariances between the blocks:
+  // C_V = sum over i, j of C_v(x_i - x_j) / n^2, and C_v(h) = C_v(0) - gamma_v(h). So the variance
+  // of points in the panel is that of points in a block and that of blocks in the panel together.
+  const int n = 5;
+  const double L = 0.3;
+  NgmPointToBlockVModel regularization;
+  regularization.setPointVarioModel(makeModel(1));
+  regularization.setBlock(makeBlock(NbgVector3D(L, 1e-9, 1e-9), NbgIntVector3D(40, 1, 1)));
+  regularization.setDiscretizationLags({L}, {n - 1});
+  ASSERT_EQ(regularization.execute(), NbcAProgress::COMPLETED);
+  const QVector<double> gammas =
+      regularization.getBlockVarioExp().getVarioColumn(0, VARIOGRAM, 0, 0);
+  const double cv = regularization.getBlockCovariance()(0, 0);
+  double blocksInPanel = 0.;
+  for (int i = 0; i < n; ++i)
+    for (int j = 0; j < n; ++j)
+      blocksInPanel += i == j ? 0. : gammas[std::abs(i - j) - 1] / (n * n);
+  const auto meanCovariance = [](double length) {  // of 2 exp(-h) over a segment
+    return 4. * (length - 1. + std::exp(-length)) / (length * length);
+  };
+  // The random points leave an error of some 1e-4.
+  EXPECT_NEAR(2. - meanCovariance(n * L), (2. - cv) + blocksInPanel, 5e-4);
+  EXPECT_GT(blocksInPanel, 0.3);
 }
 
 TEST(NgmPointToBlockVModel, VariogramComesDownToZero)
@@ -133,6 +219,11 @@ TEST(NgmPointToBlockVModel, SaysWhatIsWrong)
             QStringLiteral("NgmPointToBlockVModel::getBlockVarioExp: Result not yet computed"));
   EXPECT_THROW(regularization.getPointVarioModel(), NbeError);
   EXPECT_EQ(regularization.execute(), NbcAProgress::FAILED);
+  const QString prefix = QStringLiteral("NgmPointToBlockVModel::computeBlockVarioModel: ");
+  const auto expectFailure = [&](const char *what) {
+    EXPECT_EQ(regularization.execute(), NbcAProgress::FAILED);
+    EXPECT_EQ(regularization.getErrorMessage(), prefix + QString::fromLatin1(what));
+  };
 
   regularization.setPointVarioModel(makeModel(2));
   EXPECT_EQ(regularization.getPointVarioModel().getContext().getNDimensions(), 2);
@@ -148,11 +239,42 @@ TEST(NgmPointToBlockVModel, SaysWhatIsWrong)
                {{1., 1.}, {1}, "invalid number of space dimensions"}};
   for (const auto &test : cases) {
     regularization.setDiscretizationLags(test.lags, test.counts);
-    EXPECT_EQ(regularization.execute(), NbcAProgress::FAILED);
-    EXPECT_EQ(regularization.getErrorMessage(),
-              QStringLiteral("NgmPointToBlockVModel::computeBlockVarioModel: ") +
-                  QString::fromLatin1(test.what));
+    expectFailure(test.what);
   }
+
+  // Nothing to take default lags from: no dimension, or no extension and no range along W.
+  regularization.setDiscretizationLags({}, {});
+  regularization.setPointVarioModel(makeModel(4));
+  expectFailure("invalid number of space dimensions");
+  NgmVModel nugget(1);
+  nugget.setNugget(0, 0, 1.);
+  regularization.setPointVarioModel(nugget);
+  NgmBlock flat(false);
+  flat.setSize(NbgVector3D(1., 1., 0.));
+  flat.setDiscretizationPointsNumber(NbgIntVector3D(2, 2, 1));
+  regularization.setBlock(flat);
+  expectFailure("invalid lag");
+}
+
+TEST(NgmPointToBlockVModel, StopsAndGivesTheSameAgain)
+{
+  NgmPointToBlockVModel regularization;
+  regularization.setPointVarioModel(makeModel(2));
+  regularization.setBlock(makeBlock(NbgVector3D(1., 2., 1.), NbgIntVector3D(3, 3, 1)));
+  ASSERT_EQ(regularization.execute(), NbcAProgress::COMPLETED);
+  const QVector<double> gammas =
+      regularization.getBlockVarioExp().getVarioColumn(1, VARIOGRAM, 0, 0);
+
+  regularization.setBlock(makeBlock(NbgVector3D(1., 2., 1.), NbgIntVector3D(40, 40, 1)));
+  regularization.start();
+  regularization.stop();
+  regularization.wait();
+  EXPECT_EQ(regularization.getState(), NbcAProgress::INTERRUPTED);
+  EXPECT_THROW(regularization.getBlockVarioExp(), NbeError);
+
+  regularization.setBlock(makeBlock(NbgVector3D(1., 2., 1.), NbgIntVector3D(3, 3, 1)));
+  ASSERT_EQ(regularization.execute(), NbcAProgress::COMPLETED);
+  EXPECT_EQ(regularization.getBlockVarioExp().getVarioColumn(1, VARIOGRAM, 0, 0), gammas);
 }
 
 TEST(NgmPointToBlockVModel, DescribesItself)

@@ -104,6 +104,12 @@ TEST(NgmVModel, SillMatricesNeedNonNegativeEigenvalues)
             QStringLiteral("NgmVModel::_addStructure: sills matrix must be positive definite"));
   EXPECT_EQ(errorOf([&] { model.addStructure(SPHERICAL, matrix2(1., 1. + 1e-14, 1.)); }),
             QStringLiteral("NgmVModel::_addStructure: sills matrix must be positive definite"));
+  NgmMatrix lopsided(2, 2, false);
+  lopsided.setIdentity();
+  lopsided.setElement(0, 1, 0.1);
+  EXPECT_TRUE(errorOf([&] {
+                model.addStructure(SPHERICAL, lopsided);
+              }).contains(QStringLiteral("Matrix is not currently symmetrical")));
   EXPECT_EQ(model.getNStructures(), 0);
   EXPECT_EQ(model.addStructure(SPHERICAL, matrix2(1., 0., 0.)), 0);
   EXPECT_EQ(model.addStructure(SPHERICAL, matrix2(0., 0., 0.)), 1);

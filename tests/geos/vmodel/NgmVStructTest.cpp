@@ -251,8 +251,10 @@ TEST(NgmVStruct, ConstantOfThePowerFollowsScaleContextAndExponent)
   EXPECT_DOUBLE_EQ(covaAt(*power, 0.), 0.56 * logGamma * std::pow(10., 1.5));
   power->setContext(NgmModelContext(0, 3, 50.));
   EXPECT_DOUBLE_EQ(covaAt(*power, 0.), 1.5 * logGamma * std::pow(5., 1.5));
+  // In another unit of length the ratio of field size and scale is the same.
   power->normalizeStructure(0.5);
-  EXPECT_DOUBLE_EQ(covaAt(*power, 0.), 1.5 * logGamma * std::pow(2.5, 1.5));
+  EXPECT_EQ(power->getTheoScaleFactor(), 20.);
+  EXPECT_DOUBLE_EQ(covaAt(*power, 0.), 1.5 * logGamma * std::pow(5., 1.5));
   power->setRanges(NbgVector3D(50., 60., 70.));
   EXPECT_DOUBLE_EQ(covaAt(*power, 0.), 1.5 * logGamma);
   EXPECT_EQ(power->getAuxiliaryValue(0), 1.5);

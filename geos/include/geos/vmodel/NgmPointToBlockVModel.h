@@ -43,7 +43,7 @@ public:
   void setDiscretizationLags(const QVector<double> &lags, const QVector<int> &counts);
 
   /// 20 lags in each direction, out to the size of the block plus 1.25 times the largest practical
-  /// range of a structure along the direction.
+  /// range of a structure along the direction. Fails unless the context has 1 to 3 dimensions.
   static void calcDiscretizationLags(const NgmVModel &model, const NgmABlock &block,
                                      QVector<double> &lags, QVector<int> &counts);
 
@@ -64,7 +64,6 @@ protected:
   void _doRun() override;
 
 private:
-  void _checkLags() const;
   void _calcBlockCovariance();
   void _pointToBlock();
 
