@@ -3,7 +3,6 @@
 #include "basic/error/NbeAssertion.h"
 #include "basic/error/NbeProgrammingError.h"
 #include "geos/interpol/NgmABlock.h"
-#include "geos/matrix/NgmMatrix.h"
 #include "geos/stats/NgmVariogramExpData.h"
 #include "geos/vmodel/NgmAVStruct.h"
 #include "geos/vmodel/NgmCvvBuilder.h"
@@ -78,7 +77,7 @@ double extension(const NgmABlock &block, int axis)
 
 }  // namespace
 
-NgmPointToBlockVModel::NgmPointToBlockVModel() = default;
+NgmPointToBlockVModel::NgmPointToBlockVModel() : _pointCovariance(0, 0, false) {}
 
 NgmPointToBlockVModel::~NgmPointToBlockVModel()
 {
@@ -88,6 +87,11 @@ NgmPointToBlockVModel::~NgmPointToBlockVModel()
 void NgmPointToBlockVModel::setPointVarioModel(const NgmVModel &model)
 {
   _model = std::make_unique<NgmVModel>(model);
+}
+
+void NgmPointToBlockVModel::setPointCovariance(const NgmMatrix &covariance)
+{
+  _pointCovariance = covariance;
 }
 
 void NgmPointToBlockVModel::setBlock(const NgmABlock &block)
@@ -154,23 +158,50 @@ QString NgmPointToBlockVModel::debug(int level) const
 void NgmPointToBlockVModel::_doFinalChecks()
 {
   NgcACalculator::_doFinalChecks();
-  if (_model && !_lags.isEmpty())
-    checkLags(dimensionsOf(*_model), _lags, _counts);
+  if (!_model)
+    return;  // the run says so
+  const int nDimensions = dimensionsOf(*_model);
+  if (!_lags.isEmpty())
+    checkLags(nDimensions, _lags, _counts);
+  if (_pointCovariance.getNElements() > 0)
+    _checkPointCovariance();
 }
 
 void NgmPointToBlockVModel::_doRun()
 {
   _doFinalChecks();
   _setProgressMessageDetail(QObject::tr("Calculate Experimental Block Variogram."));
+  _rescaleModel();
   _calcBlockCovariance();
   _pointToBlock();
+}
+
+void NgmPointToBlockVModel::_checkPointCovariance() const
+{
+  const int n = _model->getNVariables();
+  bool isValid = _pointCovariance.getNRows() == n && _pointCovariance.getNColumns() == n;
+  for (int i = 0; i < n && isValid; ++i)
+    isValid = NbbGlobal::isDefined(_pointCovariance(i, i)) && _pointCovariance(i, i) > 0.;
+  if (!isValid)
+    NBE_FAIL(QStringLiteral("the point covariance is not one of the variables of the model"));
+}
+
+void NgmPointToBlockVModel::_rescaleModel()
+{
+  _rescaled = _model ? std::make_unique<NgmVModel>(*_model) : nullptr;
+  if (!_rescaled || _pointCovariance.getNElements() == 0)
+    return;
+  QVector<double> variances;
+  for (int i = 0; i < _pointCovariance.getNRows(); ++i)
+    variances << _pointCovariance(i, i);
+  _rescaled->fitSillsToVariances(variances);
 }
 
 void NgmPointToBlockVModel::_calcBlockCovariance()
 {
   NgmCvvBuilder builder;
-  if (_model)
-    builder.setVModel(*_model);
+  if (_rescaled)
+    builder.setVModel(*_rescaled);
   if (_block)
     builder.setBlockDefinition(*_block);
   _initCounter(100);
@@ -242,7 +273,7 @@ void NgmPointToBlockVModel::_calcCovariance(const NbgVector3D &h, NgmMatrix &cov
     QVector<NbgVector3D> shifted(jittered);
     for (NbgVector3D &point : shifted)
       point += h;
-    NgmBulkCovas::sumOfPairs(*_model, _points, shifted, sum);
+    NgmBulkCovas::sumOfPairs(*_rescaled, _points, shifted, sum);
     covariance.add(sum);
   }
   const double nPairs = double(_points.size()) * _points.size() * _jittered.size();

@@ -210,6 +210,45 @@ TEST(NgmPointToBlockVModel, FollowsTheAxesOfTheModelOrThoseGiven)
   EXPECT_NE(regularization.getBlockVarioExp().getVarioColumn(0, VARIOGRAM, 0, 0), direct);
 }
 
+TEST(NgmPointToBlockVModel, TakesTheVariancesOfThePoints)
+{
+  NgmVModel model(2);
+  NgmMatrix sills(2, 2, true), points(2, 2, true);
+  sills.setElement(0, 0, 1.);
+  sills.setElement(0, 1, 0.4);
+  sills.setElement(1, 1, 3.);
+  model.addStructure(QStringLiteral("Spherical"), sills);
+  model.setRangeIsotropic(0, 5.);
+  model.setNugget(0, 0, 1.);
+  points.setElement(0, 0, 8.);  // four times that of the model, nugget included
+  points.setElement(1, 1, 27.);
+  NgmPointToBlockVModel regularization;
+  regularization.setPointVarioModel(model);
+  regularization.setBlock(makeBlock(NbgVector3D(1., 1., 1.), NbgIntVector3D(2, 2, 2)));
+  const auto results = [&] {
+    EXPECT_EQ(regularization.execute(), NbcAProgress::COMPLETED);
+    const NgmVariogramExpData &data = regularization.getBlockVarioExp();
+    return QVector<double>{
+        regularization.getBlockCovariance()(0, 0), regularization.getBlockCovariance()(0, 1),
+        data.getVarioColumn(2, VARIOGRAM, 1, 1)[3], data.getVarioColumn(2, VARIOGRAM, 0, 1)[3]};
+  };
+  const QVector<double> plain = results();
+  regularization.setPointCovariance(points);
+  const QVector<double> rescaled = results();
+  const double factors[] = {4., 6., 9., 6.};
+  for (int k = 0; k < 4; ++k)
+    EXPECT_NEAR(rescaled[k], factors[k] * plain[k], 1e-13);
+  EXPECT_EQ(regularization.getPointVarioModel().getC0IJ(0, 0), 2.) << "as it was set";
+  regularization.setPointCovariance(NgmMatrix(0, 0, false));
+  EXPECT_EQ(results(), plain);
+
+  points.setElement(1, 1, 0.);
+  for (const NgmMatrix &wrong : {points, NgmMatrix(1, 1, true)}) {
+    regularization.setPointCovariance(wrong);
+    EXPECT_EQ(regularization.execute(), NbcAProgress::FAILED);
+  }
+}
+
 TEST(NgmPointToBlockVModel, SaysWhatIsWrong)
 {
   NgmPointToBlockVModel regularization;

@@ -3,13 +3,13 @@
 #include "basic/base/NbbIDebuggable.h"
 #include "basic/geom/NbgRotation.h"
 #include "geos/base/NgcACalculator.h"
+#include "geos/matrix/NgmMatrix.h"
 
 #include <QVector>
 
 #include <memory>
 
 class NgmABlock;
-class NgmMatrix;
 class NgmVariogramExpData;
 class NgmVModel;
 
@@ -36,6 +36,11 @@ public:
 
   /// The model and the block are copied.
   void setPointVarioModel(const NgmVModel &model);
+
+  /// Covariances of the point variables (N x N, positive variances), when they are known otherwise
+  /// than from the model: nugget and sills are rescaled to these variances, the correlations of the
+  /// model staying. Empty (the default) for those of the model.
+  void setPointCovariance(const NgmMatrix &covariance);
   void setBlock(const NgmABlock &block);
 
   /// Distance between lags and number of lags, per dimension of the model's context; empty for the
@@ -50,7 +55,7 @@ public:
   /// The axes along which the variogram is computed; not `isSet` takes those of the model.
   void setRotation(bool isSet, const NbgRotation &rotation);
 
-  /// Fails before one is set.
+  /// As it was set; fails before that.
   const NgmVModel &getPointVarioModel() const;
 
   /// C_v(0), N x N.
@@ -64,6 +69,8 @@ protected:
   void _doRun() override;
 
 private:
+  void _checkPointCovariance() const;
+  void _rescaleModel();
   void _calcBlockCovariance();
   void _pointToBlock();
 
@@ -74,6 +81,8 @@ private:
   const NbgRotation &_getRotation() const;
 
   std::unique_ptr<NgmVModel> _model;
+  NgmMatrix _pointCovariance;
+  std::unique_ptr<NgmVModel> _rescaled;  // the model with the variances of the points
   std::unique_ptr<NgmABlock> _block;
   QVector<double> _lags;
   QVector<int> _counts;
