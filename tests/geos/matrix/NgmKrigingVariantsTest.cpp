@@ -419,7 +419,180 @@ TEST(NgmAKrigingSystem, AnIntrinsicCovarianceNeedsNoPositiveDefiniteMatrix)
   expectDual(variant);
 }
 
+// Reference files.
+
+namespace {
+
+std::vector<double> squareRoots(const std::vector<double> &values)
+{
+  std::vector<double> roots;
+  for (const double value : values)
+    roots.push_back(std::sqrt(value));
+  return roots;
+}
+
+/// The unique system of the logarithm of zinc, in batches; external drifts by target.
+class MeuseRun
+{
+public:
+  explicit MeuseRun(int nDrifts)
+      : dual(int(_data["x"].size()), 1, false, false, nDrifts),
+        samples(_data["x"], _data["y"], {logarithms(_data["zinc"])})
+  {
+  }
+
+  const CsvFile &data() const { return _data; }
+
+  /// `constant` is added to the variance: what the file counts otherwise.
+  void expectAsIn(const char *file, const NgmABlock *block, double c00,
+                  const std::vector<double> &externalAtTargets = {})
+  {
+    const CsvFile reference(file);
+    NgmKrigingSamples arrays = samples;
+    const double *external = _external.data();
+    if (!_external.empty())
+      arrays.externalDrifts = &external;
+    dual.buildSystem(meuseModel(), arrays, 1);
+    NgmKrigingSystemDualContext context(dual);
+    NgmTarget target;
+    if (block)
+      target.setBlock(*block);
+    std::vector<double> estimates(256), variances(256);
+    const int nTargets = int(reference["x"].size());
+    for (int first = 0; first < nTargets; first += 256) {
+      const int n = std::min(256, nTargets - first);
+      context.startBatch();
+      for (int k = first; k < first + n; ++k) {
+        const std::size_t i = std::size_t(k);
+        target.setCenter(NbgVector3D(reference["x"][i], reference["y"][i]));
+        context.addToBatch(target, meuseModel(), arrays, nullptr,
+                           externalAtTargets.empty() ? nullptr : &externalAtTargets[i]);
+      }
+      context.computeBatchEstimates(estimates.data());
+      context.computeBatchVariances(QVector<double>{c00}, variances.data());
+      for (int k = 0; k < n; ++k) {
+        const std::size_t i = std::size_t(first + k);
+        ASSERT_NEAR(estimates[std::size_t(k)], reference["estimate"][i], 1e-11) << file << i;
+        ASSERT_NEAR(variances[std::size_t(k)], reference["variance"][i], 1e-11) << file << i;
+      }
+    }
+  }
+
+  void setExternal(const std::vector<double> &values) { _external = values; }
+
+private:
+  CsvFile _data{"meuse/meuse.csv"};
+  std::vector<double> _external;
+
+public:
+  NgmKrigingSystemDual dual;
+  Samples samples;
+};
+
+}  // namespace
+
+TEST(NgmKrigingSystemDual, DriftsAndBlocksAgreeWithReferenceValues)
+{
+  MeuseRun universal(2);
+  NgmDriftModel drift;
+  drift.addDrifts(0, 1, true, true, false);
+  universal.dual.setDriftModel(drift);
+  universal.expectAsIn("meuse/krige_uk_xy_global.csv", nullptr, 0.64);
+
+  MeuseRun external(1);
+  NgmExtDriftModel distance;
+  distance.addDrift(0, 0);
+  external.dual.setExtDriftModel(distance);
+  external.setExternal(squareRoots(external.data()["dist"]));
+  external.expectAsIn("meuse/krige_ked_sqrtdist_global.csv", nullptr, 0.64,
+                      squareRoots(CsvFile("meuse/meuse_grid.csv")["dist"]));
+
+  // The variance of the block as the file takes it: all pairs of its points, without nugget.
+  const NgmBlock block = blockOf(40.);
+  QVector<NbgVector3D> points;
+  block.getDiscretizationPoints(points);
+  const NgmVModel spherical = meuseModel().buildFilteredModel(true, {});
+  double c00 = 0.;
+  for (const NbgVector3D &a : points)
+    for (const NbgVector3D &b : points)
+      c00 += spherical.calcCovaIJ(0, 0, a - b) / (points.size() * points.size());
+  MeuseRun blocks(0);
+  blocks.expectAsIn("meuse/krige_block40_ok_global.csv", &block, c00);
+}
+
+TEST(NgmKrigingSystem, CovariancesOfCokrigingErrorsAgreeWithReferenceValues)
+{
+  const CsvFile data("meuse/meuse.csv");
+  const CsvFile reference("meuse/cokrige_ok_global_200.csv");
+  Samples samples(data["x"], data["y"], {logarithms(data["zinc"]), logarithms(data["lead"])});
+  const NgmVModel model = meuseCoregionalization();
+  NgmKrigingSystemDual dual(samples.n(), 2, false, false, 0);
+  dual.buildSystem(model, samples, 1);
+  NgmKrigingSystemDualContext context(dual);
+  QVector<double> out;
+  QVector<double> covariance(1);
+  for (std::size_t i = 0; i < reference["x"].size(); i += 7) {
+    const NgmTarget target(NbgVector3D(reference["x"][i], reference["y"][i]));
+    context.krigingResultsPoint(target, model, samples, out, nullptr);
+    EXPECT_NEAR(out[0], reference["lz_estimate"][i], 1e-11);
+    EXPECT_NEAR(out[1], reference["ll_estimate"][i], 1e-11);
+    context.computeWeights();
+    context.computeVariance({model.getC0IJ(0, 0), model.getC0IJ(1, 1)}, out);
+    EXPECT_NEAR(out[0], reference["lz_variance"][i], 1e-11);
+    EXPECT_NEAR(out[1], reference["ll_variance"][i], 1e-11);
+    // Of the errors: C12 - cov(Z1, Z2*) - cov(Z1*, Z2) + cov(Z1*, Z2*).
+    context.computeCovarianceZ1StarZStar(0, covariance);
+    double error = model.getC0IJ(0, 1) + covariance[0];
+    for (int row = 0; row < 2 * samples.n(); ++row)
+      for (const int t : {0, 1})
+        error -= context.getWeightsMatrix()(row, t) * context.getRHSMatrix()(row, 1 - t);
+    EXPECT_NEAR(error, reference["cov_lz_ll"][i], 1e-11);
+  }
+}
+
 // Properties.
+
+TEST(NgmAKrigingSystem, TheUnitOfLengthDoesNotMatter)
+{
+  NgmDriftModel drift;
+  drift.addDrifts(0, 2, true, true, false);
+  std::vector<double> estimates;
+  for (const double unit : {1e-6, 1., 1e6}) {
+    Samples plain = randomSamples(521, 25);
+    std::vector<double> x = plain.x(), y = plain.y();
+    for (std::size_t s = 0; s < 25; ++s) {
+      x[s] *= unit;
+      y[s] *= unit;
+    }
+    Samples samples(x, y, {plain.values(0)});
+    const NgmKrigingSamples arrays = samples;
+    NgmVModel model = meuseModel();
+    model.setRangeIsotropic(0, 897. * unit);
+    const NgmTarget target(NbgVector3D(430. * unit, 610. * unit));
+    NgmKrigingSystem primal(1, false, false, 5);
+    primal.setDriftModel(drift);
+    primal.resetSystem(25, target.getCenter());
+    primal.buildSystem(model, arrays, target, nullptr);
+    ASSERT_EQ(primal.solve(), 0);
+    QVector<double> out;
+    primal.krigingResults(arrays.values, out);
+    estimates.push_back(out[0]);
+    primal.computeVariance({10.}, out);
+    estimates.push_back(out[0]);
+
+    NgmKrigingSystemDual dual(25, 1, false, false, 5);
+    dual.setDriftModel(drift);
+    dual.buildSystem(model, arrays, 1);
+    NgmKrigingSystemDualContext context(dual);
+    context.krigingResultsPoint(target, model, arrays, out, nullptr);
+    estimates.push_back(out[0]);
+    context.computeWeights();
+    context.computeVariance({10.}, out);
+    estimates.push_back(out[0]);
+  }
+  for (std::size_t i = 0; i < estimates.size(); ++i)
+    EXPECT_NEAR(estimates[i], estimates[4 + i % 2], 1e-13) << i;
+}
 
 TEST(NgmAKrigingSystem, DriftsAreReproduced)
 {
