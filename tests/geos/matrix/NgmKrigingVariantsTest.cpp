@@ -926,6 +926,43 @@ TEST(NgmKrigingSystem, WithoutAnyDatumThereIsNoSolution)
   EXPECT_EQ(system.getNValidEquations(), 0);
 }
 
+TEST(NgmKrigingSystem, SingularSystemsAreNotSolvedOnRoundingErrors)
+{
+  const NgmTarget target(targetPoint);
+  NgmDriftModel drift;
+  drift.addDrifts(0, 1, true, true, false);
+  for (int trial = 0; trial < 60; ++trial) {
+    SCOPED_TRACE(trial);
+    const int n = 6 + trial % 26;
+    Samples samples = randomSamples(std::uint64_t(6000 + 5 * trial), n);
+    const auto solve = [&](const std::vector<double> &x, const std::vector<double> &y,
+                           const NgmVModel &model, int nDrifts) {
+      Samples moved(x, y, {samples.values(0)});
+      NgmKrigingSystem system(1, trial % 2 == 0 && nDrifts == 0, false, nDrifts);
+      if (nDrifts > 0)
+        system.setDriftModel(drift);
+      system.resetSystem(n, targetPoint);
+      system.buildSystem(model, moved, target, nullptr);
+      return system.solve();
+    };
+    EXPECT_EQ(solve(samples.x(), samples.y(), continuousModel(), 0), 0);
+    EXPECT_EQ(solve(samples.x(), samples.y(), continuousModel(), 2), 0);
+
+    // Two samples at one place, without nugget and with it.
+    std::vector<double> x = samples.x(), y = samples.y();
+    x[std::size_t(n / 2)] = x[1];
+    y[std::size_t(n / 2)] = y[1];
+    EXPECT_NE(solve(x, y, continuousModel(), 0), 0);
+    EXPECT_NE(solve(x, y, continuousModel(), 2), 0);
+    EXPECT_EQ(solve(x, y, meuseModel(), 0), 0);
+    EXPECT_EQ(solve(x, y, meuseModel(), 2), 0);
+
+    // A plane is not fixed by samples on a line.
+    EXPECT_NE(solve(samples.x(), std::vector<double>(std::size_t(n), 333.), meuseModel(), 2), 0);
+    EXPECT_EQ(solve(samples.x(), std::vector<double>(std::size_t(n), 333.), meuseModel(), 0), 0);
+  }
+}
+
 TEST(NgmAKrigingSystem, ErrorTexts)
 {
   Variant variant(meuseModel());
