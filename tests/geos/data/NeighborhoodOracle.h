@@ -287,11 +287,11 @@ private:
       }
       if (isInBox && _c.block && _p.isRuleBlockKeepAll() &&
           _isWithin(b, 0.5 * _c.block->getSize())) {
-        _selected.push_back({id, _sector(l), e});
+        _selected.push_back({id, _sector(l, q), e});
         continue;
       }
       if (a < radius * radius) {
-        const Candidate candidate = {id, _p.isRuleAnisotropicDistances() ? a : e, e, _sector(l)};
+        const Candidate candidate = {id, _p.isRuleAnisotropicDistances() ? a : e, e, _sector(l, q)};
         (_isMain(id) ? _candidates : more).push_back(candidate);
       }
     }
@@ -404,7 +404,7 @@ private:
     return (radii.x() == 0. && radii.y() == 0. && radii.z() == 0.) || sum >= 1.;
   }
 
-  int _sector(const NbgVector3D &l) const
+  int _sector(const NbgVector3D &l, const NbgVector3D &q) const
   {
     const int n = _p.getSectorsNumber();
     int sector = 0;
@@ -416,7 +416,7 @@ private:
       if (sector >= n)
         sector = 0;
     }
-    return _p.isSplitSectors() && l.z() < 0. ? sector + n : sector;
+    return _p.isSplitSectors() && q.z() < 0. ? sector + n : sector;
   }
 
   int _code(int id) const

@@ -46,7 +46,7 @@ void NgdNeighborhoodSearch::_prepare()
   const NgmNeighborhoodMoving &p = *_parameters;
   _block = _target->isBlock() ? &_target->getBlock() : nullptr;
   _nSectors = std::max(1, p.getSplittedSectorsNumber());
-  _perSector = p.getMaximumNumberPerSector();
+  _perSector = std::max(0, p.getMaximumNumberPerSector());
   _keysAreAnisotropic = p.isRuleAnisotropicDistances();
   _testsRejection = rejection.active && rejection.targetRank >= 0;
   _testsFaults = faults.active;
@@ -75,11 +75,11 @@ void NgdNeighborhoodSearch::_prepareRoad()
   _looksAroundTarget = p.isRuleProximity() || p.isRuleBlockKeepAll();
   _hasPlainRules = !_looksAroundTarget && !_testsRejection && !_testsFaults && !_removesByCaps &&
                    !p.isRectangular();
+  _keysFollowFrame = _keysAreAnisotropic || _volume->isUniform;
   _takesNearest = _nSectors < 2 && !comparesCandidates && !_looksAroundTarget &&
-                  !p.isRectangular() && _volume->isSphereInFrame &&
-                  (_keysAreAnisotropic || _volume->isUniform) && _perSector <= mostNearest;
-  _keepsBestPerSector =
-      _nSectors >= 2 && !comparesCandidates && !additional.data && _perSector <= mostBestPerSector;
+                  !p.isRectangular() && _volume->isSphereInFrame && _perSector <= mostNearest;
+  _keepsBestPerSector = _nSectors >= 2 && !comparesCandidates && !additional.data &&
+                        _perSector > 0 && _perSector <= mostBestPerSector;
   _keepsAllThatFit = _nSectors < 2 && !comparesCandidates &&
                      !p.isRuleMaximumDistanceWithoutAnySample() && !p.isRuleMaximumEmptySectors() &&
                      !p.isRuleCutLarge() && !p.isRuleCutSmall();
@@ -134,7 +134,12 @@ bool NgdNeighborhoodSearch::_collect()
 bool NgdNeighborhoodSearch::_collectNearest()
 {
   for (int wanted = _perSector + 1; wanted <= mostProposals; wanted *= 4) {
-    _tree.proposeNearest(_center, wanted, _volume->squaredReach, samples.usable.data(), _proposals);
+    if (_keysFollowFrame)
+      _tree.proposeNearest(_center, wanted, _volume->squaredReach, samples.usable.data(),
+                           _proposals);
+    else
+      _tree.proposeNearestUnscaled(_center, wanted, _volume->squaredReach, samples.usable.data(),
+                                   _proposals);
     for (int i = 0; i < _proposals.count; ++i) {
       const int rank = _proposals.ranks[i];
       __builtin_prefetch(samples.x + rank);
@@ -150,7 +155,7 @@ bool NgdNeighborhoodSearch::_collectNearest()
       const NbgVector3D location(samples.x[rank], samples.y[rank], samples.z[rank]);
       const _Verdict verdict =
           _hasPlainRules ? _measurePlain(rank, location) : _measureWithRules(rank, location);
-      isComplete |= verdict == OUTSIDE;
+      isComplete |= verdict == OUTSIDE && _keysFollowFrame;
       nSurvivors += verdict == KEPT && i < wanted;
     }
     if (isComplete || nSurvivors > _perSector) {
@@ -258,7 +263,8 @@ NgdNeighborhoodSearch::_Verdict NgdNeighborhoodSearch::_tryAroundTarget(int samp
                                                                         const NbgVector3D &local)
 {
   const NbgVector3D inBlock = _block ? _block->getRotation().worldToLocal(offset) : offset;
-  if (_parameters->isRuleProximity() && isWithin(inBlock, _parameters->getProximitySize())) {
+  const NbgVector3D &proximity = _parameters->getProximitySize();
+  if (_parameters->isRuleProximity() && isWithin(inBlock, proximity.maximum(-1. * proximity))) {
     _selected.clear();
     _sectorCounts.assign(_nSectors, 0);
     _codeCounts.clear();
@@ -383,7 +389,8 @@ int NgdNeighborhoodSearch::_sectorOf(const NbgVector3D &local) const
     if (sector >= n)
       sector = 0;
   }
-  return _parameters->isSplitSectors() && !(local.z() >= 0.) ? sector + n : sector;
+  const bool isUpper = local.z() * _volume->scaling.z() >= 0.;
+  return _parameters->isSplitSectors() && !isUpper ? sector + n : sector;
 }
 
 /// Keeps a candidate; where the best of each sector are enough, one that its sector has no place
@@ -542,7 +549,7 @@ void NgdNeighborhoodSearch::_takePass(bool testsOptimum)
 {
   const int perSector = _perSector;
   const std::size_t maximum = _parameters->isRuleMaximumNumber()
-                                  ? std::size_t(_parameters->getMaximumNumber())
+                                  ? std::size_t(std::max(0, _parameters->getMaximumNumber()))
                                   : std::numeric_limits<std::size_t>::max();
   int nFull = int(std::count_if(_sectorCounts.begin(), _sectorCounts.end(),
                                 [=](int count) { return count >= perSector; }));

@@ -181,6 +181,7 @@ private:
   bool _removesByCaps = false;
   bool _looksAroundTarget = false;   ///< proximity or block rules
   bool _hasPlainRules = false;       ///< nothing but distance decides on a candidate
+  bool _keysFollowFrame = false;     ///< sorting distances have the order of those in the index
   bool _takesNearest = false;        ///< the nearest candidates are enough
   bool _keepsBestPerSector = false;  ///< the nearest candidates of each sector are enough
   bool _keepsAllThatFit = false;     ///< no rule asks for an order of candidates
