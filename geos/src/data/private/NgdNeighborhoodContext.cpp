@@ -33,7 +33,7 @@ bool usesBlock(const NgmNeighborhoodMoving &parameters)
 
 int toCode(double value)
 {
-  if (!NbbGlobal::isDefined(value) || !(std::abs(value) < 2147483647.))
+  if (!NbbGlobal::isDefined(value) || !(std::abs(value) < 2147483647.5))
     return NbbGlobal::I32_FFFF;
   return int(std::lround(value));
 }
@@ -59,7 +59,10 @@ struct NgdNeighborhoodContext::_Level
 };
 
 NgdNeighborhoodContext::NgdNeighborhoodContext()
-    : _target(&_pointTarget), _rejectionTargetValue(NbbGlobal::D_FFFF), _selected(&_neighbors)
+    : _target(&_pointTarget),
+      _search(std::make_unique<NgdNeighborhoodSearch>()),
+      _rejectionTargetValue(NbbGlobal::D_FFFF),
+      _selected(&_neighbors)
 {
 }
 
@@ -88,7 +91,7 @@ void NgdNeighborhoodContext::initialize(const NgdANeighborhood &neighborhood,
   _moving = moving;
   _mainVariables = mainVariables;
   _checkParameters();
-  _search = std::make_unique<NgdNeighborhoodSearch>(_moving->getSortedData());
+  _search->setIndex(_moving->getSortedData());
   _setCollocated(collocated);
   _prepareLevels();
   _prepareColumns();
@@ -123,8 +126,10 @@ void NgdNeighborhoodContext::setTargetData(const NbdDataTable &targets,
 {
   _setCollocated(collocated);
   for (_Level &level : _levels) {
-    if (level.parameters.needPatching())
-      level.parameters.registerVariables(targets);
+    if (!level.parameters.needPatching())
+      continue;
+    level.parameters.unpatchNeighborhood();
+    level.parameters.registerVariables(targets);
   }
 }
 
@@ -142,7 +147,7 @@ void NgdNeighborhoodContext::setTargetBlock(const NgmABlock &block)
 void NgdNeighborhoodContext::setAdditionalInput(const NbdAData *data, const QString &role,
                                                 int maximum)
 {
-  if (!_search)
+  if (!_moving)
     NBE_FAIL(QStringLiteral("Moving neighborhood not initialized"));
   if (_moving->isRejectionActive())
     NBE_FAIL(QStringLiteral("Rejection not allowed with additional input data"));
@@ -183,14 +188,12 @@ void NgdNeighborhoodContext::setFaultsEnabled(bool enabled)
 
 void NgdNeighborhoodContext::setFaultsData(const NgmNeighborhoodFaultSet &faults)
 {
-  if (_search)
-    _search->faults.set = faults;
+  _search->faults.set = faults;
 }
 
 void NgdNeighborhoodContext::setFaultsMode(const NgcEFaultsMode &mode)
 {
-  if (_search)
-    _search->faults.mode = mode;
+  _search->faults.mode = mode;
 }
 
 // Preparation.
@@ -314,6 +317,7 @@ void NgdNeighborhoodContext::_prepareCodes()
       NBE_FAIL(QStringLiteral("Code variable not found"));
     return;
   }
+  _search->samples.hasCodes = true;
   std::vector<int> &sampleCodes = _search->samples.codes;
   sampleCodes.resize(_search->samples.n);
   for (int rank = 0; rank < _search->samples.n; ++rank)
@@ -326,32 +330,39 @@ void NgdNeighborhoodContext::_prepareCaps()
   NgdNeighborhoodSearch::Samples &samples = _search->samples;
   if (parameters.isRuleCutLarge())
     samples.largeValues =
-        _findCapValues(Nbd::Role::LARGE_CUTOFF, _largeCapVariable,
+        _findCapValues(Nbd::Role::LARGE_CUTOFF, _largeCapVariable, samples.largeCopy,
                        QStringLiteral("Large cutoff variable not found"),
                        QStringLiteral("Large cutoff variable not found in main variables"));
   if (parameters.isRuleCutSmall())
     samples.smallValues =
-        _findCapValues(Nbd::Role::SMALL_CUTOFF, _smallCapVariable,
+        _findCapValues(Nbd::Role::SMALL_CUTOFF, _smallCapVariable, samples.smallCopy,
                        QStringLiteral("Small cutoff variable not found"),
                        QStringLiteral("Small cutoff variable not found in main variables"));
 }
 
-/// Values of the variable of a role, which also is a main one, by its name.
+/// Values of the variable of a role, which also is a main one, by its name. `copy` holds them when
+/// they are no doubles.
 const double *NgdNeighborhoodContext::_findCapValues(const QString &role, int &mainIndex,
+                                                     std::vector<double> &copy,
                                                      const QString &notFound,
                                                      const QString &notMain) const
 {
   const NbdDataTable &table = _moving->getAllData().getDataTableConst();
-  const NbdVariableDouble *variable = table.getVarDouble(role);
+  const NbdAVariableNumeric *variable = table.getVarNumeric(role);
   if (!variable)
     NBE_FAIL(notFound);
-  for (int index = 0; index < _mainVariables.size(); ++index) {
-    if (_mainVariables[index]->getName() == variable->getName()) {
-      mainIndex = index;
-      return variable->getArrayConst();
-    }
-  }
-  NBE_FAIL(notMain);
+  const auto isTheSame = [variable](const NbdAVariableNumeric *main) {
+    return main->getName() == variable->getName();
+  };
+  const auto found = std::find_if(_mainVariables.begin(), _mainVariables.end(), isTheSame);
+  if (found == _mainVariables.end())
+    NBE_FAIL(notMain);
+  mainIndex = int(found - _mainVariables.begin());
+  if (const auto *doubles = dynamic_cast<const NbdVariableDouble *>(variable))
+    return doubles->getArrayConst();
+  for (int rank = 0; rank < _search->samples.n; ++rank)
+    copy.push_back(variable->getValue(rank));
+  return copy.data();
 }
 
 void NgdNeighborhoodContext::_checkRejection() const
@@ -480,6 +491,7 @@ bool NgdNeighborhoodContext::_isInForbiddenPolygon()
   if (!faults.active || faults.mode == NgcEFaultsMode::IGNORE_POYGONAL_STATUS)
     return false;
   faults.targetPolygon = faults.set.isInsideFaultId(_target->getCenter());
+  _currentLevel = 0;
   return faults.targetPolygon >= 0 && faults.mode == NgcEFaultsMode::DO_NOT_CALCULATE_INSIDE;
 }
 
@@ -489,7 +501,7 @@ const NgcENeighborhoodErrorCode &NgdNeighborhoodContext::_searchLevels(int targe
   const NgcENeighborhoodErrorCode *outcome = &NgcENeighborhoodErrorCode::NEIGH_NO_SAMPLE;
   for (_currentLevel = 0;; ++_currentLevel) {
     _Level &level = _levels[_currentLevel];
-    if (targetIndex >= 0 && level.parameters.needPatching() && !_patch(level, targetIndex))
+    if (level.parameters.needPatching() && !_patch(level, targetIndex))
       return NgcENeighborhoodErrorCode::NEIGH_UNDEF_LGS;
     outcome = &_search->run(level.parameters,
                             _target->isBlock() ? level.blockVolume : level.pointVolume, *_target);
@@ -504,10 +516,12 @@ const NgcENeighborhoodErrorCode &NgdNeighborhoodContext::_searchLevels(int targe
   }
 }
 
-/// Gives a level the ellipsoid of a target.
+/// Gives a level the ellipsoid of a target; without index that of its parameters.
 bool NgdNeighborhoodContext::_patch(_Level &level, int targetIndex)
 {
-  if (!level.parameters.patchNeighborhood(targetIndex))
+  if (targetIndex < 0)
+    level.parameters.unpatchNeighborhood();
+  else if (!level.parameters.patchNeighborhood(targetIndex))
     return false;
   const bool isBlock = _target->isBlock();
   const auto *block = isBlock ? dynamic_cast<const NgmBlock *>(&_target->getBlock()) : nullptr;
@@ -658,12 +672,16 @@ NbdAVariableNumeric *NgdNeighborhoodContext::getNumericVariable(const QString &r
 
 int NgdNeighborhoodContext::getNestedNeighIndex(int level) const
 {
-  return level < 0 ? NgmENeighborhoodNestedCode::FAILED.getValue() : _levels[level].code;
+  if (level < 0)
+    return NgmENeighborhoodNestedCode::FAILED.getValue();
+  return level == 0 ? NgmENeighborhoodNestedCode::STANDARD.getValue() : _levels[level].code;
 }
 
 QString NgdNeighborhoodContext::getNestedNeighName(int level) const
 {
-  return level < 0 ? NgmENeighborhoodNestedCode::FAILED.getLabel() : _levels[level].name;
+  if (level < 0)
+    return NgmENeighborhoodNestedCode::FAILED.getLabel();
+  return level == 0 ? NgmENeighborhoodNestedCode::STANDARD.getLabel() : _levels[level].name;
 }
 
 int NgdNeighborhoodContext::getNSelectedCodes() const
@@ -673,7 +691,7 @@ int NgdNeighborhoodContext::getNSelectedCodes() const
 
 int NgdNeighborhoodContext::getNSelectedCodesByVar(int index) const
 {
-  if (!_search || _search->samples.codes.empty())
+  if (!_search->samples.hasCodes)
     return 0;
   QSet<int> codes;
   for (std::size_t i = 0; i < _ranks.size(); ++i) {
@@ -698,20 +716,20 @@ const NgmNeighborhoodMoving &NgdNeighborhoodContext::getCurrentParams() const
 
 int NgdNeighborhoodContext::getRejectionTargetRank() const
 {
-  return _search ? _search->rejection.targetRank : -1;
+  return _search->rejection.targetRank;
 }
 
 int NgdNeighborhoodContext::getRejectionMainVarIndex() const
 {
-  return _search ? _search->rejection.variable : -1;
+  return _search->rejection.variable;
 }
 
 qint64 NgdNeighborhoodContext::getNSearches() const
 {
-  return _search ? _search->getNSearches() : 0;
+  return _search->getNSearches();
 }
 
 qint64 NgdNeighborhoodContext::getNNearestSearches() const
 {
-  return _search ? _search->getNNearestSearches() : 0;
+  return _search->getNNearestSearches();
 }

@@ -50,7 +50,7 @@ void NgdNeighborhoodSearch::_prepare()
   _keysAreAnisotropic = p.isRuleAnisotropicDistances();
   _testsRejection = rejection.active && rejection.targetRank >= 0;
   _testsFaults = faults.active;
-  _testsCodes = p.isRulePerCode() && !samples.codes.empty();
+  _testsCodes = p.isRulePerCode() && samples.hasCodes;
   _removesByCaps = (p.isRuleCutLarge() && p.getCutLargeMode() == NgcECutoffMode::CUTOFF_REMOVE) ||
                    (p.isRuleCutSmall() && p.getCutSmallMode() == NgcECutoffMode::CUTOFF_REMOVE);
   _prepareRoad();
@@ -135,11 +135,11 @@ bool NgdNeighborhoodSearch::_collectNearest()
 {
   for (int wanted = _perSector + 1; wanted <= mostProposals; wanted *= 4) {
     if (_keysFollowFrame)
-      _tree.proposeNearest(_center, wanted, _volume->squaredReach, samples.usable.data(),
-                           _proposals);
+      _tree->proposeNearest(_center, wanted, _volume->squaredReach, samples.usable.data(),
+                            _proposals);
     else
-      _tree.proposeNearestUnscaled(_center, wanted, _volume->squaredReach, samples.usable.data(),
-                                   _proposals);
+      _tree->proposeNearestUnscaled(_center, wanted, _volume->squaredReach, samples.usable.data(),
+                                    _proposals);
     for (int i = 0; i < _proposals.count; ++i) {
       const int rank = _proposals.ranks[i];
       __builtin_prefetch(samples.x + rank);
@@ -170,7 +170,7 @@ bool NgdNeighborhoodSearch::_collectNearest()
 
 bool NgdNeighborhoodSearch::_collectAll()
 {
-  _tree.proposeWithin(_center, _volume->squaredReach, _proposals);
+  _tree->proposeWithin(_center, _volume->squaredReach, _proposals);
   if (_looksAroundTarget)
     std::sort(_proposals.ranks.begin(), _proposals.ranks.begin() + _proposals.count);
   for (int i = 0; i < _proposals.count; ++i) {

@@ -30,10 +30,13 @@ public:
     int nVariables = 0;
     std::vector<unsigned char> defined;   ///< variable v is defined in sample i: [v * n + i]
     std::vector<unsigned char> usable;    ///< passes the test of variables
-    std::vector<int> codes;               ///< I32_FFFF without code; empty without code variable
+    bool hasCodes = false;                ///< there is a code variable
+    std::vector<int> codes;               ///< I32_FFFF without code
     std::vector<qint64> lines;            ///< I64_FFFF without line; empty unless needed
     const double *largeValues = nullptr;  ///< values compared to the thresholds of the caps
     const double *smallValues = nullptr;
+    std::vector<double> largeCopy;  ///< the same where the samples hold no doubles
+    std::vector<double> smallCopy;
   };
 
   /// Rejection around targets that are samples.
@@ -74,7 +77,8 @@ public:
     double squaredDistance;
   };
 
-  explicit NgdNeighborhoodSearch(const NgdSortedDataKdTree &tree) : _tree(tree) {}
+  /// The index of the loaded samples; to be set before a search.
+  void setIndex(const NgdSortedDataKdTree &tree) { _tree = &tree; }
 
   /// Selects. Failures leave no sample, except too many in the block.
   const NgcENeighborhoodErrorCode &run(const NgmNeighborhoodMoving &parameters,
@@ -164,7 +168,7 @@ private:
   bool _hasTooManyEmptySectors() const;
   int _longestEmptyRun(int first) const;
 
-  const NgdSortedDataKdTree &_tree;
+  const NgdSortedDataKdTree *_tree = nullptr;
   const NgmNeighborhoodMoving *_parameters = nullptr;
   const NgdSearchVolume *_volume = nullptr;
   const NgmTarget *_target = nullptr;
