@@ -51,8 +51,10 @@ public:
     QMap<int, NbdAVariableNumeric *> collocated;
     if (_configuration.hasCollocated)
       collocated[0] = targets.getDataTableConst().getVarNumeric(Nbd::Role::COLLOCATED);
-    context.initialize(moving, !_configuration.factors.empty(), false, 0, false,
-                       targets.getDataTableConst(), variables, collocated);
+    const bool isLocal =
+        !_configuration.factors.empty() || !_configuration.factorsOfAxes[0].empty();
+    context.initialize(moving, isLocal, false, 0, false, targets.getDataTableConst(), variables,
+                       collocated);
     context.setForceCollocated(_configuration.forcesCollocated);
     if (_configuration.block)
       context.setTargetBlock(*_configuration.block);
@@ -133,7 +135,13 @@ private:
     };
     add(Nbd::Role::COLLOCATED, _configuration.targetValues);
     add(NgmLgsNeighborhoodMoving::getRoleRadiusFactor(), _configuration.factors);
-    add(NgmLgsNeighborhoodMoving::getRoleRot1(), _configuration.angles);
+    using Lgs = NgmLgsNeighborhoodMoving;
+    add(Lgs::getRoleRadiusFactorU(), _configuration.factorsOfAxes[0]);
+    add(Lgs::getRoleRadiusFactorV(), _configuration.factorsOfAxes[1]);
+    add(Lgs::getRoleRadiusFactorW(), _configuration.factorsOfAxes[2]);
+    add(Lgs::getRoleRot1(), _configuration.angles[0]);
+    add(Lgs::getRoleRot2(), _configuration.angles[1]);
+    add(Lgs::getRoleRot3(), _configuration.angles[2]);
     table.adjustNSamples();
   }
 
@@ -165,6 +173,9 @@ void expectAnswer(const Configuration &configuration, const NgdNeighborhoodConte
     ASSERT_EQ(context.getSectors()[i], expected.selected[i].sector);
     ASSERT_EQ(context.getSquaredDistances()[i], expected.selected[i].squaredDistance);
   }
+  ASSERT_EQ(context.getNSelectedCodes(), expected.nCodes);
+  for (std::size_t v = 0; v < expected.nCodesOf.size(); ++v)
+    ASSERT_EQ(context.getNSelectedCodesByVar(int(v)), expected.nCodesOf[v]);
   ASSERT_EQ(context.getCollocatedRank(), expected.hasCollocatedTarget ? n : -1);
   ASSERT_EQ(context.getNNeighbors(), n + expected.hasCollocatedTarget);
 
@@ -269,7 +280,10 @@ Configuration twoSamples()
   configuration.moreValues.clear();
   configuration.moreEnabled.clear();
   configuration.factors.clear();
-  configuration.angles.clear();
+  for (int i = 0; i < 3; ++i) {
+    configuration.factorsOfAxes[i].clear();
+    configuration.angles[i].clear();
+  }
   return configuration;
 }
 

@@ -14,7 +14,6 @@
 #include "geos/interpol/NgmBlock.h"
 
 #include <QObject>
-#include <QSet>
 
 #include <algorithm>
 #include <cmath>
@@ -292,18 +291,18 @@ void NgdNeighborhoodContext::_prepareSamples()
   samples.y = data.getCoordinates(1)->getArrayConst();
   samples.z = data.getCoordinates(2)->getArrayConst();
   samples.nVariables = _mainVariables.size();
-  samples.defined.resize(std::size_t(n) * samples.nVariables);
 
   const bool needsAll = _levels.front().parameters.isRuleIsotopicSearch();
   samples.usable.assign(n, needsAll);
-  unsigned char *defined = samples.defined.data();
+  if (samples.nVariables > 1)
+    samples.defined.reserve(std::size_t(n) * samples.nVariables);
   for (const NbdAVariableNumeric *variable : _mainVariables) {
-    for (int rank = 0; rank < n; ++rank, ++defined) {
-      *defined = !variable->isUndefined(rank);
-      if (needsAll)
-        samples.usable[rank] &= *defined;
-      else
-        samples.usable[rank] |= *defined;
+    for (int rank = 0; rank < n; ++rank) {
+      const bool isDefined = !variable->isUndefined(rank);
+      samples.usable[rank] =
+          needsAll ? samples.usable[rank] && isDefined : samples.usable[rank] || isDefined;
+      if (samples.nVariables > 1)
+        samples.defined.push_back(isDefined);
     }
   }
 }
@@ -691,17 +690,20 @@ int NgdNeighborhoodContext::getNSelectedCodes() const
 
 int NgdNeighborhoodContext::getNSelectedCodesByVar(int index) const
 {
-  if (!_search->samples.hasCodes)
+  const NgdNeighborhoodSearch::Samples &samples = _search->samples;
+  if (!samples.hasCodes)
     return 0;
-  QSet<int> codes;
-  for (std::size_t i = 0; i < _ranks.size(); ++i) {
-    if (_ranks[i] >= _search->samples.n || (index >= 0 && _mainColumns[index]->isUndefined(int(i))))
-      continue;
-    const int code = _search->samples.codes[_ranks[i]];
-    if (code != NbbGlobal::I32_FFFF)
-      codes << code;
+  const auto codeOf = [&](int rank) {
+    const bool counts = rank < samples.n && (index < 0 || _search->isDefined(rank, index));
+    return counts ? samples.codes[rank] : NbbGlobal::I32_FFFF;
+  };
+  int nCodes = 0;
+  for (auto rank = _ranks.begin(); rank != _ranks.end(); ++rank) {
+    const int code = codeOf(*rank);
+    nCodes += code != NbbGlobal::I32_FFFF &&
+              std::none_of(_ranks.begin(), rank, [&](int r) { return codeOf(r) == code; });
   }
-  return codes.size();
+  return nCodes;
 }
 
 const NgmNeighborhoodMoving &NgdNeighborhoodContext::getMovingParams(int level) const

@@ -359,17 +359,20 @@ bool NgdNeighborhoodSearch::_isUsable(int sample) const
 {
   const bool needsAll = _parameters->isRuleIsotopicSearch();
   for (int variable = 0; variable < samples.nVariables; ++variable) {
-    if (_isDefined(sample, variable) != needsAll)
+    if (isDefined(sample, variable) != needsAll)
       return !needsAll;
   }
   return needsAll;
 }
 
-bool NgdNeighborhoodSearch::_isDefined(int sample, int variable) const
+bool NgdNeighborhoodSearch::isDefined(int sample, int variable) const
 {
-  if (sample < samples.n)
-    return samples.defined[std::size_t(variable) * samples.n + sample] &&
-           !(variable == rejection.variable && isRejected(sample));
+  if (sample < samples.n) {
+    const bool isKnown = samples.nVariables == 1
+                             ? samples.usable[sample]
+                             : samples.defined[std::size_t(variable) * samples.n + sample];
+    return isKnown && !(variable == rejection.variable && isRejected(sample));
+  }
   return variable < int(additional.variables.size()) &&
          !additional.variables[variable]->isUndefined(sample - samples.n);
 }
@@ -523,12 +526,12 @@ void NgdNeighborhoodSearch::_takeForVariables()
 bool NgdNeighborhoodSearch::_markForVariable(int sector, int variable)
 {
   for (const Selected &selected : _selected) {
-    if (selected.sector == sector && _isDefined(selected.sample, variable))
+    if (selected.sector == sector && isDefined(selected.sample, variable))
       return false;
   }
   for (std::size_t i = 0; i < _candidates.size(); ++i) {
     const _Candidate &candidate = _candidates[i];
-    if (_taken[i] || candidate.sector != sector || !_isDefined(candidate.sample, variable) ||
+    if (_taken[i] || candidate.sector != sector || !isDefined(candidate.sample, variable) ||
         !_passesTests(candidate))
       continue;
     _marked[i] = 1;

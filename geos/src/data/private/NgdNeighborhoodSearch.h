@@ -28,8 +28,9 @@ public:
     const double *y = nullptr;
     const double *z = nullptr;
     int nVariables = 0;
-    std::vector<unsigned char> defined;   ///< variable v is defined in sample i: [v * n + i]
     std::vector<unsigned char> usable;    ///< passes the test of variables
+    std::vector<unsigned char> defined;   ///< variable v is defined in sample i: [v * n + i]; empty
+                                          ///< for a single variable, of which `usable` tells it
     bool hasCodes = false;                ///< there is a code variable
     std::vector<int> codes;               ///< I32_FFFF without code
     std::vector<qint64> lines;            ///< I64_FFFF without line; empty unless needed
@@ -93,6 +94,9 @@ public:
     return !_rejectedFlags.empty() && sample < samples.n && _rejectedFlags[sample];
   }
 
+  /// A variable of a sample is defined and, in the search that ran last, not rejected.
+  bool isDefined(int sample, int variable) const;
+
   /// Whether the top (bottom) cap takes hold of a sample in the search that ran last.
   bool isCapped(int sample, bool top) const;
 
@@ -144,7 +148,6 @@ private:
   bool _isRemovedByCaps(int sample, const NbgVector3D &local) const;
   bool _isCapped(int sample, const NbgVector3D &local, bool top) const;
   bool _isUsable(int sample) const;
-  bool _isDefined(int sample, int variable) const;
   NbgVector3D _location(int sample) const;
   int _sectorOf(const NbgVector3D &local) const;
   void _offerToSector(const NbgVector3D &local, _Candidate candidate);
