@@ -433,7 +433,7 @@ private:
       if (sector >= n)
         sector = 0;
     }
-    return _p.isSplitSectors() && q.z() < 0. ? sector + n : sector;
+    return _p.isSplitSectors() && !(q.z() >= 0.) ? sector + n : sector;
   }
 
   int _code(int id) const

@@ -363,6 +363,7 @@ void NgdSortedDataKdTree::loadData(const NgdADataSet *dataSet)
   asked->createAllVariables(*points, true, true);
   if (asked->getNSamples() > 0)
     asked->loadAllPointsInBuffer(*points);
+  points->setNDimensions(asked->getNDimensions());
   points->ensureCoordinates();
   build(*points);
   _loaded = std::move(points);
