@@ -64,6 +64,8 @@ void NgcAKriging::Worker::_startBuffer(NbdAData &buffer)
   parts.targets.setBuffer(buffer);
   parts.models.setBuffer(table);
   parts.outputs.setBuffer(buffer);
+  const NbdVariableInt64 *numbers = buffer.getVariableSN();
+  parts.sampleNumbers = numbers ? numbers->getArrayConst() : nullptr;
   if (_kriging.isBlockVariableSize())
     parts.blockVariables = _kriging.getBlockVariables(table);
   if (parts.isInitialized) {
@@ -98,14 +100,8 @@ void NgcAKriging::Worker::_finishBuffer(NbdAData &buffer)
   if (const NgmIKrigingPostPro *postPro = _kriging.getGaussianKrigingPostPro())
     postPro->process(&buffer, outputs.getEstimateVariables(), outputs.getVarianceVariables(),
                      false);
-  if (!outputs.hasVariances())
-    return;
-  const std::vector<int> &positions = buffer.getSelectedPositions();
-  NgcKrigingVariance::transform(
-      {positions.size(), positions.data()},
-      {outputs.hasStandardDeviation(), outputs.hasVariance(), outputs.hasIndicator()},
-      _kriging.getVarioModel().getC00Matrix(), outputs.getVariances(),
-      outputs.getStandardDeviations());
+  if (outputs.hasVariances())
+    _transformVariance(buffer);
 }
 
 void NgcAKriging::Worker::_transformBack(const NbdAData &buffer)
@@ -151,6 +147,18 @@ void NgcAKriging::Worker::_writeSuperKriging(const NbdAData &buffer)
         _kriging.getBlockDefinition().getResizedBlock(position, _parts->blockVariables));
     write(1, &position, *block);
   }
+}
+
+/// From raw variances to what the outputs hold.
+void NgcAKriging::Worker::_transformVariance(const NbdAData &buffer)
+{
+  const NgcKrigingOutputs &outputs = _parts->outputs;
+  const std::vector<int> &positions = buffer.getSelectedPositions();
+  NgcKrigingVariance::transform(
+      {positions.size(), positions.data()},
+      {outputs.hasStandardDeviation(), outputs.hasVariance(), outputs.hasIndicator()},
+      _kriging.getVarioModel().getC00Matrix(), outputs.getVariances(),
+      outputs.getStandardDeviations());
 }
 
 // A target of a moving neighborhood.

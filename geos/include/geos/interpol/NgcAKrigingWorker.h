@@ -45,6 +45,7 @@ private:
   void _finishBuffer(NbdAData &buffer);
   void _transformBack(const NbdAData &buffer);
   void _writeSuperKriging(const NbdAData &buffer);
+  void _transformVariance(const NbdAData &buffer);
 
   /// Selects the neighbors and writes what there is to say of them; false when there are none.
   bool _search(const NbdAData &buffer, int position);

@@ -34,6 +34,9 @@ struct NgcAKriging::Worker::_Parts
   std::unique_ptr<NgcKrigingUniqueSolver> uniqueSolver;
   NgcKrigingStatistics statistics;
 
+  /// Of the buffer under way; null where they are not known.
+  const qint64 *sampleNumbers = nullptr;
+
   /// Block whose size varies from target to target.
   QList<NbdAVariableNumeric *> blockVariables;
 
