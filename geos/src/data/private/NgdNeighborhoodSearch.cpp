@@ -16,6 +16,7 @@ constexpr double collocated = 1e-6;
 /// Beyond these numbers sorting all candidates is cheaper than keeping the best in order.
 constexpr int mostNearest = 512;
 constexpr int mostBestPerSector = 64;
+constexpr int mostPlaces = 65536;
 
 /// A filtered search for the nearest ends in a listing when it has to look at so many.
 constexpr int mostProposals = 4096;
@@ -85,9 +86,9 @@ void NgdNeighborhoodSearch::_prepareRoad()
   _keysFollowFrame = _keysAreAnisotropic || _volume->isUniform;
   const bool canTakeNearest =
       !comparesCandidates && !_looksAroundTarget && !p.isRectangular() && _volume->isSphereInFrame;
-  _keepsBestPerSector = _nSectors >= 2 && !comparesCandidates && !additional.data &&
-                        _perSector > 0 && _perSector <= mostBestPerSector;
   const qint64 capacity = qint64(_nSectors) * _perSector;
+  _keepsBestPerSector = _nSectors >= 2 && !comparesCandidates && !additional.data &&
+                        _perSector > 0 && _perSector <= mostBestPerSector && capacity <= mostPlaces;
   _takesNearest =
       canTakeNearest && capacity <= mostNearest && (_nSectors < 2 || _keepsBestPerSector);
   _fewestNearest = int(_nSectors < 2 ? capacity + 1 : nearestPerPlace * capacity);
