@@ -535,8 +535,15 @@ const double *const *NgmAKrigingSystem::Arrays::take(const QList<NbdAVariableNum
 {
   _resize(variables.size());
   for (int v = 0; v < variables.size(); ++v)
-    _pointers[std::size_t(v)] = toArray(*variables.at(v), _converted[std::size_t(v)]);
+    _pointers[std::size_t(v)] = _toArray(*variables.at(v), _converted[std::size_t(v)]);
   return variables.isEmpty() ? nullptr : _pointers.data();
+}
+
+const double *const *NgmAKrigingSystem::Arrays::take(const NbdAVariableNumeric &variable)
+{
+  _resize(1);
+  _pointers.front() = _toArray(variable, _converted.front());
+  return _pointers.data();
 }
 
 const double *const *NgmAKrigingSystem::Arrays::take(
@@ -545,13 +552,14 @@ const double *const *NgmAKrigingSystem::Arrays::take(
   _resize(size);
   for (int v = 0; v < size; ++v) {
     const NbdAVariableNumeric *variable = variables.value(v, nullptr);
-    _pointers[std::size_t(v)] = variable ? toArray(*variable, _converted[std::size_t(v)]) : nullptr;
+    _pointers[std::size_t(v)] =
+        variable ? _toArray(*variable, _converted[std::size_t(v)]) : nullptr;
   }
   return _pointers.data();
 }
 
-const double *NgmAKrigingSystem::Arrays::toArray(const NbdAVariableNumeric &variable,
-                                                 std::vector<double> &converted)
+const double *NgmAKrigingSystem::Arrays::_toArray(const NbdAVariableNumeric &variable,
+                                                  std::vector<double> &converted)
 {
   if (const auto *stored = dynamic_cast<const NbdVariableDouble *>(&variable))
     return stored->getArrayConst();
@@ -655,8 +663,7 @@ double NgmAKrigingSystem::krigingResult(const NbdAVariableNumeric &data) const
   _checkWeightsReady();
   if (_nVariables != 1)
     NBE_FAIL(QStringLiteral("getNVariables() == 1"));
-  const double *values = _values.take({const_cast<NbdAVariableNumeric *>(&data)})[0];
-  return Weights(*this, 0).estimate(&values);
+  return Weights(*this, 0).estimate(_values.take(data));
 }
 
 void NgmAKrigingSystem::krigingResults(const QList<NbdAVariableNumeric *> &dataVars,

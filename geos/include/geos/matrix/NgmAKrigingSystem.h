@@ -267,13 +267,13 @@ private:
   class Arrays
   {
   public:
+    const double *const *take(const NbdAVariableNumeric &variable);
     const double *const *take(const QList<NbdAVariableNumeric *> &variables);
     const double *const *take(const QMap<int, NbdAVariableNumeric *> &variables, int size);
-    static const double *toArray(const NbdAVariableNumeric &variable,
-                                 std::vector<double> &converted);
 
   private:
-    const double *_toArray(std::size_t position, const NbdAVariableNumeric *variable);
+    static const double *_toArray(const NbdAVariableNumeric &variable,
+                                  std::vector<double> &converted);
     void _resize(int size);
 
     std::vector<const double *> _pointers;
