@@ -90,12 +90,14 @@ public:
   int nPostLaunch = 0;
   int nBuffers = 0;
   int mostLoaded = 0;
+  std::vector<NbgBox> targetBoxes;
   bool usedMoving = false;
 
 protected:
   void _prepareRun() override
   {
     nPreLaunch = nPostLaunch = mostLoaded = 0;
+    targetBoxes.clear();
     NgcAInterpol::_prepareRun();
     usedMoving = isUsingMoving();
   }
@@ -110,6 +112,7 @@ protected:
   void _preLaunchThreads() override
   {
     ++nPreLaunch;
+    targetBoxes.push_back(_getTargetsBox());
     mostLoaded = std::max(mostLoaded, getAllInputData().getNSamples());
   }
   void _postLaunchThreads() override { ++nPostLaunch; }

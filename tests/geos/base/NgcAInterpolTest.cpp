@@ -172,6 +172,8 @@ TEST(NgcAInterpol, CutsAGridIntoParcels)
   // Only the samples in reach of a parcel are in memory.
   calculator.setParcelling({5, 5, 3}, {5., 5., 5.});
   expectCompleted(calculator);
+  EXPECT_EQ(calculator.targetBoxes[6].getLowerLeftCorner(), NbgVector3D(50., 50., 0.));
+  EXPECT_EQ(calculator.targetBoxes[6].getUpperRightCorner(), NbgVector3D(100., 100., 15.));
   EXPECT_GT(calculator.mostLoaded, 0);
   EXPECT_LT(calculator.mostLoaded, Study::nSamples / 8);
 }
