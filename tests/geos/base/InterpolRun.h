@@ -82,6 +82,9 @@ public:
   /// Values to write to the input, by sample number of the target.
   std::function<QMap<qint64, QList<double>>(qint64, double)> inputWrite;
 
+  /// Roles of the output that the test of one target leaves out.
+  QStringList untestedRoles;
+
   /// A worker of another kind, for the test of one target.
   bool makesForeignWorkers = false;
 
@@ -116,6 +119,7 @@ protected:
     mostLoaded = std::max(mostLoaded, getAllInputData().getNSamples());
   }
   void _postLaunchThreads() override { ++nPostLaunch; }
+  void _prepareTestOutputDataSet(NgdADataSet &output) override { output.clearRoles(untestedRoles); }
   NgwAThread *_createComputingThread(NgwThreadPool *pool) override;
 
 private:
