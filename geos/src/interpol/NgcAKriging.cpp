@@ -6,8 +6,11 @@
 #include "basic/error/NbeAssertion.h"
 #include "basic/geom/NbgBox.h"
 #include "basic/unit/NbuEUnitClass.h"
+#include "geos/anam/NgmITransformation.h"
 #include "geos/data/NgdADataSet.h"
+#include "geos/interpol/NgmIKrigingPostPro.h"
 #include "geos/matrix/NgmKrigingSystemDual.h"
+#include "geos/stats/NgmIMultivariateTransform.h"
 
 #include <QObject>
 #include <QStringList>
@@ -43,33 +46,196 @@ void warnOfMissingData(const NbgBox &box, int nDimensions)
 
 }  // namespace
 
-NgcAKriging::NgcAKriging(const QString &key) : NgcAInterpol(key), _model(1)
+NgcAKriging::NgcAKriging(const QString &key)
+    : NgcAInterpol(key), _model(1), _pointGaussianCorrelation(true)
 {
-  _addVariableRule(Nbd::Dataset::INPUT, Nbd::Role::V, Nbd::ACCESS_READ, Nbd::TYPE_DOUBLE, 1, 1);
-  for (const QString &role : {Nbd::Role::V, Nbd::Role::VARIANCE, Nbd::Role::STDEV})
-    _addVariableRule(Nbd::Dataset::OUTPUT, role, Nbd::ACCESS_WRITE, Nbd::TYPE_DOUBLE, 0, 1);
 }
 
 NgcAKriging::~NgcAKriging() = default;
+
+// Settings.
 
 void NgcAKriging::setVarioModel(const NgmVModel &model)
 {
   _model = model;
 }
 
-void NgcAKriging::_addRuntimeConstraints()
+void NgcAKriging::setKrigingMode(const NgcEKrigingMode &mode)
 {
-  NgcAInterpol::_addRuntimeConstraints();
-  const NgdADataSet &output = *getOutputDataset();
-  if (!output.hasVariablesWithRole(Nbd::Role::V) &&
-      !output.hasVariablesWithRole(Nbd::Role::VARIANCE) &&
-      !output.hasVariablesWithRole(Nbd::Role::STDEV))
-    NBE_FAIL(QObject::tr("No output variable to be estimated!"));
+  _mode = mode;
 }
+
+void NgcAKriging::setKrigingMode(NgcEKrigingMode::EValue mode)
+{
+  _mode = NgcEKrigingMode::fromValue(int(mode));
+}
+
+void NgcAKriging::setSimpleKrigingOption(Ngc::SimpleKrigingOption option)
+{
+  _simpleKrigingOption = option;
+}
+
+void NgcAKriging::setSimpleKrigingMean(int variable, double mean)
+{
+  if (variable < 0)
+    NBE_FAIL(QStringLiteral("variable >= 0"));
+  if (variable >= _means.size())
+    _means.resize(variable + 1);
+  _means[variable] = mean;
+}
+
+void NgcAKriging::setSimpleKrigingVariableOnlyOnTarget(bool only)
+{
+  _meansOnlyOnTarget = only;
+}
+
+void NgcAKriging::setStDevMeasError(int variable, const QString &name)
+{
+  _measurementErrors.insert(variable, name);
+}
+
+void NgcAKriging::setCollocated(int variable, const QString &name)
+{
+  _collocated.insert(variable, name);
+}
+
+void NgcAKriging::setCollocatedTransformation(bool transform)
+{
+  _collocatedTransformation = transform;
+}
+
+void NgcAKriging::setLGSModelRotationConvention(bool use, int conventionId)
+{
+  _lgsUseConvention = use;
+  _lgsConvention = conventionId;
+}
+
+void NgcAKriging::setLGSModelRotationForce2D(bool force)
+{
+  _lgsForce2D = force;
+}
+
+void NgcAKriging::setMonovariateTransformation(int variable,
+                                               const NgmITransformation &transformation)
+{
+  _monoTransfos[variable].reset(transformation.clone());
+}
+
+void NgcAKriging::setEnableMonovariateTransformation(bool enable)
+{
+  _monoTransfosEnabled = enable;
+}
+
+void NgcAKriging::setMultivariateTransformation(const NgmIMultivariateTransform &transformation)
+{
+  _multiTransfo.reset(transformation.clone());
+}
+
+void NgcAKriging::setDriftModel(const NgmDriftModel &model)
+{
+  _driftModel = model;
+}
+
+void NgcAKriging::setExtDriftModel(const NgmExtDriftModel &model)
+{
+  _extDriftModel = model;
+}
+
+void NgcAKriging::setBlockCorrectionCoefficient(int variable, double r)
+{
+  _blockCorrectionCoefficients.insert(variable, r);
+  _directBlock = true;
+}
+
+double NgcAKriging::getBlockCorrectionCoefficient(int variable) const
+{
+  return _blockCorrectionCoefficients.value(variable, NbbGlobal::D_FFFF);
+}
+
+void NgcAKriging::setPointGaussianCorrelation(const NgmMatrix &correlation)
+{
+  _pointGaussianCorrelation = correlation;
+}
+
+void NgcAKriging::setGaussianKrigingPostPro(const NgmIKrigingPostPro &postPro)
+{
+  _postPro.reset(postPro.clone());
+}
+
+void NgcAKriging::_addFilterStructure(int structure)
+{
+  if (!_filteredStructures.contains(structure))
+    _filteredStructures << structure;
+}
+
+// What was set.
+
+bool NgcAKriging::isSimpleKriging() const
+{
+  return _mode == NgcEKrigingMode::SIMPLE_KRIGING;
+}
+
+bool NgcAKriging::isRescaledCokriging() const
+{
+  return _mode == NgcEKrigingMode::RESCALED_COKRIGING;
+}
+
+double NgcAKriging::getSimpleKrigingMean(int variable) const
+{
+  return _means.value(variable, 0.);
+}
+
+bool NgcAKriging::needMeanCorrection() const
+{
+  if (!isSimpleKriging() && !isRescaledCokriging())
+    return false;
+  return _simpleKrigingOption == Ngc::SIMPLE_KRIGING_LOCAL_MEAN ||
+         std::any_of(_means.begin(), _means.end(), [](double mean) { return mean != 0.; });
+}
+
+int NgcAKriging::getNDriftEquations() const
+{
+  if (isSimpleKriging())
+    return 0;
+  return _driftModel.getNDriftEquations() + _extDriftModel.getNDriftEquations();
+}
+
+bool NgcAKriging::isFilteringComponentsEnabled() const
+{
+  return _filterNugget || !_filteredStructures.isEmpty() || _filterDrifts;
+}
+
+bool NgcAKriging::isUsingMonoTransfo(int variable) const
+{
+  return _monoTransfos.find(variable) != _monoTransfos.end();
+}
+
+const NgmITransformation &NgcAKriging::getMonoTransfo(int variable) const
+{
+  if (!isUsingMonoTransfo(variable))
+    NBE_FAIL(QStringLiteral("isUsingMonoTransfo(variable)"));
+  return *_monoTransfos.at(variable);
+}
+
+const NgmIMultivariateTransform &NgcAKriging::getMultiTransfo() const
+{
+  if (!isUsingMultiTransfo())
+    NBE_FAIL(QStringLiteral("isUsingMultiTransfo()"));
+  return *_multiTransfo;
+}
+
+int NgcAKriging::getNVariables() const
+{
+  return _model.getNVariables();
+}
+
+// Run.
 
 void NgcAKriging::_preProcessing()
 {
   _setModelContext();
+  _checkMeasurementErrors();
+  _checkCollocated();
 }
 
 void NgcAKriging::_preLaunchThreads()
@@ -81,6 +247,7 @@ void NgcAKriging::_preLaunchThreads()
 
 void NgcAKriging::_setModelContext()
 {
+  _model.setContextIrfDegree(isSimpleKriging() ? -1 : _driftModel.getMaximumPolynomialDegree());
   _model.setContextNDim(getOutputDataset()->getNDimensions());
   if (_model.getEffectiveIrfDegree() >= 0)
     _model.setContextFieldSize(_calcFieldSize());
