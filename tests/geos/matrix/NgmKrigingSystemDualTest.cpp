@@ -331,9 +331,6 @@ TEST(NgmKrigingSystemDual, ErrorTexts)
       {"not ready", NbeError::PROGRAMMING,
        QStringLiteral("NgmAKrigingSystem::_checkWeightsReady: System not solved and not ready!"),
        [&] { context.computeSumOfWeights(out); }},
-      {"batch without weights", NbeError::PROGRAMMING,
-       QStringLiteral("NgmAKrigingSystem::_checkWeightsReady: System not solved and not ready!"),
-       [&] { context.computeBatchVariances({1.}, nullptr); }},
       {"batch too large", NbeError::PROGRAMMING,
        assertion("NgmKrigingSystemDualContext", "nTargets <= getBatchCapacity()"),
        [&] {
