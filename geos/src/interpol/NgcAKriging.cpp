@@ -4,6 +4,7 @@
 #include "basic/base/NbbMessage.h"
 #include "basic/base/NbbUserStringFormats.h"
 #include "basic/error/NbeAssertion.h"
+#include "basic/error/NbeUserError.h"
 #include "basic/geom/NbgBox.h"
 #include "basic/unit/NbuEUnitClass.h"
 #include "geos/anam/NgmITransformation.h"
@@ -11,6 +12,8 @@
 #include "geos/interpol/NgmIKrigingPostPro.h"
 #include "geos/matrix/NgmKrigingSystemDual.h"
 #include "geos/stats/NgmIMultivariateTransform.h"
+#include "interpol/private/NgcKrigingNeighbors.h"
+#include "interpol/private/NgcKrigingSolver.h"
 
 #include <QObject>
 #include <QStringList>
@@ -152,6 +155,11 @@ double NgcAKriging::getBlockCorrectionCoefficient(int variable) const
   return _blockCorrectionCoefficients.value(variable, NbbGlobal::D_FFFF);
 }
 
+bool NgcAKriging::hasBlockCorrectionCoefficient(int variable) const
+{
+  return _blockCorrectionCoefficients.contains(variable);
+}
+
 void NgcAKriging::setPointGaussianCorrelation(const NgmMatrix &correlation)
 {
   _pointGaussianCorrelation = correlation;
@@ -224,9 +232,10 @@ const NgmIMultivariateTransform &NgcAKriging::getMultiTransfo() const
   return *_multiTransfo;
 }
 
-int NgcAKriging::getNVariables() const
+bool NgcAKriging::hasMeansOfTargetsOnly() const
 {
-  return _model.getNVariables();
+  return needMeanCorrection() && _meansOnlyOnTarget &&
+         _simpleKrigingOption == Ngc::SIMPLE_KRIGING_LOCAL_MEAN;
 }
 
 // Run.
@@ -236,11 +245,13 @@ void NgcAKriging::_preProcessing()
   _setModelContext();
   _checkMeasurementErrors();
   _checkCollocated();
+  _prepareModels();
 }
 
 void NgcAKriging::_preLaunchThreads()
 {
   _systemDual.reset();
+  _companionDual.reset();
   if (!isUsingMoving())
     _buildUniqueKrigingSystem();
 }
@@ -266,20 +277,63 @@ double NgcAKriging::_calcFieldSize() const
   return largest;
 }
 
+/// The model without filtered components, and the variances of blocks that all have one size.
+void NgcAKriging::_prepareModels()
+{
+  _filteredModel.reset();
+  if (_filterNugget || !_filteredStructures.isEmpty())
+    _filteredModel =
+        std::make_unique<NgmVModel>(_model.buildFilteredModel(_filterNugget, _filteredStructures));
+  _blockVariances.clear();
+  if (!isBlockInterpolation() || isBlockVariableSize())
+    return;
+  const NgmMatrix cvv = getEstimatedModel().computeMeanCvv(getBlockDefinition());
+  for (int variable = 0; variable < getNVariables(); ++variable)
+    _blockVariances << cvv.getElement(variable, variable);
+}
+
 void NgcAKriging::_buildUniqueKrigingSystem()
 {
   _setProgressMessageDetail(QObject::tr("Building Kriging System..."));
+  if (isBlockInterpolation() && isDirectBlock())
+    NBE_FAIL(QObject::tr("You cannot define both Block Interpolation and Direct Block Kriging."));
   const NbdDataPoints &data = getAllInputData();
-  if (data.getNSamples() == 0) {
+  const int n = data.getNSamples();
+  if (n == 0) {
     NbgBox targets;
     getOutputDataset()->updateBoundingBox(targets);
     warnOfMissingData(targets, getOutputDataset()->getNDimensions());
     return;
   }
-  auto system = std::make_unique<NgmKrigingSystemDual>(data.getNSamples(), 1, false, false, 0);
+  NgcKrigingNeighbors neighbors(*this);
+  neighbors.setSource(data, n);
+  QVector<double> means;
+  for (int variable = 0; variable < getNVariables(); ++variable)
+    means << getSimpleKrigingMean(variable);
+  const NgmKrigingSamples &samples =
+      neighbors.take(n, hasMeansOfTargetsOnly() ? nullptr : means.constData());
+
+  auto system = std::make_unique<NgmKrigingSystemDual>(n, getNVariables(), isSimpleKriging(),
+                                                       isRescaledCokriging(), getNDriftEquations());
+  NgcKrigingSystems::configure(*this, *system);
   // One thread: another factorization, and other bits, come with the parallel path.
-  system->buildSystem(_model, *data.getCoordinates(0), *data.getCoordinates(1),
-                      *data.getCoordinates(2),
-                      data.getDataTableConst().getVarsNumeric(Nbd::Role::V), 1, {});
+  system->buildSystem(_model, samples, 1);
+  if (system->hasDriftError())
+    throw NbeUserError(system->getDriftError());
   _systemDual = std::move(system);
+  if (!isSimpleKriging() && getOutputDataset()->hasVariablesWithRole(Nbd::Role::WEIGHT_OF_MEAN))
+    _buildCompanionSystem(samples);
+}
+
+/// Its failure is told for each target.
+void NgcAKriging::_buildCompanionSystem(const NgmKrigingSamples &samples)
+{
+  auto system = std::make_unique<NgmKrigingSystemDual>(samples.n, getNVariables(), true, false, 0);
+  NgcKrigingSystems::configureCompanion(*this, *system);
+  try {
+    system->buildSystem(_model, samples, 1);
+  } catch (const NbeUserError &) {
+    return;
+  }
+  _companionDual = std::move(system);
 }

@@ -118,7 +118,7 @@ QStringList NgcAKriging::getInputRolesInOutputDataset() const
     roles << Nbd::Role::LOCAL_MEAN;
   if (!_collocated.isEmpty())
     roles << Nbd::Role::COLLOCATED;
-  if (false)
+  if (isLGSEnabled())
     roles << NgmLgsVModel::getRoles();
   return roles;
 }
@@ -165,6 +165,16 @@ void NgcAKriging::_checkSettings() const
     NBE_FAIL(QObject::tr("No output variable to be estimated!"));
   if (isSimpleKriging() && isRescaledCokriging())
     NBE_FAIL(QObject::tr("Simple Kriging and Rescaled CoKriging are exclusive."));
+  if (isBlockInterpolation() && !isSimpleKriging() && _extDriftModel.getNDriftEquations() > 0)
+    NBE_FAIL(QObject::tr("Using external drifts not enabled in block kriging."));
+  if (isLGSEnabled() && getOutputDataset()->hasVariablesWithRole(Nbd::Role::VARINDICATOR))
+    NBE_FAIL(QObject::tr("Variance indicator is not available with LGS"));
+  if (isLGSEnabled() && !isUsingMoving())
+    NBE_FAIL(QObject::tr("Cannot use LGS with a Unique Neighborhood."));
+  if (getOutputDataset()->hasVariablesWithRole(Nbd::Role::KRIG_EFFIC) &&
+      !getOutputDataset()->hasVariablesWithRole(Nbd::Role::VARIANCE) &&
+      !getOutputDataset()->hasVariablesWithRole(Nbd::Role::STDEV))
+    NBE_FAIL(QObject::tr("Kriging efficiency needs Kriging variance or Standard deviation"));
 }
 
 bool NgcAKriging::_hasOutput() const
@@ -276,6 +286,8 @@ void NgcAKriging::_checkCollocated() const
     NBE_FAIL(error);
   if (_collocated.isEmpty())
     return;
+  if (isBlockInterpolation())
+    NBE_FAIL(QObject::tr("Collocated cokriging not possible in block kriging."));
   if (isFilteringComponentsEnabled())
     NBE_FAIL(QObject::tr("Collocated cokriging not possible when filtering components."));
 }

@@ -137,8 +137,7 @@ void NgcAKriging::Worker::_writeSuperKriging(const NbdAData &buffer)
     const bool isFlat = _kriging.getNDimensions() < 3;
     const double volume = size.x() * size.y() * (isFlat ? 1. : size.z());
     NgcKrigingVariance::computeSuperKriging(
-        {n, targets},
-        {volume, _kriging.getTheoreticalMean(), _kriging.getProductionVolume()},
+        {n, targets}, {volume, _kriging.getTheoreticalMean(), _kriging.getProductionVolume()},
         outputs.getVariances(), outputs.get(NgcKrigingOutputs::SSDV),
         outputs.get(NgcKrigingOutputs::SPECIFIC_VOLUME),
         outputs.get(NgcKrigingOutputs::COEFF_OF_VARIATION));
@@ -166,8 +165,8 @@ bool NgcAKriging::Worker::_search(const NbdAData &buffer, int position)
     parts.neighborhood.setTargetBlock(*block);
   }
   int level = -1;
-  parts.outcome = &parts.neighborhood.setTargetLocation(
-      buffer.getLocation(position), position, buffer.getSampleNumber(position), &level);
+  parts.outcome = &parts.neighborhood.setTargetLocation(buffer.getLocation(position), position,
+                                                        buffer.getSampleNumber(position), &level);
   const bool isMoving = _kriging.isUsingMoving();
   if (parts.outputs.describesNeighbors())
     NgcKrigingSearchOutputs::write(parts.neighborhood, isMoving, level, parts.outputs, position);
@@ -184,8 +183,8 @@ void NgcAKriging::Worker::_krigeTarget(NbdAData &buffer, int position)
     return;
   _Parts &parts = *_parts;
   const NgmTarget &target = parts.neighborhood.getTarget();
-  const bool solved = parts.solver.solve(parts.models, *parts.samples, target,
-                                         parts.targets.getExternalDrifts());
+  const bool solved =
+      parts.solver.solve(parts.models, *parts.samples, target, parts.targets.getExternalDrifts());
   if (!solved) {
     const QString &driftError = parts.solver.getSystem().getDriftError();
     _addError(NgcKrigingErrors::unsolvedSystem(driftError, target.getCenter()),
@@ -240,7 +239,8 @@ bool NgcAKriging::Worker::_prepareTarget(const NbdAData &buffer, int position)
               Ngc::INTERPOL_ERROR_NEIGHBORHOOD, buffer, position);
     return false;
   }
-  parts.c00 = parts.models.getTargetVariances(target);
+  const QVector<double> &c00 = parts.models.getTargetVariances(target);
+  std::copy(c00.begin(), c00.end(), parts.c00.begin());
   if (!_kriging.isUsingMoving())
     return true;
   if (parts.neighborhood.getCollocatedRank() >= 0)
@@ -264,10 +264,10 @@ void NgcAKriging::Worker::_writeTarget(NbdAData &buffer, int position)
     variances = parts.variances.constData();
   }
   _writeResults(position, parts.estimates.constData(), variances);
-  if (parts.outputs.needsWeightsOfMean() && !_kriging.isSimpleKriging()) {
-    const bool solved =
-        parts.solver.computeWeightsOfMean(parts.models, *parts.samples,
-                                          parts.neighborhood.getTarget(), parts.weightsOfMean);
+  const bool needsCompanion = parts.outputs.needsWeightsOfMean() || _getTestResult();
+  if (needsCompanion && !_kriging.isSimpleKriging()) {
+    const bool solved = parts.solver.computeWeightsOfMean(
+        parts.models, *parts.samples, parts.neighborhood.getTarget(), parts.weightsOfMean);
     _writeWeightsOfMean(buffer, position, solved);
   }
   _writeWithWeights(buffer, position, system);
@@ -350,6 +350,7 @@ void NgcAKriging::Worker::_writeWeightsOfMean(const NbdAData &buffer, int positi
 {
   _Parts &parts = *_parts;
   if (!solved) {
+    parts.weightsOfMean.clear();
     _addError(NgcKrigingErrors::unsolvedCompanion(parts.neighborhood.getTarget().getCenter()),
               Ngc::INTERPOL_ERROR_SYSTEM, buffer, position);
     return;
@@ -359,6 +360,15 @@ void NgcAKriging::Worker::_writeWeightsOfMean(const NbdAData &buffer, int positi
     if (columns[variable])
       columns[variable][position] = parts.weightsOfMean[int(variable)];
   }
+}
+
+void NgcAKriging::Worker::_fillTestResult(const NgmAKrigingSystem &system)
+{
+  const _Parts &parts = *_parts;
+  const NgcKrigingTestFiller::Target target = {
+      system,          parts.neighborhood,  parts.c00,   parts.estimates,
+      parts.variances, parts.weightsOfMean, parts.models};
+  NgcKrigingTestFiller::fillResults(_kriging, target, *_getTestResult());
 }
 
 void NgcAKriging::Worker::_addError(const QString &message, Ngc::InterpolError type,

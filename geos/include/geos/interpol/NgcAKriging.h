@@ -18,6 +18,7 @@
 
 class NgmIKrigingPostPro;
 class NgmKrigingSystemDual;
+struct NgmKrigingSamples;
 
 /// Base of the kriging calculators: an interpolation from a variogram model.
 ///
@@ -75,6 +76,7 @@ public:
 
   /// Estimates that were transformed back may be negative; without it they are raised to 0.
   void setEnableNegativeValues(bool enable) { _negativeValues = enable; }
+  bool isEnableNegativeValues() const { return _negativeValues; }
 
   /// Variables whose data are used, but which are not estimated.
   void addExcludedOutputVar(int variable) { _excludedOutputVars.insert(variable); }
@@ -89,6 +91,7 @@ public:
   /// geological boundaries and discrete Gaussian change of support
   void setBlockCorrectionCoefficient(int variable, double r);
   double getBlockCorrectionCoefficient(int variable) const;
+  bool hasBlockCorrectionCoefficient(int variable) const;
   void setPointGaussianCorrelation(const NgmMatrix &correlation);
   const NgmMatrix &getPointGaussianCorrelation() const { return _pointGaussianCorrelation; }
   bool isDirectBlock() const { return _directBlock; }
@@ -164,8 +167,23 @@ public:
   /// is no sample.
   const NgmKrigingSystemDual *getKrigingSystemDual() const { return _systemDual.get(); }
 
+  /// Its companion of simple kriging, for the weights of the mean; null when nobody asks for them
+  /// and when it is singular.
+  const NgmKrigingSystemDual *getCompanionSystemDual() const { return _companionDual.get(); }
+
   /// Number of interpolated variables.
-  int getNVariables() const;
+  int getNVariables() const { return _model.getNVariables(); }
+
+  /// Local means are known at the targets and not at the samples.
+  bool hasMeansOfTargetsOnly() const;
+
+  // During a run.
+
+  /// The model without the filtered components.
+  const NgmVModel &getEstimatedModel() const { return _filteredModel ? *_filteredModel : _model; }
+
+  /// Variances of the means of blocks of a fixed size, by variable.
+  const QVector<double> &getBlockVariances() const { return _blockVariances; }
 
 protected:
   explicit NgcAKriging(const QString &key);
@@ -195,7 +213,9 @@ private:
   double _calcFieldSize() const;
   void _checkMeasurementErrors() const;
   void _checkCollocated() const;
+  void _prepareModels();
   void _buildUniqueKrigingSystem();
+  void _buildCompanionSystem(const NgmKrigingSamples &samples);
 
   NgmVModel _model;
   NgmDriftModel _driftModel;
@@ -227,5 +247,9 @@ private:
   double _theoreticalMean = NbbGlobal::D_FFFF;
   bool _useKrigingWeights = false;
   std::unique_ptr<NgmIKrigingPostPro> _postPro;
+
+  std::unique_ptr<NgmVModel> _filteredModel;
+  QVector<double> _blockVariances;
   std::unique_ptr<NgmKrigingSystemDual> _systemDual;
+  std::unique_ptr<NgmKrigingSystemDual> _companionDual;
 };

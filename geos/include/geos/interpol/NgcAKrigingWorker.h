@@ -5,7 +5,6 @@
 
 #include <memory>
 
-class NbgVector3D;
 class NgdNeighborhoodContext;
 class NgmAKrigingSystem;
 
@@ -43,9 +42,8 @@ private:
   struct _Parts;
 
   void _startBuffer(NbdAData &buffer);
-  void _initializeUnique();
   void _finishBuffer(NbdAData &buffer);
-  void _transformBack();
+  void _transformBack(const NbdAData &buffer);
   void _writeSuperKriging(const NbdAData &buffer);
 
   /// Selects the neighbors and writes what there is to say of them; false when there are none.
@@ -55,21 +53,22 @@ private:
   bool _prepareTarget(const NbdAData &buffer, int position);
   void _writeTarget(NbdAData &buffer, int position);
 
+  void _initializeUnique();
   void _krigeUnique(NbdAData &buffer);
   void _addToBatch(NbdAData &buffer, int position);
-  void _krigeCollocated(NbdAData &buffer, int position);
   void _krigeBatch(NbdAData &buffer);
+  void _krigeCollocated(NbdAData &buffer, int position, const QMap<int, double> &collocated);
+  void _writeUniqueTarget(NbdAData &buffer, int position);
 
+  void _computeVariances(const NgmAKrigingSystem &system);
   void _addMeans(const NgmAKrigingSystem *weights, double *estimates) const;
   void _writeResults(int position, const double *estimates, const double *variances);
+  void _writeWeightsOfMean(const NbdAData &buffer, int position, bool solved);
 
   /// Everything of a target that needs its weights.
-  void _writeWithWeights(NbdAData &buffer, int position, const NgmAKrigingSystem &system);
-  void _handOutWeights(const NbdAData &buffer, int position, const NgmAKrigingSystem &system);
+  void _writeWithWeights(const NbdAData &buffer, int position, const NgmAKrigingSystem &system);
   void _writeSampout(const NbdAData &buffer, int position, const NgmAKrigingSystem &system);
-  void _writeWeightsOfMean(const NbdAData &buffer, int position, bool solved);
-  void _fillTestResult(const NgmAKrigingSystem &system, int position);
-
+  void _fillTestResult(const NgmAKrigingSystem &system);
   void _addError(const QString &message, Ngc::InterpolError type, const NbdAData &buffer,
                  int position);
 

@@ -19,7 +19,8 @@ struct NgcAKriging::Worker::_Parts
         models(kriging),
         neighbors(kriging),
         solver(kriging),
-        statistics(kriging.getNVariables(), kriging.isSimpleKriging())
+        statistics(kriging.getNVariables(), kriging.isSimpleKriging()),
+        c00(kriging.getNVariables())
   {
   }
 

@@ -36,8 +36,9 @@ QString NgcKrigingErrors::unsolvedSystem(const QString &driftError, const NbgVec
 
 QString NgcKrigingErrors::unsolvedCompanion(const NbgVector3D &target)
 {
-  return QObject::tr("Simple Kriging system resolution error. The weight of meancan't be "
-                     "computed\n") +
+  return QObject::tr(
+             "Simple Kriging system resolution error. The weight of meancan't be "
+             "computed\n") +
          locationText(target) + QLatin1Char('\n') +
          QObject::tr("Note: The ordinary kriging succeed !");
 }

@@ -12,14 +12,22 @@ namespace {
 const QString &roleOf(int statistic)
 {
   static const QString roles[NgcKrigingOutputs::N_STATISTICS] = {
-      Nbd::Role::VAR_ESTIMATE,       Nbd::Role::COVAR_Z1STARZSTAR,
-      Nbd::Role::COVAR_ZZSTAR,       Nbd::Role::CORREL_ZZSTAR,
-      Nbd::Role::SLOPE_ZZSTAR,       Nbd::Role::KRIG_EFFIC,
-      Nbd::Role::SUM_W,              Nbd::Role::SUM_POS_W,
-      Nbd::Role::WEIGHT_OF_MEAN,     Nbd::Role::LAGRANGE,
-      Nbd::Role::NEIGH_NUMBER,       Nbd::Role::NEIGH_MEAN_DIST,
-      Nbd::Role::NEIGH_CODE_NUMBER,  Nbd::Role::NEIGH_SEARCH_INDEX,
-      NgcAKriging::getRoleSSDV(),    NgcAKriging::getRoleSpecificVolume(),
+      Nbd::Role::VAR_ESTIMATE,
+      Nbd::Role::COVAR_Z1STARZSTAR,
+      Nbd::Role::COVAR_ZZSTAR,
+      Nbd::Role::CORREL_ZZSTAR,
+      Nbd::Role::SLOPE_ZZSTAR,
+      Nbd::Role::KRIG_EFFIC,
+      Nbd::Role::SUM_W,
+      Nbd::Role::SUM_POS_W,
+      Nbd::Role::WEIGHT_OF_MEAN,
+      Nbd::Role::LAGRANGE,
+      Nbd::Role::NEIGH_NUMBER,
+      Nbd::Role::NEIGH_MEAN_DIST,
+      Nbd::Role::NEIGH_CODE_NUMBER,
+      Nbd::Role::NEIGH_SEARCH_INDEX,
+      NgcAKriging::getRoleSSDV(),
+      NgcAKriging::getRoleSpecificVolume(),
       NgcAKriging::getRoleCoeffOfVariation()};
   return roles[statistic];
 }
@@ -147,10 +155,13 @@ void NgcKrigingOutputs::_findVariances(const NbdDataTable &table)
 void NgcKrigingOutputs::_findStatistics(const NbdDataTable &table)
 {
   _needsWeights = false;
+  _describesNeighbors = false;
   for (int statistic = 0; statistic < N_STATISTICS; ++statistic) {
     _present[std::size_t(statistic)] =
         _findColumns(table, roleOf(statistic), _statistics[std::size_t(statistic)]);
     _needsWeights |= _present[std::size_t(statistic)] && statistic <= LAGRANGE;
+    _describesNeighbors |= _present[std::size_t(statistic)] && statistic >= NEIGH_NUMBER &&
+                           statistic <= NEIGH_SEARCH_INDEX;
   }
 }
 
@@ -162,10 +173,4 @@ void NgcKrigingOutputs::_listColumns()
   for (const Columns &columns : _statistics)
     _all.insert(_all.end(), columns.begin(), columns.end());
   _all.erase(std::remove(_all.begin(), _all.end(), nullptr), _all.end());
-}
-
-void NgcKrigingOutputs::setUndefined(int position)
-{
-  for (double *column : _all)
-    column[position] = NbbGlobal::D_FFFF;
 }

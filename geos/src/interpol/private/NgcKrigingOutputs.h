@@ -70,12 +70,14 @@ public:
   /// Some statistic that comes from weights.
   bool needsWeights() const { return _needsWeights; }
 
+  bool needsWeightsOfMean() const { return _present[WEIGHT_OF_MEAN]; }
+
+  /// Something is told of the neighbors.
+  bool describesNeighbors() const { return _describesNeighbors; }
+
   /// The variables behind the estimates and the kriging variances, excluded ones left out.
   const QList<NbdAVariableNumeric *> &getEstimateVariables() const { return _estimateVariables; }
   const QList<NbdAVariableNumeric *> &getVarianceVariables() const { return _varianceVariables; }
-
-  /// Undefined everywhere for a target.
-  void setUndefined(int position);
 
 private:
   /// Variables that stand in for those which the data set lacks.
@@ -103,6 +105,7 @@ private:
   std::array<Columns, N_STATISTICS> _statistics;
   std::array<bool, N_STATISTICS> _present = {};
   bool _needsWeights = false;
+  bool _describesNeighbors = false;
   Columns _all;
 
   QList<NbdAVariableNumeric *> _estimateVariables;

@@ -85,8 +85,7 @@ bool NgcKrigingSolver::_solve(NgmKrigingSystem &system, const NgcKrigingModels &
   } else {
     system.resetSystem(samples.n, target.getCenter());
     if (target.isBlock())
-      system.buildSystemBlock(models.getDataModel(), samples, target, _cache.get(),
-                              externalDrifts);
+      system.buildSystemBlock(models.getDataModel(), samples, target, _cache.get(), externalDrifts);
     else
       system.buildSystem(models.getDataModel(), samples, target, _cache.get(), externalDrifts);
   }

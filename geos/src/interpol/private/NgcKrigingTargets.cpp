@@ -27,7 +27,8 @@ void readValues(const QList<NbdVariableDouble *> &variables, int position,
 
 NgcKrigingTargets::NgcKrigingTargets(const NgcAKriging &kriging)
     : _kriging(kriging),
-      _usesDrifts(!kriging.isSimpleKriging() && kriging.getExtDriftModel().getNDriftEquations() > 0),
+      _usesDrifts(!kriging.isSimpleKriging() &&
+                  kriging.getExtDriftModel().getNDriftEquations() > 0),
       _usesLocalMeans(kriging.needMeanCorrection() &&
                       kriging.getSimpleKrigingOption() == Ngc::SIMPLE_KRIGING_LOCAL_MEAN)
 {

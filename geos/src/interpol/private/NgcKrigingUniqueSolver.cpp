@@ -63,8 +63,7 @@ bool NgcKrigingUniqueSolver::solveCollocated(const NgmTarget &target,
   return true;
 }
 
-bool NgcKrigingUniqueSolver::computeWeightsOfMean(const NgmTarget &target,
-                                                  QVector<double> &weights)
+bool NgcKrigingUniqueSolver::computeWeightsOfMean(const NgmTarget &target, QVector<double> &weights)
 {
   if (!_companion)
     return false;

@@ -35,7 +35,8 @@ struct Flags
 void transform(const Targets &targets, const Flags &flags, const NgmMatrix &c0,
                const Columns &variances, const Columns &standardDeviations);
 
-/// Precision of the mean of large blocks of volume `blockVolume`, see NgcKriging::setSuperKriging().
+/// Precision of the mean of large blocks of volume `blockVolume`, see
+/// NgcKriging::setSuperKriging().
 struct SuperKriging
 {
   double blockVolume;
