@@ -15,32 +15,6 @@
 
 namespace {
 
-/// Output roles with one variable per estimated variable.
-QStringList outputRoles()
-{
-  using namespace Nbd;
-  return {Role::V,
-          Role::VARIANCE,
-          Role::STDEV,
-          Role::VARINDICATOR,
-          Role::VAR_ESTIMATE,
-          Role::COVAR_ZZSTAR,
-          Role::CORREL_ZZSTAR,
-          Role::SLOPE_ZZSTAR,
-          Role::KRIG_EFFIC,
-          Role::SUM_W,
-          Role::SUM_POS_W,
-          Role::WEIGHT_OF_MEAN,
-          Role::LAGRANGE,
-          Role::NEIGH_NUMBER,
-          Role::NEIGH_MEAN_DIST,
-          Role::NEIGH_CODE_NUMBER,
-          Role::NEIGH_SEARCH_INDEX,
-          NgcAKriging::getRoleSSDV(),
-          NgcAKriging::getRoleSpecificVolume(),
-          NgcAKriging::getRoleCoeffOfVariation()};
-}
-
 int countExternalDrifts(const NgmExtDriftModel &model, int nVariables)
 {
   int count = 0;
@@ -107,6 +81,31 @@ QString NgcAKriging::getRoleSpecificVolume()
 QString NgcAKriging::getRoleCoeffOfVariation()
 {
   return QStringLiteral("#COEFF_OF_VARIATION");
+}
+
+QStringList NgcAKriging::_getOutputRoles() const
+{
+  using namespace Nbd;
+  return {Role::V,
+          Role::VARIANCE,
+          Role::STDEV,
+          Role::VARINDICATOR,
+          Role::VAR_ESTIMATE,
+          Role::COVAR_ZZSTAR,
+          Role::CORREL_ZZSTAR,
+          Role::SLOPE_ZZSTAR,
+          Role::KRIG_EFFIC,
+          Role::SUM_W,
+          Role::SUM_POS_W,
+          Role::WEIGHT_OF_MEAN,
+          Role::LAGRANGE,
+          Role::NEIGH_NUMBER,
+          Role::NEIGH_MEAN_DIST,
+          Role::NEIGH_CODE_NUMBER,
+          Role::NEIGH_SEARCH_INDEX,
+          getRoleSSDV(),
+          getRoleSpecificVolume(),
+          getRoleCoeffOfVariation()};
 }
 
 QStringList NgcAKriging::getInputRolesInOutputDataset() const
@@ -180,7 +179,7 @@ void NgcAKriging::_checkSettings() const
 bool NgcAKriging::_hasOutput() const
 {
   const NgdADataSet &output = *getOutputDataset();
-  QStringList roles = outputRoles();
+  QStringList roles = _getOutputRoles();
   roles << Nbd::Role::COVAR_Z1STARZSTAR;
   if (_postPro)
     roles << _postPro->getStoreRoles();
@@ -235,7 +234,7 @@ void NgcAKriging::_addOutputRules()
   for (const int variable : _excludedOutputVars)
     nExcluded += variable >= 0 && variable < getNVariables();
   const int nEstimated = getNVariables() - nExcluded;
-  for (const QString &role : outputRoles())
+  for (const QString &role : _getOutputRoles())
     _addOutputRule(role, getNVariables(), nEstimated);
   _addOutputRule(Nbd::Role::COVAR_Z1STARZSTAR, getNVariables() - 1, nEstimated - 1);
   if (_postPro) {

@@ -192,6 +192,9 @@ protected:
   void _preProcessing() override;
   void _preLaunchThreads() override;
 
+  /// Roles of the output that take one variable per interpolated, or per estimated, variable.
+  virtual QStringList _getOutputRoles() const;
+
   void _setFilterNugget(bool filter) { _filterNugget = filter; }
   void _addFilterStructure(int structure);
   void _setFilterDrifts(bool filter) { _filterDrifts = filter; }
