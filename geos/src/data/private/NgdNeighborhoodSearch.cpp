@@ -133,7 +133,8 @@ bool NgdNeighborhoodSearch::_collect()
 /// all: one more than is kept tells that the ellipsoid holds more than that.
 bool NgdNeighborhoodSearch::_collectNearest()
 {
-  for (int wanted = _perSector + 1; wanted <= mostProposals; wanted *= 4) {
+  const int nOwn = _testsRejection ? 1 : 0;  // a rejected target is among the nearest
+  for (int wanted = _perSector + 1 + nOwn; wanted <= mostProposals; wanted *= 4) {
     _tree.proposeNearest(_center, wanted, _volume->squaredReach, samples.usable.data(), _proposals);
     for (int i = 0; i < _proposals.count; ++i) {
       const int rank = _proposals.ranks[i];
