@@ -50,8 +50,9 @@ void warnOfMissingData(const NbgBox &box, int nDimensions)
 }  // namespace
 
 NgcAKriging::NgcAKriging(const QString &key)
-    : NgcAInterpol(key), _model(1), _pointGaussianCorrelation(true)
+    : NgcAInterpol(key, true), _model(1), _pointGaussianCorrelation(0, 0, true)
 {
+  _setEnableFaults(true);
 }
 
 NgcAKriging::~NgcAKriging() = default;

@@ -310,11 +310,11 @@ void NgmAKrigingSystem::_setDriftPartLHS(const NgmKrigingSamples &samples, NgmMa
       _invalidateEquation(firstDrift + k);
   if (_nUniversality == 0)
     return;
+  _checkDriftTerms();
   _fixUniversalityCond();
   if (_nDrifts == 0)
     return;
 
-  _checkDriftTerms();
   const int nPolynomials = _driftModel.getNDriftEquations();
   const int nDataBefore = _nValidDataEquations;
   for (int k = 0; k < _nDrifts; ++k) {

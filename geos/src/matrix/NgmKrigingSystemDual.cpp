@@ -27,37 +27,66 @@ NbgVector3D centreOf(const NgmKrigingSamples &samples)
   return centre;
 }
 
-/// Largest row sum of |a(i, j)| scale[i] scale[j].
-double scaledNorm(const NgmMatrix &matrix, const std::vector<double> &scale)
+double largestOf(const double *values, int n)
 {
-  const int n = matrix.getNRows();
-  double norm = 0.;
-  for (int j = 0; j < n; ++j) {
-    const double *column = matrix.constElements() + qint64(j) * n;
-    double sum = 0.;
-    for (int i = 0; i < n; ++i)
-      sum += std::abs(column[i]) * scale[std::size_t(i)];
-    norm = std::max(norm, sum * scale[std::size_t(j)]);
-  }
-  return norm;
+  double largest = 0.;
+  for (int i = 0; i < n; ++i)
+    largest = std::max(largest, std::abs(values[i]));
+  return largest;
 }
 
-/// No digit of the inverse is right. The rows are brought to one size first, or the units of the
-/// drifts would count.
-bool isSingularWithinRounding(const NgmMatrix &matrix, const NgmMatrix &inverse)
+/// Powers of two that bring the rows of the conditions, which have units of their own, to the size
+/// of the covariances.
+std::vector<double> scalesOf(const NgmMatrix &matrix, int nData)
 {
   const int n = matrix.getNRows();
-  std::vector<double> scale;
-  std::vector<double> inverseScale;
-  for (int j = 0; j < n; ++j) {
-    double largest = 0.;
-    for (int i = 0; i < n; ++i)
-      largest = std::max(largest, std::abs(matrix(i, j)));
-    inverseScale.push_back(largest > 0. ? std::sqrt(largest) : 1.);
-    scale.push_back(1. / inverseScale.back());
+  const double *a = matrix.constElements();
+  double covariance = 0.;
+  for (int i = 0; i < nData; ++i)
+    covariance = std::max(covariance, std::abs(a[i * (qint64(n) + 1)]));
+  std::vector<double> scales(std::size_t(n), 1.);
+  for (int k = nData; k < n; ++k) {
+    const double ratio = covariance / largestOf(a + qint64(k) * n, nData);
+    if (std::isnormal(ratio))
+      scales[std::size_t(k)] = std::exp2(std::round(std::log2(ratio)));
   }
-  const double condition = scaledNorm(matrix, scale) * scaledNorm(inverse, inverseScale);
-  return !(condition * std::numeric_limits<double>::epsilon() < 1.);
+  return scales;
+}
+
+/// Element (i, j) times scale i and scale j.
+void scaleMatrix(const std::vector<double> &scales, NgmMatrix &matrix)
+{
+  const std::size_t n = scales.size();
+  double *a = matrix.elements();
+  for (std::size_t j = 0; j < n; ++j)
+    for (std::size_t i = 0; i < n; ++i)
+      a[i + j * n] *= scales[i] * scales[j];
+}
+
+/// Largest sum of the elements of a column.
+double norm(const NgmMatrix &matrix)
+{
+  const int n = matrix.getNRows();
+  double largest = 0.;
+  for (int j = 0; j < n; ++j)
+    largest = std::max(largest, NgmMatrix::blasDasum(n, matrix.constElements() + qint64(j) * n, 1));
+  return largest;
+}
+
+/// Inverts; false when the matrix is singular or no digit of the inverse would be right.
+bool invertScaled(const NgmMatrix &matrix, int nData, int nThreads, NgmMatrix &inverse)
+{
+  const std::vector<double> scales = scalesOf(matrix, nData);
+  const bool scaled = std::any_of(scales.begin(), scales.end(), [](double s) { return s != 1.; });
+  NgmMatrix work(matrix);
+  if (scaled)
+    scaleMatrix(scales, work);
+  if (work.invert(inverse, nThreads) != 0)
+    return false;
+  const double condition = norm(work) * norm(inverse);
+  if (scaled)
+    scaleMatrix(scales, inverse);
+  return condition * std::numeric_limits<double>::epsilon() < 1.;
 }
 
 }  // namespace
@@ -152,7 +181,7 @@ void NgmKrigingSystemDual::_solve(const NgmKrigingSamples &samples, int nThreads
 
 void NgmKrigingSystemDual::_computeInverse(int nThreads) const
 {
-  if (_lhs.invert(_inverse, nThreads) != 0 || isSingularWithinRounding(_lhs, _inverse))
+  if (!invertScaled(_lhs, getNValidDataEquations(), nThreads, _inverse))
     throw NbeUserError(QObject::tr("Inversion errors have been encountered"));
   _inverted = true;
 }

@@ -50,13 +50,17 @@ void NgcKrigingVariance::computeSuperKriging(const Targets &targets, const Super
   const double volume = parameters.blockVolume;
   const double squaredMean = parameters.mean * parameters.mean;
   const double production = parameters.productionVolume;
+  const bool hasMean = NbbGlobal::isDefined(parameters.mean) && squaredMean > 0.;
+  const bool hasProduction = hasMean && NbbGlobal::isDefined(production) && production > 0.;
   for (std::size_t v = 0; v < variances.size(); ++v) {
     convert(targets, variances[v], ssdv[v],
-            [volume](double value) { return std::max(value, 0.) * volume; });
-    convert(targets, variances[v], specificVolumes[v],
-            [=](double value) { return std::max(value, 0.) * volume / squaredMean; });
-    convert(targets, variances[v], coefficientsOfVariation[v], [=](double value) {
-      return std::sqrt(std::max(value, 0.) * volume / squaredMean / production);
-    });
+            [=](double value) { return std::max(value, 0.) * volume; });
+    if (hasMean)
+      convert(targets, variances[v], specificVolumes[v],
+              [=](double value) { return std::max(value, 0.) * volume / squaredMean; });
+    if (hasProduction)
+      convert(targets, variances[v], coefficientsOfVariation[v], [=](double value) {
+        return std::sqrt(std::max(value, 0.) * volume / squaredMean / production);
+      });
   }
 }
