@@ -42,16 +42,24 @@ NgcVarioPairs::NgcVarioPairs(int capacity)
 void NgcVarioAccumulator::_addGamma(const NgcVarioPairs &pairs, const double *a, const double *b,
                                     const double *weights)
 {
-  for (int k = 0; k < pairs.n; ++k) {
-    const int tail = pairs.tail[k];
-    const int head = pairs.head[k];
+  const int n = pairs.n;
+  const int *tails = pairs.tail.data();
+  const int *heads = pairs.head.data();
+  const double *distances = pairs.distance.data();
+  const int *lagMin = pairs.lagMin.data();
+  const int *lagMax = pairs.lagMax.data();
+  double *records = _records.data();
+  for (int k = 0; k < n; ++k) {
+    const int tail = tails[k];
+    const int head = heads[k];
     const double g = (a[head] - a[tail]) * (b[head] - b[tail]);
     if (g != g)
       continue;
     const double weight = weightOf(weights, tail, head);
-    const double d = pairs.distance[k];
-    for (int lag = pairs.lagMin[k]; lag <= pairs.lagMax[k]; ++lag) {
-      double *record = &_records[std::size_t(lag) * STRIDE];
+    const double d = distances[k];
+    const int last = lagMax[k];
+    for (int lag = lagMin[k]; lag <= last; ++lag) {
+      double *record = records + std::size_t(lag) * STRIDE;
       record[N_PAIRS] += 1.;
       record[NgaVarioSum::WEIGHT] += weight;
       record[NgaVarioSum::DISTANCE] += d;

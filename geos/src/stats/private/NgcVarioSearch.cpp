@@ -103,27 +103,37 @@ void NgcVarioSearch::_addCandidates(int i, int first, int last, Workspace &works
   const double *x = samples.x.data();
   const double *y = samples.y.data();
   const double *z = samples.z.data();
-  Workspace &w = workspace;
+  const double xi = x[i];
+  const double yi = y[i];
+  const double zi = z[i];
+  const double reach = _squaredReach;
+  // Pointers by value: through the workspace each store would force them to be read again.
+  int *tails = workspace._tails.data();
+  int *heads = workspace._heads.data();
+  double *hx = workspace._hx.data();
+  double *hy = workspace._hy.data();
+  double *hz = workspace._hz.data();
+  double *distances = workspace._distances.data();
   while (first < last) {
-    const int end = std::min(last, first + CAPACITY - w._n);
-    int n = w._n;
+    int n = workspace._n;
+    const int end = std::min(last, first + CAPACITY - n);
     for (int j = first; j < end; ++j) {
-      const double dx = x[j] - x[i];
-      const double dy = y[j] - y[i];
-      const double dz = z[j] - z[i];
+      const double dx = x[j] - xi;
+      const double dy = y[j] - yi;
+      const double dz = z[j] - zi;
       const double squared = dx * dx + dy * dy + dz * dz;
-      w._tails[n] = i;
-      w._heads[n] = j;
-      w._hx[n] = dx;
-      w._hy[n] = dy;
-      w._hz[n] = dz;
-      w._distances[n] = squared;
-      n += squared <= _squaredReach;
+      tails[n] = i;
+      heads[n] = j;
+      hx[n] = dx;
+      hy[n] = dy;
+      hz[n] = dz;
+      distances[n] = squared;
+      n += squared <= reach;
     }
-    w._n = n;
+    workspace._n = n;
     first = end;
     if (n == CAPACITY)
-      _processPairs(w);
+      _processPairs(workspace);
   }
 }
 
@@ -178,26 +188,39 @@ void NgcVarioSearch::_orient(Workspace &workspace) const
 void NgcVarioSearch::_selectPairs(const NgmPairsSelectorDirection &direction,
                                   Workspace &workspace) const
 {
-  Workspace &w = workspace;
-  NgcVarioPairs &pairs = w._pairs;
+  const Workspace &w = workspace;
+  NgcVarioPairs &pairs = workspace._pairs;
+  const double *hx = w._hx.data();
+  const double *hy = w._hy.data();
+  const double *hz = w._hz.data();
+  const double *distances = w._distances.data();
+  const int *tails = w._tails.data();
+  const int *heads = w._heads.data();
+  int *proposed = workspace._proposed.data();
+  int *tail = pairs.tail.data();
+  int *head = pairs.head.data();
+  double *distance = pairs.distance.data();
+  int *lagMin = pairs.lagMin.data();
+  int *lagMax = pairs.lagMax.data();
+  unsigned char *positive = pairs.positive.data();
+
   const int lastLag = direction.getNIntervals() - 1;
-  const int nProposed =
-      direction.proposePairs(w._n, w._hx.data(), w._hy.data(), w._hz.data(), w._proposed.data());
+  const int nProposed = direction.proposePairs(w._n, hx, hy, hz, proposed);
   int n = 0;
   for (int p = 0; p < nProposed; ++p) {
-    const int k = w._proposed[p];
-    int lagMin = 0;
-    int lagMax = 0;
-    bool positive = true;
-    const bool isKept = direction.getLagRank(NbgVector3D(w._hx[k], w._hy[k], w._hz[k]),
-                                             w._distances[k], lagMin, lagMax, positive);
-    pairs.tail[n] = w._tails[k];
-    pairs.head[n] = w._heads[k];
-    pairs.distance[n] = w._distances[k];
-    pairs.lagMin[n] = lagMin;
+    const int k = proposed[p];
+    int first = 0;
+    int last = 0;
+    bool isPositive = true;
+    const bool isKept = direction.getLagRank(NbgVector3D(hx[k], hy[k], hz[k]), distances[k], first,
+                                             last, isPositive);
+    tail[n] = tails[k];
+    head[n] = heads[k];
+    distance[n] = distances[k];
+    lagMin[n] = first;
     // Short lags may reach beyond the last class.
-    pairs.lagMax[n] = std::min(lagMax, lastLag);
-    pairs.positive[n] = positive;
+    lagMax[n] = std::min(last, lastLag);
+    positive[n] = isPositive;
     n += isKept;
   }
   pairs.n = n;
