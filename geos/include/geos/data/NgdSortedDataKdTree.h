@@ -4,6 +4,8 @@
 #include "basic/geom/NbgRotation.h"
 #include "basic/geom/NbgVector3D.h"
 
+#include <QVector>
+
 #include <memory>
 #include <vector>
 
@@ -48,6 +50,16 @@ public:
 
   /// Proposes every sample within a squared distance, and those that rounding could bring there.
   void proposeWithin(const NbgVector3D &point, double squaredRadius, Proposals &proposals) const;
+
+  /// Ranks of the `count` samples nearest to `point` in the frame, nearest first; equal distances
+  /// in ascending rank.
+  void knnSearch(const NbgVector3D &point, int count, QVector<int> &ranks) const;
+  /// The same with their squared distances in the frame.
+  void knnSearch(const NbgVector3D &point, int count, QVector<int> &ranks,
+                 QVector<double> &squaredDistances) const;
+
+  /// Ranks, ascending, of the samples within `radius` of `point` in the frame, border included.
+  void radiusSearch(const NbgVector3D &point, double radius, QVector<int> &ranks) const;
 
   QString debug(int level) const override;
 

@@ -7,11 +7,11 @@
 
 /// Cell of an unfolded or corner-point grid: a hexahedron given by its eight corners.
 ///
-/// It is the image of the unit cube under the mapping that is linear in each of its 24 tetrahedra, a
-/// tetrahedron being made of the centre, the centre of a face and an edge of that face. The centres
-/// are the means of their corners, so the mapping does not depend on the order of the corners, and
-/// cells that share a face neither overlap nor leave a gap. The discretization is regular in the
-/// cube. In 2D points lie half way between bottom and top.
+/// It is the image of the unit cube under the mapping that is linear in each of its 24 tetrahedra,
+/// a tetrahedron being made of the centre, the centre of a face and an edge of that face. The
+/// centres are the means of their corners, so the mapping does not depend on the order of the
+/// corners, and cells that share a face neither overlap nor leave a gap. The discretization is
+/// regular in the cube. In 2D points lie half way between bottom and top.
 ///
 /// Corners are numbered u + 2 v + 4 w with u, v, w = 0 or 1. They are taken in world coordinates
 /// and kept relative to their mean, which is the centre of the block. The size along an axis is the

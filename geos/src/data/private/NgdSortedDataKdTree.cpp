@@ -299,6 +299,49 @@ void NgdSortedDataKdTree::proposeWithin(const NbgVector3D &point, double squared
   proposals.count = int(proposals.ranks.size());
 }
 
+void NgdSortedDataKdTree::knnSearch(const NbgVector3D &point, int count, QVector<int> &ranks) const
+{
+  QVector<double> squaredDistances;
+  knnSearch(point, count, ranks, squaredDistances);
+}
+
+void NgdSortedDataKdTree::knnSearch(const NbgVector3D &point, int count, QVector<int> &ranks,
+                                    QVector<double> &squaredDistances) const
+{
+  Proposals proposals;
+  proposeNearest(point, count, std::numeric_limits<double>::max(), nullptr, proposals);
+  std::vector<std::pair<double, int>> nearest;
+  for (int i = 0; i < proposals.count; ++i)
+    nearest.emplace_back(proposals.distances[i], proposals.ranks[i]);
+  std::sort(nearest.begin(), nearest.end());
+  if (int(nearest.size()) > count)
+    nearest.resize(count);
+  ranks.clear();
+  squaredDistances.clear();
+  for (const auto &[squaredDistance, rank] : nearest) {
+    ranks << rank;
+    squaredDistances << squaredDistance;
+  }
+}
+
+void NgdSortedDataKdTree::radiusSearch(const NbgVector3D &point, double radius,
+                                       QVector<int> &ranks) const
+{
+  ranks.clear();
+  if (!_index || !(radius >= 0.))
+    return;
+  const NbgVector3D local = _toFrame(point);
+  const double target[3] = {local.x(), local.y(), local.z()};
+  const double squaredRadius = radius * radius;
+  // The index leaves out what stands exactly at its bound.
+  const double bound = std::nextafter(squaredRadius, std::numeric_limits<double>::infinity());
+  Proposals proposals;
+  WithinSet set(bound, _index->order(), proposals);
+  _index->within(target, set);
+  ranks = QVector<int>(proposals.ranks.begin(), proposals.ranks.end());
+  std::sort(ranks.begin(), ranks.end());
+}
+
 QString NgdSortedDataKdTree::debug(int) const
 {
   return QStringLiteral("Is 3D = %1\nNb Data = %2\n")
