@@ -66,7 +66,9 @@ public:
   /// Number of sectors, twice as many when they are split.
   int getSplittedSectorsNumber() const
   {
-    return _splitSectors ? 2 * _sectorsNumber : _sectorsNumber;
+    const qint64 number = _splitSectors ? qint64(2) * _sectorsNumber : _sectorsNumber;
+    return int(qBound(qint64(std::numeric_limits<int>::min()), number,
+                      qint64(std::numeric_limits<int>::max())));
   }
   int getMaximumNumberPerSector() const { return _maximumNumberPerSector; }
 
