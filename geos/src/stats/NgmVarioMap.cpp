@@ -74,13 +74,6 @@ NbgVector3D fromPolar(double rho, double theta, double phi)
           rho * std::sin(phi * RADIAN)};
 }
 
-/// h or -h: the one whose azimuth is in the first half-turn.
-NbgVector3D oriented(const NbgVector3D &h)
-{
-  const bool isReverse = h.y() < 0. || (h.y() == 0. && h.x() < 0.);
-  return isReverse ? NbgVector3D(-h.x(), -h.y(), -h.z()) : h;
-}
-
 }  // namespace
 
 NgmVarioMap::NgmVarioMap(int nrho, int ntheta, int nphi, const NbgVector3D &maxAxes,
@@ -93,7 +86,9 @@ NgmVarioMap::NgmVarioMap(int nrho, int ntheta, int nphi, const NbgVector3D &maxA
       _dPhi(180. / nphi),
       _maxAxes(maxAxes),
       _rotation(rotation),
-      _hasRotation(!rotation.isEqual(NbgRotation()))
+      _hasRotation(!rotation.isEqual(NbgRotation())),
+      _cosHalfClass(std::cos(M_PI / 2. / ntheta)),
+      _sinHalfClass(std::sin(M_PI / 2. / ntheta))
 {
   if (nrho < 1 || ntheta < 1 || nphi < 1 || nvar < 1 ||
       !(maxAxes.x() > 0. && maxAxes.y() > 0. && maxAxes.z() > 0.))
@@ -218,7 +213,7 @@ qint64 NgmVarioMap::locate(const NbgVector3D &local) const
 void NgmVarioMap::addPair(int i, int j, const NbgVector3D &h, double value)
 {
   _checkPair(i, j);
-  const qint64 cell = locate(_hasRotation ? _rotation.worldToLocal(h) : h);
+  const qint64 cell = locate(toFrame(h));
   if (cell == NO_CELL)
     return;
   const NbdDataTable &table = cell < 0 ? _vertical : _grid.getDataTableConst();
@@ -336,12 +331,11 @@ NbgVector3D NgmVarioMap::getDirectionVectorFromRTP(const NbgRotation &frame, con
 
 NbgVector3D NgmVarioMap::getRTPAfterRot(const NbgRotation &frame, const NbgVector3D &rtp) const
 {
-  const NbgVector3D local = oriented(_rotation.worldToLocal(getDirectionVectorFromRTP(frame, rtp)));
+  NbgVector3D local = toFrame(getDirectionVectorFromRTP(frame, rtp));
+  if (local.y() < 0. || (local.y() == 0. && local.x() < 0.))
+    local = NbgVector3D(-local.x(), -local.y(), -local.z());
   const double horizontal = std::sqrt(local.x() * local.x() + local.y() * local.y());
-  const auto halfTurn = [](double degrees) {
-    degrees = degrees < 0. ? degrees + 180. : degrees;
-    return degrees >= 180. ? degrees - 180. : degrees;
-  };
+  const auto halfTurn = [](double degrees) { return degrees < 0. ? degrees + 180. : degrees; };
   return {local.norm(), halfTurn(std::atan2(local.y(), local.x()) / RADIAN),
           halfTurn(std::atan2(local.z(), horizontal) / RADIAN)};
 }
@@ -349,9 +343,10 @@ NbgVector3D NgmVarioMap::getRTPAfterRot(const NbgRotation &frame, const NbgVecto
 void NgmVarioMap::getIThetaIPhi(const NbgRotation &frame, double theta, double phi, int &iTheta,
                                 int &iPhi) const
 {
-  const NbgIntVector3D cell = getIndexFromRTP(getRTPAfterRot(frame, NbgVector3D(1., theta, phi)));
-  iTheta = cell.y();
-  iPhi = cell.z();
+  const NbgVector3D local =
+      oriented(toFrame(getDirectionVectorFromRTP(frame, NbgVector3D(1., theta, phi))));
+  iTheta = std::max(0, _getThetaClass(local.x(), local.y()));
+  iPhi = _getPhiClass(std::sqrt(local.x() * local.x() + local.y() * local.y()), local.z());
 }
 
 // Coarser maps.
@@ -377,7 +372,7 @@ NgmVarioMap NgmVarioMap::_coarse(const NgmVarioMap &empty, int firstVar) const
       std::vector<qint64> nPairs(coarse.getNCells(), 0);
       std::vector<double> sums(coarse.getNCells(), 0.);
       const auto add = [&](const NbgVector3D &world, qint64 n, double value) {
-        const qint64 cell = coarse.locate(oriented(coarse._rotation.worldToLocal(world)));
+        const qint64 cell = coarse.locate(coarse.oriented(coarse.toFrame(world)));
         if (n < 1 || cell == NO_CELL)
           return;
         const qint64 position = cell < 0 ? nNodes - 2 - cell : cell;
@@ -434,7 +429,7 @@ NgmVarioMap NgmVarioMap::buildCoarseVMap_V3(double ax, double ay, double az, int
           continue;
         const NbgVector3D centre =
             coarse._fromCell(coarse._grid.getGeometry().getCellIJKFromRank(node));
-        const qint64 cell = locate(oriented(_rotation.worldToLocal(centre)));
+        const qint64 cell = locate(oriented(toFrame(centre)));
         if (cell < 0)
           continue;
         nPairs[node] = counts.getValueAsType(int(cell));

@@ -1,5 +1,7 @@
 #include "geos/stats/NgcVariogram.h"
 
+#include "basic/data/NbdVariableDouble.h"
+#include "geos/stats/NgcVariogramExp.h"
 #include "support/Errors.h"
 #include "support/VariogramOracle.h"
 
@@ -262,6 +264,49 @@ TEST(NgcVariogram, CloudsHoldThePairsOfTheCurves)
                 largest[lag], 1e-12);
     EXPECT_NEAR(table.getVarNumeric(Nbd::Role::DISTANCE)->getValue(row),
                 std::hypot(data.x[i] - data.x[j], data.y[i] - data.y[j]), 1e-12);
+  }
+}
+
+TEST(NgcVariogram, TheSequentialEngineGathersTheSameClouds)
+{
+  const Data data = randomData(150, 2, true);
+  NgmVariogramExp directions(true);
+  directions.addOmnidirectional(8, 5., 0.5, 0, 0.);
+  // They overlap, so that both calculators take the same pairs.
+  directions.addRegularInPlane(NbgRotation(), 3, 40., 40., 30., 8., 7, 6., 0.6, 2, 2.);
+  NgmVariogramExp request = allCurves(directions, 2);
+  request.setComputeCloud(true);
+  NgmVariogramCloudParameters parameters;
+  parameters.setNMaxUpperOutliers(3);
+  parameters.setNMaxLowerOutliers(3);
+  parameters.setRange(NgmVariogramCloudParameters::VALUE, -4., 4.);
+  NgcVariogramExp engine;
+  engine.setDataSet(makeDataSet(data, 2));
+  engine.setVarioExp(request);
+  engine.setStatistics(makeStatistics(2));
+  engine.setVariogramCloudParameters(parameters);
+  engine.setBufferMaxNbSamples(40);
+  engine.execute();
+  ASSERT_TRUE(engine.isCompleted()) << qPrintable(engine.getErrorMessage());
+  EXPECT_TRUE(engine.computeCloud());
+  NgcVariogram calculator(Nbd::Role::V);
+  prepare(calculator, data, request);
+  calculator.setVariogramCloudParameters(parameters);
+  calculator.execute();
+  ASSERT_TRUE(calculator.isCompleted()) << qPrintable(calculator.getErrorMessage());
+  const NgmVariogramExpData &a = engine.getResults();
+  const NgmVariogramExpData &b = calculator.getResults();
+  ASSERT_TRUE(request.isGroupDirectionsOverlapping(request.getDirection(1).getGroupId()));
+  for (int dir = 0; dir < a.getNDirections(); ++dir) {
+    for (const bool isCova : {false, true}) {
+      EXPECT_GT(a.getCloudTable(dir, isCova, 0, 1).getNSamples(), 10);
+      for (const QString &role :
+           {Nbd::Role::DISTANCE, NgmVariogramExpData::getCloudValueRole(isCova)})
+        EXPECT_EQ(a.getCloudTable(dir, isCova, 0, 1).getVarDoubleRef(role).getVector(),
+                  b.getCloudTable(dir, isCova, 0, 1).getVarDoubleRef(role).getVector());
+      EXPECT_EQ(a.getCloudDensity(dir, isCova, 1, 1).getNPairs(),
+                b.getCloudDensity(dir, isCova, 1, 1).getNPairs());
+    }
   }
 }
 

@@ -67,8 +67,25 @@ public:
   /// The cells as grid nodes (rho, theta, phi), with the variables above.
   const NbdDataGrid &getGrid() const { return _grid; }
 
+  /// A vector of the world in the map's frame.
+  NbgVector3D toFrame(const NbgVector3D &h) const
+  {
+    return _hasRotation ? _rotation.worldToLocal(h) : h;
+  }
+
+  /// Of a vector in the map's frame and its reverse, which are the same pair of samples, the one
+  /// whose azimuth is in the half-turn of the classes, from half a class below 0: only its dip is
+  /// that of the cells.
+  NbgVector3D oriented(const NbgVector3D &local) const
+  {
+    const double across = _cosHalfClass * local.y() + _sinHalfClass * local.x();
+    const bool isReverse = across < 0. || (across == 0. && local.x() < 0.);
+    return isReverse ? NbgVector3D(-local.x(), -local.y(), -local.z()) : local;
+  }
+
   /// Counts a pair of samples: its vector in the world and the product of the differences of
-  /// variables i and j. Pairs outside the ellipsoid and at distance 0 are not counted.
+  /// variables i and j. Pairs outside the ellipsoid and at distance 0 are not counted. The vector
+  /// is taken as it comes, see oriented().
   void addPair(int i, int j, const NbgVector3D &h, double value);
 
   /// The cell of a vector in the map's frame: a node rank, -2 - r for the radial class r of pairs
@@ -146,6 +163,8 @@ private:
   NbgRotation _rotation;
   bool _hasRotation;
   bool _isNormalized = false;
+  double _cosHalfClass;
+  double _sinHalfClass;
   NbdDataGrid _grid;
   NbdDataTable _vertical;
   std::vector<double> _cosTheta;

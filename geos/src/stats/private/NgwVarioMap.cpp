@@ -11,27 +11,24 @@
 
 namespace {
 
-/// Samples in the frame of a map.
 struct Samples
 {
-  std::vector<double> u;
-  std::vector<double> v;
-  std::vector<double> w;
+  std::vector<double> x;
+  std::vector<double> y;
+  std::vector<double> z;
   std::vector<std::vector<double>> values;
 };
 
-Samples inFrame(const NgcPairwiseSamples &all, const std::vector<int> &order, const QString &role,
-                const NgmVarioMap &map)
+Samples ordered(const NgcPairwiseSamples &all, const std::vector<int> &order, const QString &role,
+                int nVariables)
 {
   Samples samples;
   for (const int i : order) {
-    const NbgVector3D local = map.getRot().worldToLocal(
-        NbgVector3D(all.getAxis(0)[i], all.getAxis(1)[i], all.getAxis(2)[i]));
-    samples.u.push_back(local.x());
-    samples.v.push_back(local.y());
-    samples.w.push_back(local.z());
+    samples.x.push_back(all.getAxis(0)[i]);
+    samples.y.push_back(all.getAxis(1)[i]);
+    samples.z.push_back(all.getAxis(2)[i]);
   }
-  for (int variable = 0; variable < map.getNvar(); ++variable) {
+  for (int variable = 0; variable < nVariables; ++variable) {
     const std::vector<double> column = all.read(role, variable);
     samples.values.emplace_back();
     for (const int i : order)
@@ -52,17 +49,16 @@ public:
   {
     const NbgVector3D &axes = map.getMaxAxes();
     const double largest = std::max({axes.x(), axes.y(), axes.z()});
-    _squaredReach = largest * largest;
+    // Above the rounding of the square: the map decides exactly.
+    _squaredReach = largest * largest * (1. + 1e-12);
   }
 
   void add(const Samples &s, int a, int b)
   {
-    const double h[3] = {s.u[b] - s.u[a], s.v[b] - s.v[a], s.w[b] - s.w[a]};
-    if (h[0] * h[0] + h[1] * h[1] + h[2] * h[2] > _squaredReach)
+    const NbgVector3D h(s.x[b] - s.x[a], s.y[b] - s.y[a], s.z[b] - s.z[a]);
+    if (h.squaredNorm() > _squaredReach)
       return;
-    // A pair and its reverse are the same: azimuths in the first half-turn.
-    const double sense = h[1] < 0. || (h[1] == 0. && h[0] < 0.) ? -1. : 1.;
-    const qint64 cell = _map.locate(NbgVector3D(sense * h[0], sense * h[1], sense * h[2]));
+    const qint64 cell = _map.locate(_map.oriented(_map.toFrame(h)));
     if (cell == NgmVarioMap::NO_CELL)
       return;
     const qint64 position = cell < 0 ? _nNodes - 2 - cell : cell;
@@ -123,7 +119,8 @@ void NgwVarioMap::_process(const NgdDataDoubleBuffer &buffers)
       isKept[i] = !(std::fabs(mask[i] - 1.) < 1e-5);
   }
   const NgmVarioMap &empty = _calculator.getGvm();
-  const Samples samples = inFrame(all, all.makeChunks(isKept), _calculator.getRoleV(), empty);
+  const Samples samples =
+      ordered(all, all.makeChunks(isKept), _calculator.getRoleV(), empty.getNvar());
   all.forEachPairOfChunks([&](int i, int j) {
     _calculator._checkForProgressStop();
     const NgcPairwiseSamples::Chunk &first = all.getChunks()[i];
