@@ -12,7 +12,7 @@ class NgcALineCalculator : public NgcACalculatorBuffer
 public:
   ~NgcALineCalculator() override;
 
-  void setInputDataSet(const NgdDataSetLines &dataSet);
+  void setInputDataSet(const NgdADataSet &dataSet);
 
   /// The next buffer of lines with a selected sample, null at the end; the caller owns it.
   /// Thread-safe.

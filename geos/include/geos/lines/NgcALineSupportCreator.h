@@ -9,7 +9,7 @@ class NgcALineSupportCreator : public NgcALineCalculator
 public:
   ~NgcALineSupportCreator() override;
 
-  void setOutputDataSet(const NgdDataSetLines &dataSet);
+  void setOutputDataSet(const NgdADataSet &dataSet);
 
   /// An empty buffer, without lines, with the variables of the output data set; the caller owns it.
   NbdDataLines *getNewOutputLines(bool withCoordinates, bool withSampleNumber) const;

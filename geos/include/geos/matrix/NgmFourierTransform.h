@@ -26,8 +26,8 @@ public:
 
   void forward(const double *values, std::complex<double> *frequencies) const;
 
-  /// Destroys nothing: `frequencies` stays.
-  void backward(const std::complex<double> *frequencies, double *values) const;
+  /// What `frequencies` holds is lost.
+  void backward(std::complex<double> *frequencies, double *values) const;
 
   /// The smallest size of at least `n` whose transform is fast: a product of 2, 3, 5 and 7.
   static int getFastSize(int n);

@@ -58,6 +58,7 @@ protected:
 
 private:
   QString _buildDownholeDescription() const;
+  void _setPseudoSills(NgaVarioSumList &stats);
   NgaVarioSumList _makeSums() const;
   NgaVarioSumList _makeStats() const;
 

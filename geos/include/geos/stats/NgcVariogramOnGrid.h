@@ -36,7 +36,7 @@ public:
   NgcVariogramOnGrid();
   ~NgcVariogramOnGrid() override;
 
-  void setInputDataSet(const NgdDataSetGrid &dataSet);
+  void setInputDataSet(const NgdADataSet &dataSet);
 
   /// A direction in world coordinates, of any length but 0, and the groups it belongs to; by rank
   /// in the second form. Lengths are those of the data; nLags is at least 1.

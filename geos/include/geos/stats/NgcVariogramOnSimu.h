@@ -31,7 +31,7 @@ public:
   NgcVariogramOnSimu();
   ~NgcVariogramOnSimu() override;
 
-  void setInputDataSet(const NgdDataSetGrid &dataSet);
+  void setInputDataSet(const NgdADataSet &dataSet);
 
   /// The model that was simulated.
   void setVModel(const NgmVModel &model);
