@@ -31,7 +31,7 @@ public:
   NgaIAdditive *clone() const override;
 
 private:
-  NbdVariableDouble &_getColumn(const char *name, int i, int j) const;
+  QList<NbdVariableDouble *> _getColumns() const;
 
   NbgGeomGrid _geometry;
   int _nVariables;

@@ -105,13 +105,13 @@ private:
     NbgVector3D vector;  // of length 1
     double lag;
     int nLags;
-    QMap<int, QString> groups;  // by rank; ranks below 0 stand for none
-    bool hasRanks;
+    QMap<int, QString> groups;
+    bool hasRanks;  // the keys are ranks, else they give the order
   };
 
   void _addDirection(const NbgVector3D &vector, double lag, int nLags,
                      const QMap<int, QString> &groups, bool hasRanks);
-  NbgGeomGrid _makeMapGeometry(const NbgIntVector3D &extension) const;
+  bool _getIncrement(const NbgVector3D &point, NbgIntVector3D &increment) const;
   void _setIncrements();
   void _setDecimationAndBufferExtension();
   NgmVariogramExpData _makeResults() const;
