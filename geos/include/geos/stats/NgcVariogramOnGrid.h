@@ -23,8 +23,9 @@ class NgdDataSetGrid;
 /// Formula:  gamma_ij(h) = sum (z_i(x + h) - z_i(x)) (z_j(x + h) - z_j(x)) / 2 N(h) over the N(h)
 ///           pairs of selected nodes where both variables are defined at both ends; h is the
 ///           increment between cell centers nearest to lag * k along the direction
-/// Shape:    row k - 1 of a direction is lag k, 1 <= k <= nLags. A lag shorter than half a cell has
-///           no pairs. Distances are those between the nodes.
+/// Shape:    row k - 1 of a direction is lag k, 1 <= k <= nLags. Distances are those between the
+///           nodes. A lag shorter than half a cell or longer than the grid has no pairs, and the
+///           distance 0.
 /// Macros:   V may be macro variables: one result per realization
 /// Weights:  none, and no mask but the selection of the grid
 /// Cost:     the FFT route takes the same time for any number of lags, O(n log n) with n the nodes
