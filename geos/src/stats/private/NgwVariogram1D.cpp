@@ -34,15 +34,17 @@ int findPairs(const std::vector<double> &positions, int tail, bool isAscending, 
               int nLags, int *heads, int *lags, double *distances)
 {
   const double here = positions[tail];
-  const double end = nLags;
+  const double reach = (nLags + 0.5) * lag;
   int n = 0;
   for (int head = tail + 1; head < int(positions.size()); ++head) {
     const double distance = positions[head] - here;
-    const double rank = distance / lag + 0.5;
-    if (isAscending && rank >= end)
+    if (isAscending && distance >= reach)
       break;
-    // Also what is too far back.
-    const bool isKept = rank >= 0. && rank < end;
+    // Spares most divisions.
+    if (distance >= reach || distance < -lag)
+      continue;
+    const double rank = std::floor(distance / lag + 0.5);
+    const bool isKept = rank >= 0. && rank < nLags;
     heads[n] = head;
     lags[n] = isKept ? int(rank) : 0;
     distances[n] = distance;
