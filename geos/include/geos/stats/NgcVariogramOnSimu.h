@@ -1,16 +1,18 @@
 #pragma once
 
+#include "basic/data/NbdMacroIndex.h"
 #include "basic/geom/NbgBox.h"
 #include "basic/geom/NbgRotation.h"
+#include "geos/NgmEnumGlobal.h"
 #include "geos/base/NgcACalculatorComposite.h"
 #include "geos/stats/NgmVariogramExpData.h"
 
 #include <QList>
 
 #include <memory>
-#include <vector>
 
 class NgcVariogramOnGrid;
+class NgdADataSet;
 class NgdDataSetGrid;
 class NgmVModel;
 
@@ -23,8 +25,8 @@ class NgmVModel;
 /// Lags:       the step from a cell to the next one along the direction, up to half the extent of
 ///             the box
 /// Input:      V holds macro variables with the same realizations
-/// Results:    one per realization and last their mean: at each lag of a curve, the mean of the
-///             realizations that have pairs there
+/// Results:    one per realization and last their mean. At each lag that is the mean of the
+///             realizations that have pairs there, with the mean number of pairs of all.
 class NgcVariogramOnSimu : public NgcACalculatorComposite
 {
 public:
@@ -54,20 +56,20 @@ protected:
   void _progressableFinished(const QString &id) override;
 
 private:
-  struct Sums;
+  class Mean;
 
   const NgdDataSetGrid &_getGrid() const;
+  QList<NbdMacroIndex> _readRealizations() const;
   NbgRotation _getOrientation() const;
   void _addDirections(NgcVariogramOnGrid &calculator) const;
   void _addDirection(NgcVariogramOnGrid &calculator, const NbgVector3D &direction,
-                     const QString &group) const;
-  void _checkRealizations(const NgdDataSetGrid &grid) const;
-  void _addToSums(const NgmVariogramExpData &results);
+                     const NgmEDirectionGroupName &group, int rank) const;
+  NgcVariogramOnGrid &_getCalculator(const QString &id) const;
 
   std::unique_ptr<NgmVModel> _model;
   NbgBox _box;
   std::unique_ptr<NbgRotation> _rotation;
-  std::vector<NgcVariogramOnGrid *> _calculators;  // registered, one per realization
-  std::unique_ptr<Sums> _sums;
+  QList<NbdMacroIndex> _realizations;
+  std::unique_ptr<Mean> _mean;
   QList<NgmVariogramExpData> _results;
 };
