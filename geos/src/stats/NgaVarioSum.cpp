@@ -96,10 +96,12 @@ NgaIAdditive *NgaVarioSum::clone() const
 void NgaVarioSumList::doSum(const NgaIAdditive &other)
 {
   const auto *list = dynamic_cast<const NgaVarioSumList *>(&other);
-  if (!list || list->getCount() != getCount())
+  if (!list || list->getCount() != getCount() || list->_clouds.size() != _clouds.size())
     NBE_FAIL(QStringLiteral("Sums of another size"));
   for (int i = 0; i < getCount(); ++i)
     _sums[i].doSum(list->_sums[i]);
+  for (std::size_t i = 0; i < _clouds.size(); ++i)
+    _clouds[i].doSum(list->_clouds[i]);
 }
 
 NgaIAdditive *NgaVarioSumList::clone() const

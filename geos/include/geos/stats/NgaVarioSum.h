@@ -1,6 +1,7 @@
 #pragma once
 
 #include "geos/base/NgaIAdditive.h"
+#include "geos/stats/NgmVariogramCloud.h"
 
 #include <vector>
 
@@ -62,7 +63,8 @@ private:
   std::vector<double> _sums[N_ARRAYS];
 };
 
-/// A list of sums that are added one by one.
+/// A list of sums that are added one by one, and the clouds of their pairs when they are wanted:
+/// as many clouds as sums, or none.
 class NgaVarioSumList : public NgaIAdditive
 {
 public:
@@ -71,9 +73,16 @@ public:
   NgaVarioSum &at(int i) { return _sums[i]; }
   const NgaVarioSum &at(int i) const { return _sums[i]; }
 
+  /// Adds the cloud of the next sum.
+  void appendCloud(NgmVariogramCloud cloud) { _clouds.push_back(std::move(cloud)); }
+  bool hasClouds() const { return !_clouds.empty(); }
+  NgmVariogramCloud &getCloud(int i) { return _clouds[i]; }
+  const NgmVariogramCloud &getCloud(int i) const { return _clouds[i]; }
+
   void doSum(const NgaIAdditive &other) override;
   NgaIAdditive *clone() const override;
 
 private:
   std::vector<NgaVarioSum> _sums;
+  std::vector<NgmVariogramCloud> _clouds;
 };

@@ -5,7 +5,9 @@
 #include "geos/stats/NgmMultivariateStatistics.h"
 #include "geos/stats/NgmVariogramExp.h"
 
+#include <algorithm>
 #include <cmath>
+#include <initializer_list>
 
 namespace {
 
@@ -25,6 +27,23 @@ bool hasWeight(const NgaVarioSum &sum, int lag)
   return sum.get(NgaVarioSum::WEIGHT)[lag] > NOTHING;
 }
 
+/// f(lag) for the lags with weight, 0 elsewhere.
+template <class Function>
+std::vector<double> perLag(const NgaVarioSum &sum, Function f)
+{
+  std::vector<double> values(sum.getNLags(), 0.);
+  for (int lag = 0; lag < sum.getNLags(); ++lag) {
+    if (hasWeight(sum, lag))
+      values[lag] = f(lag);
+  }
+  return values;
+}
+
+std::vector<double> meansOf(const NgaVarioSum &sum, NgaVarioSum::Array array)
+{
+  return perLag(sum, [&](int lag) { return sum.get(array)[lag]; });
+}
+
 bool areDefined(std::initializer_list<double> values)
 {
   for (const double value : values) {
@@ -32,87 +51,6 @@ bool areDefined(std::initializer_list<double> values)
       return false;
   }
   return true;
-}
-
-double relative(double gamma, const Globals &globals)
-{
-  if (!areDefined({globals.mean1, globals.mean2}) || isNull(globals.mean1) || isNull(globals.mean2))
-    return 0.;
-  return gamma / (globals.mean1 * globals.mean2);
-}
-
-double nonErgodicRelative(const NgaVarioSum &sum, int lag)
-{
-  const double head1 = sum.get(NgaVarioSum::HEAD_1)[lag];
-  const double tail2 = sum.get(NgaVarioSum::TAIL_2)[lag];
-  const double divisor = (head1 + sum.get(NgaVarioSum::TAIL_1)[lag]) *
-                         (sum.get(NgaVarioSum::HEAD_2)[lag] + tail2) / 4.;
-  if (isNull(head1) || isNull(tail2) || divisor == 0.)
-    return 0.;
-  return sum.get(NgaVarioSum::VARIOGRAM)[lag] / divisor;
-}
-
-double overSqrtSimple(double gamma, double simple1, double simple2)
-{
-  const double product = simple1 * simple2;
-  return product > 0. ? gamma / std::sqrt(product) : 0.;
-}
-
-double sqrtOverMadogram(double gamma, double madogram)
-{
-  return isNull(madogram) || gamma < 0. ? 0. : std::sqrt(gamma) / madogram;
-}
-
-/// K - ma t - mb h + ma mb
-double centred(const NgaVarioSum &sum, int lag, const Globals &globals)
-{
-  if (!areDefined({globals.mean1, globals.mean2}))
-    return 0.;
-  return sum.get(NgaVarioSum::PRODUCT)[lag] - globals.mean1 * sum.get(NgaVarioSum::TAIL_2)[lag] -
-         globals.mean2 * sum.get(NgaVarioSum::HEAD_1)[lag] + globals.mean1 * globals.mean2;
-}
-
-/// K - h t
-double nonErgodic(const NgaVarioSum &sum, int lag)
-{
-  return sum.get(NgaVarioSum::PRODUCT)[lag] -
-         sum.get(NgaVarioSum::HEAD_1)[lag] * sum.get(NgaVarioSum::TAIL_2)[lag];
-}
-
-double correlogram(const NgaVarioSum &sum, int lag, const Globals &globals)
-{
-  if (!areDefined({globals.deviation1, globals.deviation2}) || globals.deviation1 <= NOTHING ||
-      globals.deviation2 <= NOTHING)
-    return 0.;
-  return centred(sum, lag, globals) / (globals.deviation1 * globals.deviation2);
-}
-
-double nonErgodicCorrelogram(const NgaVarioSum &sum, int lag)
-{
-  const double head = sum.get(NgaVarioSum::HEAD_SQUARE)[lag];
-  const double tail = sum.get(NgaVarioSum::TAIL_SQUARE)[lag];
-  return head > NOTHING && tail > NOTHING ? nonErgodic(sum, lag) / (head * tail) : 0.;
-}
-
-double covaValue(Cova curve, const NgaVarioSum &sum, int lag, const Globals &globals)
-{
-  switch (curve) {
-    case Cova::NON_CENTERED_COVARIANCE:
-      return sum.get(NgaVarioSum::PRODUCT)[lag];
-    case Cova::NON_ERGODIC_COVARIANCE:
-      return nonErgodic(sum, lag);
-    case Cova::TRANSITIVE_COVARIOGRAM:
-      return sum.get(NgaVarioSum::PRODUCT)[lag] * sum.get(NgaVarioSum::WEIGHT)[lag];
-    case Cova::CORRELOGRAM:
-      return correlogram(sum, lag, globals);
-    case Cova::NON_ERGODIC_CORRELOGRAM:
-      return nonErgodicCorrelogram(sum, lag);
-    case Cova::COVARIANCE:
-    case Cova::ODD_PART_COVARIANCE:
-    case Cova::EVEN_PART_COVARIANCE:
-      break;
-  }
-  return centred(sum, lag, globals);
 }
 
 double originValue(Cova curve, const Globals &g)
@@ -150,12 +88,9 @@ void splitSides(std::vector<double> &values, bool odd)
 
 std::vector<double> meanDistances(const NgaVarioSum &sum)
 {
-  std::vector<double> distances(sum.getNLags(), 0.);
-  for (int lag = 0; lag < sum.getNLags(); ++lag) {
-    if (hasWeight(sum, lag))
-      distances[lag] = sum.get(NgaVarioSum::DISTANCE)[lag] / sum.get(NgaVarioSum::WEIGHT)[lag];
-  }
-  return distances;
+  return perLag(sum, [&](int lag) {
+    return sum.get(NgaVarioSum::DISTANCE)[lag] / sum.get(NgaVarioSum::WEIGHT)[lag];
+  });
 }
 
 }  // namespace
@@ -173,60 +108,237 @@ Globals NgcVariogramCurves::globalsOf(const NgmMultivariateStatistics &statistic
           double(nSamples)};
 }
 
+// Variograms.
+
+std::vector<double> NgcVariogramCurves::_calculateVariogram(const NgaVarioSum &sum)
+{
+  return meansOf(sum, NgaVarioSum::VARIOGRAM);
+}
+
+std::vector<double> NgcVariogramCurves::_calculateMadogram(const NgaVarioSum &sum)
+{
+  return meansOf(sum, NgaVarioSum::MADOGRAM);
+}
+
+std::vector<double> NgcVariogramCurves::_calculateRodogram(const NgaVarioSum &sum)
+{
+  return meansOf(sum, NgaVarioSum::RODOGRAM);
+}
+
+std::vector<double> NgcVariogramCurves::_calculatePairwiseRelVario(const NgaVarioSum &sum)
+{
+  return meansOf(sum, NgaVarioSum::PAIRWISE);
+}
+
+std::vector<double> NgcVariogramCurves::_calculateRelVario(const NgaVarioSum &sum,
+                                                           const Globals &globals)
+{
+  const bool isPossible = areDefined({globals.mean1, globals.mean2}) && !isNull(globals.mean1) &&
+                          !isNull(globals.mean2);
+  const double *gamma = sum.get(NgaVarioSum::VARIOGRAM);
+  return perLag(
+      sum, [&](int lag) { return isPossible ? gamma[lag] / (globals.mean1 * globals.mean2) : 0.; });
+}
+
+std::vector<double> NgcVariogramCurves::_calculateNonErgodicRelVario(const NgaVarioSum &sum)
+{
+  return perLag(sum, [&](int lag) {
+    const double head1 = sum.get(NgaVarioSum::HEAD_1)[lag];
+    const double tail2 = sum.get(NgaVarioSum::TAIL_2)[lag];
+    const double divisor = (head1 + sum.get(NgaVarioSum::TAIL_1)[lag]) *
+                           (sum.get(NgaVarioSum::HEAD_2)[lag] + tail2) / 4.;
+    if (isNull(head1) || isNull(tail2) || divisor == 0.)
+      return 0.;
+    return sum.get(NgaVarioSum::VARIOGRAM)[lag] / divisor;
+  });
+}
+
+std::vector<double> NgcVariogramCurves::_calculateCrossOverSimpleVario(const NgaVarioSum &sum,
+                                                                       const NgaVarioSum &simple1)
+{
+  const double *gamma = sum.get(NgaVarioSum::VARIOGRAM);
+  const double *gamma1 = simple1.get(NgaVarioSum::VARIOGRAM);
+  return perLag(sum,
+                [&](int lag) { return gamma1[lag] < NOTHING ? 0. : gamma[lag] / gamma1[lag]; });
+}
+
+std::vector<double> NgcVariogramCurves::_calculateCrossOverSqrtSimpleVario(
+    const NgaVarioSum &sum, const NgaVarioSum &simple1, const NgaVarioSum &simple2)
+{
+  return perLag(sum, [&](int lag) {
+    const double product =
+        simple1.get(NgaVarioSum::VARIOGRAM)[lag] * simple2.get(NgaVarioSum::VARIOGRAM)[lag];
+    return product > 0. ? sum.get(NgaVarioSum::VARIOGRAM)[lag] / std::sqrt(product) : 0.;
+  });
+}
+
+std::vector<double> NgcVariogramCurves::_calculateVarioOverMado(const NgaVarioSum &sum)
+{
+  const double *gamma = sum.get(NgaVarioSum::VARIOGRAM);
+  const double *madogram = sum.get(NgaVarioSum::MADOGRAM);
+  return perLag(sum,
+                [&](int lag) { return madogram[lag] < NOTHING ? 0. : gamma[lag] / madogram[lag]; });
+}
+
+std::vector<double> NgcVariogramCurves::_calculateSqrtVarioOverMado(const NgaVarioSum &sum)
+{
+  const double *gamma = sum.get(NgaVarioSum::VARIOGRAM);
+  const double *madogram = sum.get(NgaVarioSum::MADOGRAM);
+  return perLag(sum, [&](int lag) {
+    return isNull(madogram[lag]) || gamma[lag] < 0. ? 0. : std::sqrt(gamma[lag]) / madogram[lag];
+  });
+}
+
+// Covariances.
+
+// K - ma t - mb h + ma mb
+std::vector<double> NgcVariogramCurves::_calculateCovariance(const NgaVarioSum &sum,
+                                                             const Globals &globals)
+{
+  if (!areDefined({globals.mean1, globals.mean2}))
+    return std::vector<double>(sum.getNLags(), 0.);
+  return perLag(sum, [&](int lag) {
+    return sum.get(NgaVarioSum::PRODUCT)[lag] - globals.mean1 * sum.get(NgaVarioSum::TAIL_2)[lag] -
+           globals.mean2 * sum.get(NgaVarioSum::HEAD_1)[lag] + globals.mean1 * globals.mean2;
+  });
+}
+
+std::vector<double> NgcVariogramCurves::_calculateNonCenteredCova(const NgaVarioSum &sum)
+{
+  return meansOf(sum, NgaVarioSum::PRODUCT);
+}
+
+// K - h t
+std::vector<double> NgcVariogramCurves::_calculateNonErgodicCova(const NgaVarioSum &sum)
+{
+  return perLag(sum, [&](int lag) {
+    return sum.get(NgaVarioSum::PRODUCT)[lag] -
+           sum.get(NgaVarioSum::HEAD_1)[lag] * sum.get(NgaVarioSum::TAIL_2)[lag];
+  });
+}
+
+std::vector<double> NgcVariogramCurves::_calculateOddCovariance(const NgaVarioSum &sum,
+                                                                const Globals &globals)
+{
+  std::vector<double> values = _calculateCovariance(sum, globals);
+  splitSides(values, true);
+  return values;
+}
+
+std::vector<double> NgcVariogramCurves::_calculateEvenCovariance(const NgaVarioSum &sum,
+                                                                 const Globals &globals)
+{
+  std::vector<double> values = _calculateCovariance(sum, globals);
+  splitSides(values, false);
+  return values;
+}
+
+std::vector<double> NgcVariogramCurves::_calculateTransitiveCovario(const NgaVarioSum &sum)
+{
+  return perLag(sum, [&](int lag) {
+    return sum.get(NgaVarioSum::PRODUCT)[lag] * sum.get(NgaVarioSum::WEIGHT)[lag];
+  });
+}
+
+std::vector<double> NgcVariogramCurves::_calculateCorrelogram(const NgaVarioSum &sum,
+                                                              const Globals &globals)
+{
+  if (!areDefined({globals.deviation1, globals.deviation2}) || globals.deviation1 <= NOTHING ||
+      globals.deviation2 <= NOTHING)
+    return std::vector<double>(sum.getNLags(), 0.);
+  std::vector<double> values = _calculateCovariance(sum, globals);
+  for (double &value : values)
+    value /= globals.deviation1 * globals.deviation2;
+  return values;
+}
+
+std::vector<double> NgcVariogramCurves::_calculateNonErgoCorrelogram(const NgaVarioSum &sum)
+{
+  const double *head = sum.get(NgaVarioSum::HEAD_SQUARE);
+  const double *tail = sum.get(NgaVarioSum::TAIL_SQUARE);
+  std::vector<double> values = _calculateNonErgodicCova(sum);
+  for (int lag = 0; lag < sum.getNLags(); ++lag) {
+    const bool isPossible = head[lag] > NOTHING && tail[lag] > NOTHING;
+    values[lag] = isPossible ? values[lag] / (head[lag] * tail[lag]) : 0.;
+  }
+  return values;
+}
+
+// All of them.
+
 std::vector<double> NgcVariogramCurves::varioValues(Vario curve, const NgaVarioSum &sum,
                                                     const NgaVarioSum &simple1,
                                                     const NgaVarioSum &simple2,
                                                     const Globals &globals)
 {
-  const double *gamma = sum.get(NgaVarioSum::VARIOGRAM);
-  const double *gamma1 = simple1.get(NgaVarioSum::VARIOGRAM);
-  const double *gamma2 = simple2.get(NgaVarioSum::VARIOGRAM);
-  const double *madogram = sum.get(NgaVarioSum::MADOGRAM);
-  const auto valueOf = [&](int lag) {
-    switch (curve) {
-      case Vario::VARIOGRAM:
-        break;
-      case Vario::MADOGRAM:
-        return madogram[lag];
-      case Vario::RODOGRAM:
-        return sum.get(NgaVarioSum::RODOGRAM)[lag];
-      case Vario::RELATIVE_VARIOGRAM:
-        return relative(gamma[lag], globals);
-      case Vario::NON_ERGODIC_RELATIVE_VARIOGRAM:
-        return nonErgodicRelative(sum, lag);
-      case Vario::PAIRWISE_RELATIVE_VARIOGRAM:
-        return sum.get(NgaVarioSum::PAIRWISE)[lag];
-      case Vario::VARIOGRAM_CROSS_OVER_SIMPLE:
-        return gamma1[lag] < NOTHING ? 0. : gamma[lag] / gamma1[lag];
-      case Vario::VARIOGRAM_CROSS_OVER_SQRT_SIMPLE:
-        return overSqrtSimple(gamma[lag], gamma1[lag], gamma2[lag]);
-      case Vario::VARIOGRAM_OVER_MADOGRAM:
-        return madogram[lag] < NOTHING ? 0. : gamma[lag] / madogram[lag];
-      case Vario::SQRT_VARIOGRAM_OVER_MADOGRAM:
-        return sqrtOverMadogram(gamma[lag], madogram[lag]);
-    }
-    return gamma[lag];
-  };
-  std::vector<double> values(sum.getNLags(), 0.);
-  for (int lag = 0; lag < sum.getNLags(); ++lag) {
-    if (hasWeight(sum, lag))
-      values[lag] = valueOf(lag);
+  switch (curve) {
+    case Vario::VARIOGRAM:
+      break;
+    case Vario::MADOGRAM:
+      return _calculateMadogram(sum);
+    case Vario::RODOGRAM:
+      return _calculateRodogram(sum);
+    case Vario::RELATIVE_VARIOGRAM:
+      return _calculateRelVario(sum, globals);
+    case Vario::NON_ERGODIC_RELATIVE_VARIOGRAM:
+      return _calculateNonErgodicRelVario(sum);
+    case Vario::PAIRWISE_RELATIVE_VARIOGRAM:
+      return _calculatePairwiseRelVario(sum);
+    case Vario::VARIOGRAM_CROSS_OVER_SIMPLE:
+      return _calculateCrossOverSimpleVario(sum, simple1);
+    case Vario::VARIOGRAM_CROSS_OVER_SQRT_SIMPLE:
+      return _calculateCrossOverSqrtSimpleVario(sum, simple1, simple2);
+    case Vario::VARIOGRAM_OVER_MADOGRAM:
+      return _calculateVarioOverMado(sum);
+    case Vario::SQRT_VARIOGRAM_OVER_MADOGRAM:
+      return _calculateSqrtVarioOverMado(sum);
   }
-  return values;
+  return _calculateVariogram(sum);
 }
 
 std::vector<double> NgcVariogramCurves::covaValues(Cova curve, const NgaVarioSum &sum,
                                                    const Globals &globals)
 {
-  std::vector<double> values(sum.getNLags(), 0.);
-  for (int lag = 0; lag < sum.getNLags(); ++lag) {
-    if (hasWeight(sum, lag))
-      values[lag] = covaValue(curve, sum, lag, globals);
-  }
-  if (curve == Cova::ODD_PART_COVARIANCE || curve == Cova::EVEN_PART_COVARIANCE)
-    splitSides(values, curve == Cova::ODD_PART_COVARIANCE);
+  const auto sides = [&] {
+    switch (curve) {
+      case Cova::COVARIANCE:
+        break;
+      case Cova::NON_CENTERED_COVARIANCE:
+        return _calculateNonCenteredCova(sum);
+      case Cova::NON_ERGODIC_COVARIANCE:
+        return _calculateNonErgodicCova(sum);
+      case Cova::ODD_PART_COVARIANCE:
+        return _calculateOddCovariance(sum, globals);
+      case Cova::EVEN_PART_COVARIANCE:
+        return _calculateEvenCovariance(sum, globals);
+      case Cova::TRANSITIVE_COVARIOGRAM:
+        return _calculateTransitiveCovario(sum);
+      case Cova::CORRELOGRAM:
+        return _calculateCorrelogram(sum, globals);
+      case Cova::NON_ERGODIC_CORRELOGRAM:
+        return _calculateNonErgoCorrelogram(sum);
+    }
+    return _calculateCovariance(sum, globals);
+  };
+  std::vector<double> values = sides();
   values[values.size() / 2] = originValue(curve, globals);
   return values;
+}
+
+// Results.
+
+NgmVariogramExpData NgcVariogramCurves::newResults(const NgmVariogramExp &request, bool cross)
+{
+  NgmVariogramExpData data = request.getData();
+  data.createTables(request.getVarioCurveTypes(), request.getCovaCurveTypes(), cross);
+  double smallest = request.getDirection(0).getLagLong();
+  for (int dir = 0; dir < request.getNDirections(); ++dir) {
+    const NgmPairsSelectorDirection &direction = request.getDirection(dir);
+    smallest = std::min(
+        smallest, direction.getNLagsShort() > 0 ? direction.getLagShort() : direction.getLagLong());
+  }
+  data.setMinimumLag(smallest);
+  return data;
 }
 
 void NgcVariogramCurves::fillVario(NgmVariogramExpData &data, const NgmVariogramExp &request,

@@ -126,7 +126,7 @@ void NgcVariogramExpPrivate::run(NbdAData &buffer)
   _decimate(samples);
   _nSamples = samples.count();
   for (int set = 0; set < _makeTask().nSets; ++set)
-    _initResults(_results(set));
+    _results(set) = NgcVariogramCurves::newResults(*request, cross);
   if (_needsPseudoSills())
     _processPseudoSills(samples);
 
@@ -203,19 +203,6 @@ NgcVarioTask NgcVariogramExpPrivate::_makeTask() const
 {
   return {NgcVarioTerms(*request), request->getNVariables(), statisticsGaussian ? 2 : 1, cross,
           int(filtering)};
-}
-
-void NgcVariogramExpPrivate::_initResults(NgmVariogramExpData &data) const
-{
-  data = request->getData();
-  data.createTables(request->getVarioCurveTypes(), request->getCovaCurveTypes(), cross);
-  double lag = request->getDirection(0).getLagLong();
-  for (int dir = 0; dir < request->getNDirections(); ++dir) {
-    const NgmPairsSelectorDirection &direction = request->getDirection(dir);
-    lag = std::min(
-        lag, direction.getNLagsShort() > 0 ? direction.getLagShort() : direction.getLagLong());
-  }
-  data.setMinimumLag(lag);
 }
 
 // Pseudo-sills.

@@ -48,7 +48,6 @@ private:
   NgcVarioSamples _readSamples(NbdAData &buffer) const;
   void _decimate(NgcVarioSamples &samples) const;
   NgcVarioTask _makeTask() const;
-  void _initResults(NgmVariogramExpData &data) const;
   bool _needsPseudoSills() const;
   std::vector<int> _pseudoSillSubset(int nSamples) const;
   void _processPseudoSills(const NgcVarioSamples &samples);
