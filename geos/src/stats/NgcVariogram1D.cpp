@@ -143,6 +143,7 @@ void NgcVariogram1D::_postProcessing()
                                     globals);
   }
   _setPseudoSills(stats);
+  _results.compressAllTables();
 }
 
 void NgcVariogram1D::_setPseudoSills(NgaVarioSumList &stats)
