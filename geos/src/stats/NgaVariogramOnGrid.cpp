@@ -7,9 +7,14 @@
 
 namespace {
 
-QString columnName(const char *name, int i, int j)
+QString pairsName(int i, int j)
 {
-  return QStringLiteral("%1_%2_%3").arg(QLatin1String(name)).arg(i).arg(j);
+  return QStringLiteral("NP_%1_%2").arg(i).arg(j);
+}
+
+QString sumName(int i, int j)
+{
+  return QStringLiteral("VARIO_%1_%2").arg(i).arg(j);
 }
 
 }  // namespace
@@ -20,10 +25,8 @@ NgaVariogramOnGrid::NgaVariogramOnGrid(const NbgGeomGrid &geometry, int nVariabl
 {
   for (int i = 0; i < nVariables; ++i) {
     for (int j = i; j < (cross ? nVariables : i + 1); ++j) {
-      for (const char *name : {"NP", "VARIO"}) {
-        const QString column = columnName(name, i, j);
-        _table.createVariableNumeric(column, NbdVariableDetails(column));
-      }
+      for (const QString &name : {pairsName(i, j), sumName(i, j)})
+        _table.createVariableNumeric(name, NbdVariableDetails(name));
     }
   }
   _table.setNSamples(int(geometry.getGridSize()));
@@ -33,12 +36,12 @@ NgaVariogramOnGrid::NgaVariogramOnGrid(const NbgGeomGrid &geometry, int nVariabl
 
 NbdVariableDouble &NgaVariogramOnGrid::getNPairs(int i, int j) const
 {
-  return _table.getVarDoubleRef(columnName("NP", i, j));
+  return _table.getVarDoubleRef(pairsName(i, j));
 }
 
 NbdVariableDouble &NgaVariogramOnGrid::getVarioSum(int i, int j) const
 {
-  return _table.getVarDoubleRef(columnName("VARIO", i, j));
+  return _table.getVarDoubleRef(sumName(i, j));
 }
 
 void NgaVariogramOnGrid::doSum(const NgaIAdditive &other)

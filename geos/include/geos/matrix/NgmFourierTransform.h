@@ -11,6 +11,8 @@
 ///           n / 2 + 1 frequencies of the last dimension; the others are conjugates of these.
 /// Scale:    backward(forward(f)) = f
 /// Threads:  one object may be used by several threads, each on its own arrays
+/// Bits:     do not depend on the number of threads; arrays that are 64-byte aligned
+///           (NgmAlignedAllocator) keep them from depending on the place in memory
 class NgmFourierTransform
 {
 public:

@@ -125,9 +125,9 @@ void NgcGridPairs::sumDirect(int increment, double &nPairs, double &sum) const
 void NgcGridPairs::sumByFourier(double *nPairs, double *sums)
 {
   _makePlan();
-  std::vector<Complex> &indicator = _spectra[0];
-  std::vector<Complex> &result = _spectra[1];
-  std::vector<Complex> &work = _spectra[2];
+  _Spectrum &indicator = _spectra[0];
+  _Spectrum &result = _spectra[1];
+  _Spectrum &work = _spectra[2];
   _transformForward(_indicator, nullptr, indicator);
   _transformForward(_a, _b.data(), result);
   for (std::size_t f = 0; f < result.size(); ++f)
@@ -142,7 +142,7 @@ void NgcGridPairs::sumByFourier(double *nPairs, double *sums)
   _transformForward(_a, nullptr, work);
   if (!_isSimple)
     _transformForward(_b, nullptr, indicator);
-  const std::vector<Complex> &second = _isSimple ? work : indicator;
+  const _Spectrum &second = _isSimple ? work : indicator;
   for (std::size_t f = 0; f < result.size(); ++f)
     result[f] -= realProduct(work[f], second[f]);
   _transformBackward(result, sums);
@@ -168,12 +168,12 @@ void NgcGridPairs::_makePlan()
   }
   _transform = std::make_unique<NgmFourierTransform>(sizes);
   _plan.resize(_transform->getNValues());
-  for (std::vector<Complex> &spectrum : _spectra)
+  for (_Spectrum &spectrum : _spectra)
     spectrum.resize(_transform->getNFrequencies());
 }
 
 void NgcGridPairs::_transformForward(const std::vector<double> &values, const double *factors,
-                                     std::vector<Complex> &spectrum)
+                                     _Spectrum &spectrum)
 {
   std::fill(_plan.begin(), _plan.end(), 0.);
   std::size_t from = 0;
@@ -187,7 +187,7 @@ void NgcGridPairs::_transformForward(const std::vector<double> &values, const do
   _transform->forward(_plan.data(), spectrum.data());
 }
 
-void NgcGridPairs::_transformBackward(std::vector<Complex> &spectrum, double *values)
+void NgcGridPairs::_transformBackward(_Spectrum &spectrum, double *values)
 {
   _transform->backward(spectrum.data(), _plan.data());
   for (std::size_t increment = 0; increment < _increments.size(); ++increment) {

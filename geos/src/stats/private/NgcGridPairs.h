@@ -1,6 +1,7 @@
 #pragma once
 
 #include "basic/geom/NbgIntVector3D.h"
+#include "geos/matrix/NgmAlignedAllocator.h"
 
 #include <complex>
 #include <memory>
@@ -35,10 +36,14 @@ public:
   void sumByFourier(double *nPairs, double *sums);
 
 private:
+  template <class T>
+  using _Aligned = std::vector<T, NgmAlignedAllocator<T>>;
+  using _Spectrum = _Aligned<std::complex<double>>;
+
   void _makePlan();
   void _transformForward(const std::vector<double> &values, const double *factors,
-                         std::vector<std::complex<double>> &spectrum);
-  void _transformBackward(std::vector<std::complex<double>> &spectrum, double *values);
+                         _Spectrum &spectrum);
+  void _transformBackward(_Spectrum &spectrum, double *values);
   std::size_t _planPosition(int i, int j, int k) const;
 
   int _nodes[3];  // axes of one node first
@@ -51,6 +56,6 @@ private:
   // Of the Fourier route; made on first use.
   std::unique_ptr<NgmFourierTransform> _transform;
   int _planNodes[3] = {1, 1, 1};
-  std::vector<double> _plan;
-  std::vector<std::complex<double>> _spectra[3];
+  _Aligned<double> _plan;
+  _Spectrum _spectra[3];
 };
