@@ -48,6 +48,21 @@ void NgcVariogramExp::setStatisticsGaussian(const NgmMultivariateStatistics &sta
   _d->statisticsGaussian = std::make_unique<NgmMultivariateStatistics>(statistics);
 }
 
+void NgcVariogramExp::setVariogramCloudParameters(const NgmVariogramCloudParameters &parameters)
+{
+  _d->cloudParameters = parameters;
+}
+
+const NgmVariogramCloudParameters &NgcVariogramExp::getCloudParameters() const
+{
+  return _d->cloudParameters;
+}
+
+bool NgcVariogramExp::computeCloud() const
+{
+  return _d->request && _d->request->getNeedCloud();
+}
+
 void NgcVariogramExp::useDecimation(bool use, int n)
 {
   if (n < 1)
@@ -103,6 +118,7 @@ void NgcVariogramExp::_addRuntimeConstraints()
   if (_d->statisticsGaussian)
     _addVariableRule(Nbd::Dataset::INOUT, Nbd::Role::GAUSSIAN, Nbd::ACCESS_READ, Nbd::TYPE_DOUBLE,
                      n, n);
+  _setNeedSampleNumber(computeCloud());
   _d->forgetRun();
 }
 

@@ -6,6 +6,7 @@
 
 class NgcVariogramExpPrivate;
 class NgmMultivariateStatistics;
+class NgmVariogramCloudParameters;
 class NgmVariogramExp;
 class NgmVariogramExpData;
 
@@ -43,6 +44,12 @@ public:
 
   /// Computes every curve a second time on the variables of the role GAUSSIAN.
   void setStatisticsGaussian(const NgmMultivariateStatistics &statistics);
+
+  /// What to gather when the request asks for clouds.
+  void setVariogramCloudParameters(const NgmVariogramCloudParameters &parameters);
+  const NgmVariogramCloudParameters &getCloudParameters() const;
+  /// Whether the request asks for clouds.
+  bool computeCloud() const;
 
   /// Keeps n samples drawn at random when there are more. Off by default.
   void useDecimation(bool use, int n = 1000000);

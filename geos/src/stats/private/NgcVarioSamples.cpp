@@ -49,6 +49,7 @@ NgcVarioSamples NgcVarioSamples::ordered(const std::vector<int> &order) const
     result.values.push_back(inOrder(variable, order));
   result.weights = inOrder(weights, order);
   result.codes = inOrder(codes, order);
+  result.numbers = inOrder(numbers, order);
   return result;
 }
 
@@ -85,7 +86,25 @@ NgcVarioBlocks::NgcVarioBlocks(const NgcVarioSamples &samples, const NbgRotation
 
   _samples = samples.ordered(order);
   _along = inOrder(along, order);
-  const std::vector<double> sorting = inOrder(local[sortingAxis], order);
-  _sorting.assign(sorting.begin(), sorting.end());
+  _sorting.reserve(n);
+  for (const int i : order)
+    _sorting.push_back(float(local[sortingAxis][i]));
   _ranks = std::move(order);
+}
+
+NgcVarioBlocks::NgcVarioBlocks(NgcVarioSamples samples, std::vector<Block> blocks,
+                               std::vector<double> along, double band)
+    : _samples(std::move(samples)),
+      _blocks(std::move(blocks)),
+      _along(along),
+      _sorting(std::move(along)),
+      _ranks(_samples.count()),
+      _alongBand(band * (1. + 1e-12))
+{
+  std::vector<int> order(_samples.count());
+  std::iota(order.begin(), order.end(), 0);
+  std::sort(order.begin(), order.end(),
+            [this](int a, int b) { return _samples.numbers[a] < _samples.numbers[b]; });
+  for (std::size_t rank = 0; rank < order.size(); ++rank)
+    _ranks[order[rank]] = int(rank);
 }

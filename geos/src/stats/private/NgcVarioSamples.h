@@ -2,6 +2,8 @@
 
 #include "basic/geom/NbgRotation.h"
 
+#include <QtGlobal>
+
 #include <vector>
 
 /// The samples of an experimental variogram, one array per field. Undefined values are not a
@@ -14,6 +16,7 @@ struct NgcVarioSamples
   std::vector<std::vector<double>> values;  ///< one array per variable
   std::vector<double> weights;              ///< empty without weights
   std::vector<int> codes;                   ///< empty without filter
+  std::vector<qint64> numbers;              ///< sample numbers; may be empty
 
   int count() const { return int(x.size()); }
 
@@ -21,11 +24,9 @@ struct NgcVarioSamples
   NgcVarioSamples ordered(const std::vector<int> &order) const;
 };
 
-/// The samples of a search in an order in which those near each other are found by blocks.
-///
-/// Blocks are strips across the axis along which the search is shortest against the extent of the
-/// samples; within a block samples follow the next such axis. So the neighbors of a sample in a
-/// block are consecutive, and no pair within the bands is missed.
+/// The samples of a search in blocks. Within a block they ascend along an axis, so that the
+/// neighbors of a sample in a block are among consecutive ones, and no pair within the bands is
+/// missed.
 class NgcVarioBlocks
 {
 public:
@@ -43,9 +44,16 @@ public:
     double upper;  ///< of the coordinate across the strips
   };
 
-  /// `sortingAxis` gives the sense of pairs: from the sample with the lower coordinate along it.
+  /// Blocks are strips across the axis along which the search is shortest against the extent of
+  /// the samples; within a block samples follow the next such axis. `sortingAxis` gives the sense
+  /// of pairs: from the sample with the lower coordinate along it.
   NgcVarioBlocks(const NgcVarioSamples &samples, const NbgRotation &frame, const Bands &bands,
                  int sortingAxis, int maximumCount);
+
+  /// The given blocks of samples, whose coordinates `along` ascend in each block. Pairs go up along
+  /// it, by sample numbers for equal coordinates.
+  NgcVarioBlocks(NgcVarioSamples samples, std::vector<Block> blocks, std::vector<double> along,
+                 double band);
 
   const NgcVarioSamples &getSamples() const { return _samples; }
   int getNBlocks() const { return int(_blocks.size()); }
@@ -72,7 +80,7 @@ private:
   NgcVarioSamples _samples;
   std::vector<Block> _blocks;
   std::vector<double> _along;
-  std::vector<float> _sorting;
+  std::vector<double> _sorting;
   std::vector<int> _ranks;
   double _acrossBand = 0.;
   double _alongBand = 0.;

@@ -38,6 +38,7 @@ NgcVarioSearch::Workspace::Workspace(const NgcVarioSearch &search)
       _hz(CAPACITY),
       _distances(CAPACITY),
       _proposed(CAPACITY),
+      _isTaken(CAPACITY),
       _pairs(CAPACITY)
 {
   for (const NgmPairsSelectorDirection *direction : search._directions)
@@ -61,13 +62,30 @@ NgaVarioSumList NgcVarioSearch::makeSums() const
   NgaVarioSumList sums;
   for (const NgmPairsSelectorDirection *direction : _directions)
     forEachSum(_task, *direction, [&sums](int size) { sums.append(NgaVarioSum(size)); });
+  for (const NgmVariogramCloud &cloud : _clouds)
+    sums.appendCloud(cloud);
   return sums;
+}
+
+void NgcVarioSearch::setClouds(std::vector<NgmVariogramCloud> clouds, std::vector<double> means)
+{
+  _clouds = std::move(clouds);
+  _means = std::move(means);
+}
+
+void NgcVarioSearch::processPair(int first, int second, Workspace &workspace,
+                                 NgaVarioSumList &sums) const
+{
+  workspace._sums = &sums;
+  _processBlocks(first, second, workspace);
+  _flush(workspace);
 }
 
 void NgcVarioSearch::processRow(int row, Workspace &workspace, const NbcAProgress &progress,
                                 NgaVarioSumList &sums) const
 {
   const NgcVarioBlocks::Block &block = _blocks.getBlock(row);
+  workspace._sums = &sums;
   for (int next = row; next < _blocks.getNBlocks(); ++next) {
     if (!_blocks.isWithinReach(block, _blocks.getBlock(next)))
       break;
@@ -75,9 +93,14 @@ void NgcVarioSearch::processRow(int row, Workspace &workspace, const NbcAProgres
       return;
     _processBlocks(row, next, workspace);
   }
+  _flush(workspace);
+}
+
+void NgcVarioSearch::_flush(Workspace &workspace) const
+{
   _processPairs(workspace);
-  for (int i = 0; i < sums.getCount(); ++i)
-    workspace._accumulators[i].flushInto(sums.at(i));
+  for (int i = 0; i < workspace._sums->getCount(); ++i)
+    workspace._accumulators[i].flushInto(workspace._sums->at(i));
 }
 
 void NgcVarioSearch::_processBlocks(int first, int second, Workspace &workspace) const
@@ -141,12 +164,12 @@ void NgcVarioSearch::_processPairs(Workspace &workspace) const
 {
   if (_task.filtering != 0)
     _filterCodes(workspace);
-  if (_task.terms.means || _task.terms.covariance)
+  if (_task.terms.means || _task.terms.covariance || _task.clouds)
     _orient(workspace);
   for (int k = 0; k < workspace._n; ++k)
     workspace._distances[k] = std::sqrt(workspace._distances[k]);
   for (std::size_t direction = 0; direction < _directions.size(); ++direction) {
-    _selectPairs(*_directions[direction], workspace);
+    _selectPairs(int(direction), workspace);
     _accumulate(int(direction), workspace);
   }
   workspace._n = 0;
@@ -185,9 +208,26 @@ void NgcVarioSearch::_orient(Workspace &workspace) const
   }
 }
 
-void NgcVarioSearch::_selectPairs(const NgmPairsSelectorDirection &direction,
-                                  Workspace &workspace) const
+/// Marks the pairs that the direction before has kept: the first ones of _proposed.
+void NgcVarioSearch::_markTaken(Workspace &workspace)
 {
+  std::fill_n(workspace._isTaken.begin(), workspace._n, 0);
+  for (int p = 0; p < workspace._pairs.n; ++p)
+    workspace._isTaken[workspace._proposed[p]] = 1;
+}
+
+int NgcVarioSearch::_leaveOutTaken(int nProposed, Workspace &workspace)
+{
+  int *proposed = workspace._proposed.data();
+  const unsigned char *isTaken = workspace._isTaken.data();
+  int *end =
+      std::remove_if(proposed, proposed + nProposed, [isTaken](int k) { return isTaken[k]; });
+  return int(end - proposed);
+}
+
+void NgcVarioSearch::_selectPairs(int rank, Workspace &workspace) const
+{
+  const NgmPairsSelectorDirection &direction = *_directions[rank];
   const Workspace &w = workspace;
   NgcVarioPairs &pairs = workspace._pairs;
   const double *hx = w._hx.data();
@@ -205,7 +245,12 @@ void NgcVarioSearch::_selectPairs(const NgmPairsSelectorDirection &direction,
   unsigned char *positive = pairs.positive.data();
 
   const int lastLag = direction.getNIntervals() - 1;
-  const int nProposed = direction.proposePairs(w._n, hx, hy, hz, proposed);
+  const bool isExclusive = !_isExclusive.empty() && _isExclusive[rank];
+  if (isExclusive)
+    _markTaken(workspace);
+  int nProposed = direction.proposePairs(w._n, hx, hy, hz, proposed);
+  if (isExclusive)
+    nProposed = _leaveOutTaken(nProposed, workspace);
   int n = 0;
   for (int p = 0; p < nProposed; ++p) {
     const int k = proposed[p];
@@ -221,6 +266,7 @@ void NgcVarioSearch::_selectPairs(const NgmPairsSelectorDirection &direction,
     // Short lags may reach beyond the last class.
     lagMax[n] = std::min(last, lastLag);
     positive[n] = isPositive;
+    proposed[n] = k;
     n += isKept;
   }
   pairs.n = n;
@@ -230,20 +276,56 @@ void NgcVarioSearch::_accumulate(int direction, Workspace &workspace) const
 {
   const NgcVarioSamples &samples = _blocks.getSamples();
   const double *weights = samples.weights.empty() ? nullptr : samples.weights.data();
+  const NgcVarioPairs &pairs = workspace._pairs;
   const int firstSum = direction * _task.getNSums();
   for (int set = 0; set < _task.nSets; ++set) {
-    int pair = 0;
+    const int first = set * _task.nVariables;
     for (int i = 0; i < _task.nVariables; ++i) {
-      for (int j = i; j < (_task.cross ? _task.nVariables : i + 1); ++j, ++pair) {
-        const double *a = samples.values[set * _task.nVariables + i].data();
-        const double *b = samples.values[set * _task.nVariables + j].data();
-        if (_task.terms.variogram)
-          workspace._accumulators[firstSum + _task.rankOf(set, false, pair)].addVariogram(
-              _task.terms, workspace._pairs, a, b, weights);
-        if (_task.terms.covariance)
-          workspace._accumulators[firstSum + _task.rankOf(set, true, pair)].addCovariance(
-              workspace._pairs, a, b, weights);
+      for (int j = i; j < (_task.cross ? _task.nVariables : i + 1); ++j) {
+        const double *a = samples.values[first + i].data();
+        const double *b = samples.values[first + j].data();
+        for (const bool isCova : {false, true}) {
+          if (!(isCova ? _task.terms.covariance : _task.terms.variogram))
+            continue;
+          const int sum = firstSum + _task.rankOf(set, isCova, i, j);
+          if (isCova)
+            workspace._accumulators[sum].addCovariance(pairs, a, b, weights);
+          else
+            workspace._accumulators[sum].addVariogram(_task.terms, pairs, a, b, weights);
+          if (_task.clouds)
+            _addToCloud(isCova, a, b, _means[first + i], _means[first + j], pairs,
+                        workspace._sums->getCloud(sum));
+        }
       }
     }
+  }
+}
+
+// A pair is one point of the image, in the first of its lags.
+void NgcVarioSearch::_addToCloud(bool isCova, const double *a, const double *b, double meanA,
+                                 double meanB, const NgcVarioPairs &pairs,
+                                 NgmVariogramCloud &cloud) const
+{
+  const std::vector<qint64> &numbers = _blocks.getSamples().numbers;
+  const auto add = [&](int lag, double value, double distance, int tail, int head) {
+    if (!std::isnan(value))
+      cloud.addPair(lag, {value, distance, numbers[tail], numbers[head]});
+  };
+  const int origin = cloud.getNLags() / 2;
+  for (int k = 0; k < pairs.n; ++k) {
+    int tail = pairs.tail[k];
+    int head = pairs.head[k];
+    const double d = pairs.distance[k];
+    const int lag = pairs.lagMin[k];
+    if (lag > pairs.lagMax[k])
+      continue;
+    if (!isCova) {
+      add(lag, 0.5 * (a[head] - a[tail]) * (b[head] - b[tail]), d, tail, head);
+      continue;
+    }
+    if (!pairs.positive[k])
+      std::swap(tail, head);
+    add(origin + 1 + lag, (a[head] - meanA) * (b[tail] - meanB), d, tail, head);
+    add(origin - 1 - lag, (a[tail] - meanA) * (b[head] - meanB), -d, head, tail);
   }
 }

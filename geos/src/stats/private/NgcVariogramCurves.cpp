@@ -4,6 +4,8 @@
 #include "geos/stats/NgaVarioSum.h"
 #include "geos/stats/NgmMultivariateStatistics.h"
 #include "geos/stats/NgmVariogramExp.h"
+#include "stats/private/NgcVarioClouds.h"
+#include "stats/private/NgcVarioSearch.h"
 
 #include <algorithm>
 #include <cmath>
@@ -364,4 +366,30 @@ void NgcVariogramCurves::fillCova(NgmVariogramExpData &data, const NgmVariogramE
   for (const NgmECovaExp &curve : request.getCovaCurveTypes())
     data.setCovaValues(dir, curve.toEnum(), i, j, n,
                        covaValues(curve.toEnum(), sum, globals).data());
+}
+
+void NgcVariogramCurves::fillDirection(NgmVariogramExpData &data, const NgmVariogramExp &request,
+                                       int dir, const NgcVarioTask &task, int set,
+                                       const NgaVarioSumList &sums, int firstSum,
+                                       const NgmMultivariateStatistics &statistics, int nSamples)
+{
+  const auto rankOf = [&](bool isCova, int i, int j) {
+    return firstSum + task.rankOf(set, isCova, i, j);
+  };
+  const auto nDefined = [&](int i) { return statistics.getConstUnivariateStats(i).getNDefined(); };
+  for (int i = 0; i < task.nVariables; ++i) {
+    for (int j = i; j < (task.cross ? task.nVariables : i + 1); ++j) {
+      const Globals globals = globalsOf(
+          statistics, i, j, nSamples < 0 ? int(std::min(nDefined(i), nDefined(j))) : nSamples);
+      if (task.terms.variogram)
+        fillVario(data, request, dir, i, j, sums.at(rankOf(false, i, j)),
+                  sums.at(rankOf(false, i, i)), sums.at(rankOf(false, j, j)), globals);
+      if (task.terms.covariance)
+        fillCova(data, request, dir, i, j, sums.at(rankOf(true, i, j)), globals);
+      for (const bool isCova : {false, true}) {
+        if (sums.hasClouds() && (isCova ? task.terms.covariance : task.terms.variogram))
+          NgcVarioClouds::fill(data, dir, isCova, i, j, sums.getCloud(rankOf(isCova, i, j)));
+      }
+    }
+  }
 }

@@ -5,9 +5,11 @@
 #include <vector>
 
 class NgaVarioSum;
+class NgaVarioSumList;
 class NgmMultivariateStatistics;
 class NgmVariogramExp;
 class NgmVariogramExpData;
+struct NgcVarioTask;
 
 /// The statistics of experimental variograms and covariances, written once for all calculators.
 /// Sums are normalized. Lags without weight give 0.
@@ -46,6 +48,13 @@ public:
                         const NgaVarioSum &simple2, const Globals &globals);
   static void fillCova(NgmVariogramExpData &data, const NgmVariogramExp &request, int dir, int i,
                        int j, const NgaVarioSum &sum, const Globals &globals);
+
+  /// Writes all of a direction whose sums begin at `firstSum`. With `nSamples` below 0 the number
+  /// of samples is that of the statistics.
+  static void fillDirection(NgmVariogramExpData &data, const NgmVariogramExp &request, int dir,
+                            const NgcVarioTask &task, int set, const NgaVarioSumList &sums,
+                            int firstSum, const NgmMultivariateStatistics &statistics,
+                            int nSamples);
 
 private:
   using _Values = std::vector<double>;

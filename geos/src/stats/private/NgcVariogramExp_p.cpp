@@ -8,6 +8,7 @@
 #include "geos/base/NgaOrderedSum.h"
 #include "geos/base/NgwAThread.h"
 #include "geos/base/NgwThreadPool.h"
+#include "stats/private/NgcVarioClouds.h"
 #include "stats/private/NgcVariogramCurves.h"
 
 #include <QMutex>
@@ -127,6 +128,8 @@ void NgcVariogramExpPrivate::run(NbdAData &buffer)
   _nSamples = samples.count();
   for (int set = 0; set < _makeTask().nSets; ++set)
     _results(set) = NgcVariogramCurves::newResults(*request, cross);
+  for (int set = 0; request->getNeedCloud() && set < _makeTask().nSets; ++set)
+    _results(set).createCloudTables(_makeTask().terms.variogram, _makeTask().terms.covariance);
   if (_needsPseudoSills())
     _processPseudoSills(samples);
 
@@ -157,6 +160,8 @@ NgcVarioSamples NgcVariogramExpPrivate::_readSamples(NbdAData &buffer) const
     samples.x.push_back(location.x());
     samples.y.push_back(location.y());
     samples.z.push_back(location.z());
+    if (request->getNeedCloud())
+      samples.numbers.push_back(buffer.getSampleNumber(position));
   }
   QList<NbdAVariableNumeric *> variables = table.getVarsNumeric(Nbd::Role::V);
   if (statisticsGaussian)
@@ -202,7 +207,7 @@ void NgcVariogramExpPrivate::_decimate(NgcVarioSamples &samples) const
 NgcVarioTask NgcVariogramExpPrivate::_makeTask() const
 {
   return {NgcVarioTerms(*request), request->getNVariables(), statisticsGaussian ? 2 : 1, cross,
-          int(filtering)};
+          int(filtering),          request->getNeedCloud()};
 }
 
 // Pseudo-sills.
@@ -352,7 +357,15 @@ void NgcVariogramExpPrivate::_processDirectionGroup(const NgcVarioSamples &sampl
   std::vector<const NgmPairsSelectorDirection *> directions;
   for (const int dir : group.directions)
     directions.push_back(&request->getDirection(dir));
-  const NgcVarioSearch search(blocks, directions, _makeTask());
+  const NgcVarioTask task = _makeTask();
+  NgcVarioSearch search(blocks, directions, task);
+  if (task.clouds) {
+    std::vector<const NgmMultivariateStatistics *> statisticsOfSets;
+    for (int set = 0; set < task.nSets; ++set)
+      statisticsOfSets.push_back(&_statistics(set));
+    search.setClouds(NgcVarioClouds::newClouds(task, directions, statisticsOfSets, cloudParameters),
+                     NgcVarioClouds::meansOf(statisticsOfSets));
+  }
 
   Rows rows;
   rows.search = &search;
@@ -372,34 +385,14 @@ void NgcVariogramExpPrivate::_processDirectionGroup(const NgcVarioSamples &sampl
   rows.sums.flushInto(sums);
   for (int i = 0; i < sums.getCount(); ++i)
     sums.at(i).normalize();
-  for (int set = 0; set < _makeTask().nSets; ++set)
+  for (int set = 0; set < task.nSets; ++set)
     _fill(group, sums, set);
 }
 
 void NgcVariogramExpPrivate::_fill(const Group &group, const NgaVarioSumList &sums, int set)
 {
   const NgcVarioTask task = _makeTask();
-  for (std::size_t d = 0; d < group.directions.size(); ++d) {
-    const int dir = group.directions[d];
-    const int firstSum = int(d) * task.getNSums();
-    const auto sumOf = [&](bool isCova, int pair) -> const NgaVarioSum & {
-      return sums.at(firstSum + task.rankOf(set, isCova, pair));
-    };
-    std::vector<int> simple(task.nVariables);
-    for (int i = 0; i < task.nVariables; ++i)
-      simple[i] = cross ? i * task.nVariables - i * (i - 1) / 2 : i;
-    int pair = 0;
-    for (int i = 0; i < task.nVariables; ++i) {
-      for (int j = i; j < (cross ? task.nVariables : i + 1); ++j, ++pair) {
-        const NgcVariogramCurves::Globals globals =
-            NgcVariogramCurves::globalsOf(_statistics(set), i, j, _nSamples);
-        if (task.terms.variogram)
-          NgcVariogramCurves::fillVario(_results(set), *request, dir, i, j, sumOf(false, pair),
-                                        sumOf(false, simple[i]), sumOf(false, simple[j]), globals);
-        if (task.terms.covariance)
-          NgcVariogramCurves::fillCova(_results(set), *request, dir, i, j, sumOf(true, pair),
-                                       globals);
-      }
-    }
-  }
+  for (std::size_t d = 0; d < group.directions.size(); ++d)
+    NgcVariogramCurves::fillDirection(_results(set), *request, group.directions[d], task, set, sums,
+                                      int(d) * task.getNSums(), _statistics(set), _nSamples);
 }

@@ -3,6 +3,7 @@
 #include "geos/stats/NgaVarioSum.h"
 #include "geos/stats/NgcVariogramExp.h"
 #include "geos/stats/NgmMultivariateStatistics.h"
+#include "geos/stats/NgmVariogramCloudParameters.h"
 #include "geos/stats/NgmVariogramExp.h"
 #include "stats/private/NgcVarioSamples.h"
 #include "stats/private/NgcVarioSearch.h"
@@ -35,6 +36,7 @@ public:
   std::unique_ptr<NgmVariogramExp> request;
   std::unique_ptr<NgmMultivariateStatistics> statistics;
   std::unique_ptr<NgmMultivariateStatistics> statisticsGaussian;
+  NgmVariogramCloudParameters cloudParameters;
   NgcVariogramExp::PairsFiltering filtering = NgcVariogramExp::ALL_PAIRS;
   bool useDecimation = false;
   int nDecimated = 1000000;
