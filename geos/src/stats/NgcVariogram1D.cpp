@@ -16,6 +16,8 @@
 
 namespace {
 
+constexpr double MAXIMUM_LAGS = 1e9;
+
 /// The curves that are computed, as the shared formulas want them.
 NgmVariogramExp makeRequest()
 {
@@ -47,7 +49,7 @@ NgcVariogram1D::~NgcVariogram1D()
 
 void NgcVariogram1D::setLagAndMaximumDistance(double lag, double maxDistance)
 {
-  if (!(lag > 0.) || !(lag <= maxDistance))
+  if (!(lag > 0.) || !(lag <= maxDistance) || !(maxDistance / lag < MAXIMUM_LAGS))
     throw NbeProgrammingError(
         QStringLiteral("NgcVariogram1D::setLagAndMaximumDistance: invalid arguments"));
   _lag = lag;

@@ -219,6 +219,23 @@ TEST(NgcVariogram1D, SamplesFarAheadDoNotHideThoseThatComeBack)
             QVector<double>({0., 0.5 * (4. + 9.) / 2., 0.5 * 25.}));
 }
 
+TEST(NgcVariogram1D, ALinearDriftGivesAParabola)
+{
+  std::vector<double> positions, values;
+  for (int i = 0; i < 50; ++i) {
+    positions.push_back(7. + 2. * i);
+    values.push_back(1e5 - 3. * positions.back());
+  }
+  NgcVariogram1D calculator;
+  calculator.setInputDataSet(oneLine(positions, values));
+  calculator.setLag(2.);
+  calculator.setNLags(40);
+  run(calculator);
+  const QVector<double> gamma = calculator.getResults().getVarioColumn(0, Vario::VARIOGRAM, 0, 0);
+  for (int lag = 1; lag < 40; ++lag)
+    EXPECT_EQ(gamma[lag], 0.5 * 9. * 4. * lag * lag);  // whole numbers: exact
+}
+
 TEST(NgcVariogram1D, CoresStandAtTheirMiddles)
 {
   // Cores [0, 1], [1, 4], [4, 5]: middles 0.5, 2.5, 4.5.
@@ -331,6 +348,7 @@ TEST(NgcVariogram1D, RefusesWhatMakesNoSense)
       QStringLiteral("NgcVariogram1D::setLagAndMaximumDistance: invalid arguments");
   EXPECT_EQ(errorOf([&] { calculator.setLagAndMaximumDistance(0., 5.); }), invalid);
   EXPECT_EQ(errorOf([&] { calculator.setLagAndMaximumDistance(10., 5.); }), invalid);
+  EXPECT_EQ(errorOf([&] { calculator.setLagAndMaximumDistance(1e-9, 1e9); }), invalid);
   calculator.setLagAndMaximumDistance(10., 95.);
   EXPECT_EQ(calculator.getNLags(), 10);
   EXPECT_EQ(errorOf([&] { calculator.getResults(); }),

@@ -219,6 +219,23 @@ TEST(NgcVariogramOnGrid, RoutesAgreeOnLargerGridsFarFromZero)
   }
 }
 
+TEST(NgcVariogramOnGrid, KnowsNeitherWeightsNorMask)
+{
+  const Grid grid(plane(20, 15));
+  const std::vector<Direction> directions{{NbgVector3D(1., 0.), 10., 10}};
+  NgdDataSetGrid dataSet = grid.makeDataSet();
+  NgcVariogramOnGrid plain, bound;
+  run(plain, dataSet, directions);
+  for (const QString &role : {Nbd::Role::WEIGHT, Nbd::Role::MASK})
+    dataSet.assignVariable(
+        role, grid.provider->addVariable(role, testsupport::uniformValues(9, 300, 0., 1.)));
+  run(bound, dataSet, directions);
+  EXPECT_EQ(plain.getResults(0).getNumberOfPairs(0, false, 0, 1),
+            bound.getResults(0).getNumberOfPairs(0, false, 0, 1));
+  EXPECT_EQ(plain.getResults(0).getVarioColumn(0, Vario::VARIOGRAM, 0, 1),
+            bound.getResults(0).getVarioColumn(0, Vario::VARIOGRAM, 0, 1));
+}
+
 TEST(NgcVariogramOnGrid, KeepsRowsWithoutPairsEmpty)
 {
   const Grid grid(plane(6, 4));
