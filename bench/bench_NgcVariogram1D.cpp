@@ -71,6 +71,7 @@ BENCHMARK(variogram1D)
     ->Args({2, 1})
     ->Args({1, 0})
     ->Args({2, 0})
+    ->MeasureProcessCPUTime()
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 

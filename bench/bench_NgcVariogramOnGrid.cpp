@@ -71,6 +71,7 @@ BENCHMARK(variogramOnGrid)
     ->ArgName("fft")
     ->Arg(1)
     ->Arg(0)
+    ->MeasureProcessCPUTime()
     ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 
