@@ -1,5 +1,8 @@
 // Random numbers and samples, beside the recurrence in its defining form (two divisions per
 // number). Counters: numbers (samples) per second.
+//
+// On one core of an AMD EPYC: 2.8 ns per number for constant sets 5 and 7 (limit 6; as defined 5.0
+// and 11.2), 3.2 ns per uniform and 40 ns per Gaussian sample.
 
 #include "geos/simu/NgmDistributionGamma.h"
 #include "geos/simu/NgmDistributionGaussian.h"

@@ -214,7 +214,6 @@ NbgVector3D NgmAVStruct::getTheoRanges() const
 void NgmAVStruct::normalizeStructure(double d)
 {
   _scale /= d;
-  _setupParameters();
 }
 
 QStringList NgmAVStruct::summary(const QString &prefix) const

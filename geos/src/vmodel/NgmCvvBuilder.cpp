@@ -7,6 +7,8 @@
 
 #include <QObject>
 
+#include <algorithm>
+
 NgmCvvBuilder::NgmCvvBuilder()
 {
   setProgressMessage(QObject::tr("Compute Block Covariance"));
@@ -25,6 +27,15 @@ void NgmCvvBuilder::setVModel(const NgmVModel &model)
 void NgmCvvBuilder::setBlockDefinition(const NgmABlock &block)
 {
   _block.reset(block.clone());
+}
+
+QVector<qint64> NgmCvvBuilder::getSeeds() const
+{
+  NgmRandomNumberGenerator generator(_seed, NgmRandomNumberGenerator::DEFAULT_SIZE);
+  QVector<qint64> seeds(std::max(0, _nTries));
+  for (qint64 &seed : seeds)
+    seed = qint64(generator.nextNumber());
+  return seeds;
 }
 
 NgmMatrix NgmCvvBuilder::getMeanCvv() const
@@ -51,13 +62,13 @@ void NgmCvvBuilder::_doRun()
 {
   _cvv.clear();
   _doFinalChecks();
-  _initCounter(_nTries);
-  NgmRandomNumberGenerator seeds(_seed, NgmRandomNumberGenerator::DEFAULT_SIZE);
+  const QVector<qint64> seeds = getSeeds();
+  _initCounter(seeds.size());
   QList<NgmMatrix> cvv;
-  for (int i = 0; i < _nTries; ++i) {
+  for (const qint64 seed : seeds) {
     _checkForProgressStop();
-    NgmMatrix matrix(false);
-    _model->calcCvv(*_block, qint64(seeds.nextNumber()), matrix);
+    NgmMatrix matrix(_model->getNVariables(), _model->getNVariables(), true);
+    _model->calcCvv(*_block, seed, matrix);
     cvv << matrix;
     _incrementCounter(1);
   }

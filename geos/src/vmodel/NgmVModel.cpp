@@ -71,12 +71,10 @@ void NgmVModelCovaCacheDeleter::operator()(NgmVModelCovaCache *cache) const
 }
 
 NgmVModel::NgmVModel(int nVariables)
-    : _nVariables(nVariables),
+    : _nVariables(_checkedNumber(nVariables, "NgmVModel::NgmVModel: invalid number of variables.")),
       _nugget(nVariables, nVariables, true),
       _c00(nVariables, nVariables, true)
 {
-  if (nVariables < 0 || nVariables > MAXIMUM_VARIABLES)
-    throw NbeProgrammingError(QStringLiteral("NgmVModel::NgmVModel: invalid number of variables."));
 }
 
 NgmVModel::NgmVModel(const NgmVModel &other)
@@ -113,10 +111,8 @@ void NgmVModel::setNVariables(int nVariables)
 {
   if (nVariables == _nVariables)
     return;
-  if (nVariables < 0 || nVariables > MAXIMUM_VARIABLES)
-    throw NbeProgrammingError(
-        QStringLiteral("NgmVModel::setNVariables: invalid number of variables"));
-  NgmVModel empty(nVariables);
+  NgmVModel empty(
+      _checkedNumber(nVariables, "NgmVModel::setNVariables: invalid number of variables"));
   empty._context = _context;
   _take(empty);
 }
@@ -650,6 +646,13 @@ void NgmVModel::_validateModel()
   _invalidateC00();
   _updateC00();
   _updateEffectiveIrfDegree();
+}
+
+int NgmVModel::_checkedNumber(int nVariables, const char *message)
+{
+  if (nVariables < 0 || nVariables > MAXIMUM_VARIABLES)
+    throw NbeProgrammingError(QString::fromLatin1(message));
+  return nVariables;
 }
 
 void NgmVModel::_checkVariables(int i, int j) const

@@ -6,6 +6,8 @@
 #include "support/Errors.h"
 #include "support/SerializationFuzz.h"
 
+#include <QDataStream>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -119,6 +121,28 @@ TEST(NgmDriftModel, SquaredCoordinatesOfABlockAreMeans)
   NgmBlock flat(false);
   flat.setSize(NbgVector3D(10., 6., 4.));
   EXPECT_EQ(model.getDriftValueAtTarget(5, 0, center, NgmTarget(NbgVector3D(), flat)), 0.);
+}
+
+TEST(NgmDriftModel, BlockCorrectionIsAddedToTheRunningProduct)
+{
+  // Terms that only a stream brings: x^2 y, x y^2, x^2 z^2.
+  NgmDriftModel model;
+  model.addDrifts(0, 2, true, true, true);
+  QByteArray bytes = test::toBytes(model).left(8);  // magic and version
+  QDataStream stream(&bytes, QIODevice::Append);
+  stream << qint32(2) << qint32(3) << qint32(0) << qint32(0) << qint32(0) << qint32(3);
+  for (const int exponent : {2, 1, 0, 1, 2, 0, 2, 0, 2})
+    stream << qint32(exponent);
+  test::fromBytes(bytes, model);
+
+  NgmBlock block(true);
+  block.setSize(NbgVector3D(6., 12., 24.));  // L^2 / 12 is 3, 12, 48
+  block.setDiscretizationPointsNumber(NbgIntVector3D(1, 1, 1));
+  const NgmTarget target(NbgVector3D(2., 3., 5.), block);
+  EXPECT_EQ(monomials(model, 0), (QVector<double>{12., 18., 100.}));
+  EXPECT_EQ(model.getDriftValueAtTarget(0, 0, NbgVector3D::Null, target), (4. + 3.) * 3.);
+  EXPECT_EQ(model.getDriftValueAtTarget(1, 0, NbgVector3D::Null, target), 2. * 9. + 12.);
+  EXPECT_EQ(model.getDriftValueAtTarget(2, 0, NbgVector3D::Null, target), (4. + 3.) * 25. + 48.);
 }
 
 TEST(NgmDriftModel, ComesBackFromItsStream)

@@ -104,6 +104,12 @@ TEST(NgmVModel, SillMatricesNeedNonNegativeEigenvalues)
             QStringLiteral("NgmVModel::_addStructure: sills matrix must be positive definite"));
   EXPECT_EQ(errorOf([&] { model.addStructure(SPHERICAL, matrix2(1., 1. + 1e-14, 1.)); }),
             QStringLiteral("NgmVModel::_addStructure: sills matrix must be positive definite"));
+  NgmMatrix lopsided(2, 2, false);
+  lopsided.setIdentity();
+  lopsided.setElement(0, 1, 0.1);
+  EXPECT_TRUE(errorOf([&] {
+                model.addStructure(SPHERICAL, lopsided);
+              }).contains(QStringLiteral("Matrix is not currently symmetrical")));
   EXPECT_EQ(model.getNStructures(), 0);
   EXPECT_EQ(model.addStructure(SPHERICAL, matrix2(1., 0., 0.)), 0);
   EXPECT_EQ(model.addStructure(SPHERICAL, matrix2(0., 0., 0.)), 1);
@@ -480,6 +486,13 @@ TEST(NgmVModel, DamagedStreamsAreRefused)
   NgmVModel target(1);
   target.addStructure(EXPONENTIAL, 2.);
   test::fuzzSerialization(makeModel(), target);
+
+  // Structures whose parameters set things up.
+  NgmVModel other(1);
+  other.setContext(NgmModelContext(2, 3, 100.));
+  for (const char *label : {"Bessel-J", "Bessel-K", "Power", "Spline GC", "Exponential Cosine"})
+    other.addStructure(QString::fromLatin1(label), 1.);
+  test::fuzzSerialization(other, target);
 }
 
 TEST(NgmVModel, ScalesOfAllSizesKeepTheirBytes)

@@ -143,7 +143,8 @@ public:
   /// The first two coefficients are equal within 1e-10 (false in one dimension).
   bool isIsotropic2D() const { return _isotropic2D; }
 
-  /// Divides the scale by `d`.
+  /// Divides the scale by `d`, and nothing else: what depends on the ratio of field size and scale
+  /// stays, because lengths in another unit change both.
   void normalizeStructure(double d);
 
   /// Lines on ranges and rotation, each beginning with `prefix`.

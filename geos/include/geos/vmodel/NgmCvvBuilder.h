@@ -4,6 +4,7 @@
 #include "geos/matrix/NgmMatrix.h"
 
 #include <QList>
+#include <QVector>
 
 #include <memory>
 
@@ -29,6 +30,9 @@ public:
 
   /// The seeds of the tries are drawn from the generator of this seed.
   void setSeed(quint64 seed) { _seed = seed; }
+
+  /// The seeds of the tries, as many as there are.
+  QVector<qint64> getSeeds() const;
 
   const QList<NgmMatrix> &getCvv() const { return _cvv; }
   NgmMatrix getMeanCvv() const;

@@ -376,6 +376,8 @@ private:
   bool _isStructure(int index) const { return index >= 0 && index < getNStructures(); }
   bool _isVariable(int index) const { return index >= 0 && index < _nVariables; }
 
+  /// The number of variables; fails with `message` when a model cannot have as many.
+  static int _checkedNumber(int nVariables, const char *message);
   void _checkVariables(int i, int j) const;
 
   /// The structure to be changed, C00 being invalidated; fails with `message` when there is none.
