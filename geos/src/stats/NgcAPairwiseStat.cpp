@@ -21,7 +21,7 @@
 namespace {
 
 // More chunks cost more partial sums, fewer ones make buffers more uneven.
-constexpr qint64 N_CHUNKS = 64;
+constexpr qint64 N_CHUNKS = 32;
 constexpr qint64 SMALLEST_CHUNK = 16;
 
 int axisOfLargestExtent(const NgdADataSet &dataSet)

@@ -1,7 +1,9 @@
 #include "geos/stats/NgmVariogramExpData.h"
 
 #include "basic/base/NbbGlobal.h"
+#include "basic/data/NbdAVariableNumeric.h"
 #include "basic/geom/NbgAngle.h"
+#include "geos/stats/NgmPairsVariogramCloud.h"
 #include "support/Errors.h"
 #include "support/SerializationFuzz.h"
 
@@ -210,6 +212,27 @@ TEST(NgmVariogramExpData, ExtractingVariablesKeepsTheirTablesAndSills)
   EXPECT_EQ(data.getVarioPseudoSill(NgmEVarioExp::MADOGRAM, 1), 3.);
   EXPECT_EQ(data.getC00()(1, 1), 3.);
   EXPECT_NE(errorOf([&] { data.extractFromVariables({2}); }), QStringLiteral("nothing thrown"));
+}
+
+TEST(NgmVariogramExpData, CloudsBelongToDirectionsAndPairsOfVariables)
+{
+  NgmVariogramExpData data = makeData(2, true);
+  EXPECT_FALSE(data.hasVarioCloud());
+  EXPECT_NE(errorOf([&] { data.getCloudTable(0, false, 0, 0); }), QStringLiteral("nothing thrown"));
+  data.createCloudTables(false, true);
+  EXPECT_FALSE(data.hasVarioCloud());
+  NgmVariogramCloudDensity density;
+  density.initializeCloudDensity(3, 2, 0., 1., 0., 1.);
+  data.setVariogramCloudVariables(1, true, 1, 1, {{4., 2., 7, 9}});
+  data.setCloudDensity(1, true, 1, 1, density);
+  data.compressAllTables();
+  EXPECT_EQ(data.getCloudTable(1, true, 1, 1).toString(),
+            QStringLiteral("DISTANCE\tCOVARIANCE\tSample number of point 1\t"
+                           "Sample number of point 2\n2\t4\t7\t9\n"));
+  data.extractFromVariables({1});
+  EXPECT_EQ(data.getCloudVariable(1, true, 0, 0, Nbd::Role::SN2).getValue(0), 9.);
+  EXPECT_EQ(data.getCloudDensity(1, true, 0, 0).getNx(), 3);
+  EXPECT_TRUE(data.getCloudDensity(0, true, 0, 0).isEmpty());
 }
 
 TEST(NgmVariogramExpData, StreamsGiveBackTheSameResultsOrAreRefused)
