@@ -101,6 +101,21 @@ TEST(NgmVariogramExpData, TablesAreFoundByDirectionAndPairWhateverTheOrderOfTheP
                   [&] { simple.getVariogramData(0, 0, 1); });
 }
 
+TEST(NgmVariogramExpData, CopiesAreIndependent)
+{
+  const NgmVariogramExpData data = makeData(2, true);
+  NgmVariogramExpData copy = data;
+  const double values[] = {-1., -2.};
+  const long long nPairs[] = {7, 8};
+  copy.setDistances(0, false, 0, 1, 2, values);
+  copy.setNumberOfPairs(0, false, 0, 1, 2, nPairs);
+  copy.setVarioValues(0, Vario::VARIOGRAM, 0, 1, 2, values);
+  EXPECT_EQ(copy.getVarioColumn(0, Vario::VARIOGRAM, 0, 1), QVector<double>({-1., -2.}));
+  EXPECT_EQ(data.getVarioColumn(0, Vario::VARIOGRAM, 0, 1), QVector<double>({200., 201.}));
+  EXPECT_EQ(data.getDistances(0, false, 0, 1), QVector<double>({1., 11.}));
+  EXPECT_EQ(data.getNumberOfPairs(0, false, 0, 1), QVector<qint64>({5, 0}));
+}
+
 TEST(NgmVariogramExpData, LagsWithoutPairsAreMaskedButNotTheOriginOfCovariances)
 {
   NgmVariogramExpData data = makeData(1, true);
