@@ -228,6 +228,36 @@ TEST(NgcKrigingExt, CentresSamplesForDirectBlockKriging)
   EXPECT_EQ(gridValues(*targets, QStringLiteral("stdev")), deviations);
 }
 
+TEST(NgcKrigingExt, GivesTheWeightsOfSamplesThatItCentres)
+{
+  const Points points = makeSamples();
+  std::vector<bool> selected(nSamples);
+  for (std::size_t i = 0; i < selected.size(); ++i)
+    selected[i] = i % 4 != 1;
+  points->setSelectionId(points->addVariable(QStringLiteral("chosen"), selected));
+  const QString id = points->addEmptyVariableSimple(QStringLiteral("weight"), Nbd::TYPE_DOUBLE);
+  NgdDataSetPoints weights;
+  weights.setDataProvider(points);
+  weights.assignVariable(Nbd::Role::WEIGHT, id);
+  const Grid targets = makePlane(10);
+  NgcKrigingExt kriging(QStringLiteral("KRIGING"));
+  configure(kriging);
+  kriging.setBlockCorrectionCoefficient(0, 0.8);
+  kriging.setInputDataSet(input(points));
+  kriging.setOutputDataSet(output<NgdDataSetGrid>(targets));
+  kriging.setWeightsDataset(weights);
+  run(kriging);
+
+  points->setSelectionId(QString());
+  const std::vector<double> values = pointValues(points, "weight");
+  double sum = 0.;
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    ASSERT_EQ(NbbGlobal::isDefined(values[i]), selected[i]) << i;
+    sum += selected[i] ? values[i] : 0.;
+  }
+  EXPECT_NEAR(sum, 1., 1e-12);
+}
+
 TEST(NgcKrigingExt, RefusesWrongConfigurations)
 {
   const Points points = makeSamples();

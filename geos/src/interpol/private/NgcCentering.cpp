@@ -37,6 +37,17 @@ QString createLike(const NgdVariableDescriptor &descriptor, NbpMemoryProviderPoi
   return id;
 }
 
+/// Under the name that it has in `from`, by which data sets on the same samples are recognized.
+void setSelection(std::vector<bool> selected, const NbpIProviderR &from,
+                  NbpMemoryProviderPointsW &provider)
+{
+  NbdVariableDetails details;
+  if (from.getDetails(from.getSelectionId(), details))
+    provider.setSelectionId(provider.addVariable(details.getName(), std::move(selected)));
+  else
+    provider.setSelection(selected);
+}
+
 }  // namespace
 
 NgcCentering::NgcCentering() = default;
@@ -105,8 +116,8 @@ QSharedPointer<NbpMemoryProviderPointsW> NgcCentering::_createProvider(
     provider->addYVariable(std::move(y));
   if (nDimensions > 2)
     provider->addZVariable(std::move(z));
-  if (samples.getNSamples() < int(n))
-    provider->setSelection(selected);
+  if (input.getDataProvider()->hasSelection())
+    setSelection(std::move(selected), *input.getDataProvider(), *provider);
   return provider;
 }
 
@@ -136,6 +147,7 @@ void NgcCentering::_copyVariables(const NbdDataPoints &samples, NbpMemoryProvide
 {
   const NgdADataSet &input = *_getDataset(Nbd::Dataset::INPUT);
   QMap<QString, QString> copies;
+  copies.insert(input.getDataProvider()->getSelectionId(), provider.getSelectionId());
   for (const QString &role : input.getAllRoles()) {
     if (!isCopied(role))
       continue;
