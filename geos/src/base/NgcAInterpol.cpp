@@ -33,7 +33,7 @@ constexpr int everySamplePerSector = 99999999;
 /// Samples on the surface of a search ellipsoid are not selected.
 constexpr double fakeRadiusMargin = 1. + 1e-6;
 
-/// Half extent of a filter along an axis on which it lets everything pass.
+/// Extent of a filter along an axis on which it lets everything pass.
 constexpr double unbounded = 1e29;
 
 const QString weightsId = QStringLiteral("DS_WEIGHTS");
@@ -445,6 +445,8 @@ void NgcAInterpol::_checkSelection(const NgdADataSet &dataSet, const QString &da
 {
   const QSharedPointer<NbpIProviderR> input = getInputDataset()->getDataProvider();
   const QSharedPointer<NbpIProviderR> other = dataSet.getDataProvider();
+  if (!input || !other)
+    return;  // which the run tells when it opens the data sets
   if (input->hasSelection() != other->hasSelection())
     NBE_FAIL(QObject::tr(
                  "Selection definitions are not consistent between input dataset and %1 dataset.")
@@ -666,22 +668,40 @@ void NgcAInterpol::_prepareParcel()
 /// Only the samples in the cells of the parcel and within the extension around them are loaded.
 void NgcAInterpol::_setFilteringCuboid()
 {
+  NbgGeomCuboid cuboid = _getParcelCuboid();
+  cuboid.extend(_parcelExtension);
+  if (getOutputGridGeom().is2D()) {
+    const NbgVector3D size = cuboid.getSize();
+    cuboid.setSize({size.x(), size.y(), unbounded});
+  }
+  _getNeighborhood().setFilteringCuboid(cuboid);
+  _getNeighborhood().setUseFilteringCuboid(true);
+}
+
+NbgGeomCuboid NgcAInterpol::_getParcelCuboid() const
+{
   const NbgGeomGrid &grid = getOutputGridGeom();
   const NbgIntVector3D first = _parcels->getFirst();
   const NbgIntVector3D counts = _parcels->getCounts();
   NbgVector3D center;
   NbgVector3D size;
-  for (int axis = 0; axis < 3; ++axis) {
+  for (int axis = 0; axis < grid.getNDim(); ++axis) {
     const double cell = grid.getCellSize()[axis];
     center[axis] = (first[axis] + 0.5 * (counts[axis] - 1)) * cell;
-    size[axis] = counts[axis] * cell + 2. * _parcelExtension[axis];
-    if (axis >= grid.getNDim())
-      size[axis] = 2. * unbounded;
+    size[axis] = counts[axis] * cell;
   }
-  const NbgGeomCuboid cuboid(grid.getOriginCentered() + grid.getRotation().localToWorld(center),
-                             size, grid.getRotation());
-  _getNeighborhood().setFilteringCuboid(cuboid);
-  _getNeighborhood().setUseFilteringCuboid(true);
+  return NbgGeomCuboid(grid.getOriginCentered() + grid.getRotation().localToWorld(center), size,
+                       grid.getRotation());
+}
+
+NbgBox NgcAInterpol::_getTargetsBox() const
+{
+  if (_parcels)
+    return _getParcelCuboid().getBoundingBox();
+  NbgBox box;
+  if (getOutputDataset())
+    getOutputDataset()->updateBoundingBox(box);
+  return box;
 }
 
 void NgcAInterpol::_initBufferManager()

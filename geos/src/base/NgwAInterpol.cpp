@@ -5,6 +5,7 @@
 #include "basic/data/NbdValueConversion.h"
 #include "basic/data/NbdVariableAlpha.h"
 #include "basic/data/NbdVariableInt64.h"
+#include "basic/error/NbeException.h"
 #include "geos/data/NgdNeighborhoodContext.h"
 
 namespace {
@@ -76,6 +77,9 @@ void NgwAInterpol::_finalize() {}
 void NgwAInterpol::_checkForStop() const
 {
   _interpol._checkForProgressStop();
+  // Another worker has failed and has told why.
+  if (!_interpol._getPool().isOk())
+    throw NbeException();
 }
 
 void NgwAInterpol::_initializeNeighborhood(NgdNeighborhoodContext &context,

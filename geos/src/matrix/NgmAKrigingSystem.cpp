@@ -229,6 +229,7 @@ void NgmAKrigingSystem::_updateCompressedRows()
 void NgmAKrigingSystem::_buildLHS(const NgmVModel &model, const NgmKrigingSamples &samples,
                                   NgmVModelCovaCache *cache)
 {
+  _checkSamples(samples);
   NgmMatrix &lhs = _getLHSMatrix();
   model.calcAllCovas(samples.n, samples.x, samples.y, samples.z, lhs, cache);
   _findInvalidData(samples);
@@ -239,6 +240,12 @@ void NgmAKrigingSystem::_buildLHS(const NgmVModel &model, const NgmKrigingSample
   _setDriftPartLHS(samples, lhs);
   if (_isCompressed())
     _updateCompressedRows();
+}
+
+void NgmAKrigingSystem::_checkSamples(const NgmKrigingSamples &samples) const
+{
+  if (samples.n != _nSamples)
+    NBE_FAIL(QStringLiteral("samples.n == getNSamples()"));
 }
 
 void NgmAKrigingSystem::_findInvalidData(const NgmKrigingSamples &samples)
@@ -437,6 +444,7 @@ void NgmAKrigingSystem::_buildRHSPoint(const NgmVModel &model, const NbgVector3D
                                        const double *extDriftValuesAtTarget, NgmMatrix &rhs,
                                        NgmVModelCovaCache *cache) const
 {
+  _checkSamples(samples);
   model.calcCovasPointSet(target, samples.n, samples.x, samples.y, samples.z, rhs, cache);
   _correctRHS(rhs);
   if (_nUniversality > 0)
@@ -448,6 +456,7 @@ void NgmAKrigingSystem::_buildRHSBlock(const NgmVModel &model, const NgmTarget &
                                        const double *extDriftValuesAtTarget, NgmMatrix &rhs,
                                        NgmVModelCovaCache *cache) const
 {
+  _checkSamples(samples);
   target.getDiscretizationPoints(_blockPoints);
   model.calcCovasBlockSet(_blockPoints.size(), _blockPoints.constData(), samples.n, samples.x,
                           samples.y, samples.z, rhs, cache);
@@ -535,8 +544,15 @@ const double *const *NgmAKrigingSystem::Arrays::take(const QList<NbdAVariableNum
 {
   _resize(variables.size());
   for (int v = 0; v < variables.size(); ++v)
-    _pointers[std::size_t(v)] = toArray(*variables.at(v), _converted[std::size_t(v)]);
+    _pointers[std::size_t(v)] = _toArray(*variables.at(v), _converted[std::size_t(v)]);
   return variables.isEmpty() ? nullptr : _pointers.data();
+}
+
+const double *const *NgmAKrigingSystem::Arrays::take(const NbdAVariableNumeric &variable)
+{
+  _resize(1);
+  _pointers.front() = _toArray(variable, _converted.front());
+  return _pointers.data();
 }
 
 const double *const *NgmAKrigingSystem::Arrays::take(
@@ -545,13 +561,14 @@ const double *const *NgmAKrigingSystem::Arrays::take(
   _resize(size);
   for (int v = 0; v < size; ++v) {
     const NbdAVariableNumeric *variable = variables.value(v, nullptr);
-    _pointers[std::size_t(v)] = variable ? toArray(*variable, _converted[std::size_t(v)]) : nullptr;
+    _pointers[std::size_t(v)] =
+        variable ? _toArray(*variable, _converted[std::size_t(v)]) : nullptr;
   }
   return _pointers.data();
 }
 
-const double *NgmAKrigingSystem::Arrays::toArray(const NbdAVariableNumeric &variable,
-                                                 std::vector<double> &converted)
+const double *NgmAKrigingSystem::Arrays::_toArray(const NbdAVariableNumeric &variable,
+                                                  std::vector<double> &converted)
 {
   if (const auto *stored = dynamic_cast<const NbdVariableDouble *>(&variable))
     return stored->getArrayConst();
@@ -561,24 +578,35 @@ const double *NgmAKrigingSystem::Arrays::toArray(const NbdAVariableNumeric &vari
   return converted.data();
 }
 
-NgmKrigingSamples NgmAKrigingSystem::_toArrays(
-    const NbdVariableDouble &x, const NbdVariableDouble &y, const NbdVariableDouble &z,
-    const QList<NbdAVariableNumeric *> &dataVars,
-    const QList<NbdAVariableNumeric *> &extDriftVars) const
+NgmKrigingSamples NgmAKrigingSystem::_toArrays(const NbdVariableDouble &x,
+                                               const NbdVariableDouble &y,
+                                               const NbdVariableDouble &z)
 {
   NgmKrigingSamples samples;
   samples.n = x.getNValues();
   samples.x = x.getArrayConst();
   samples.y = y.getArrayConst();
   samples.z = z.getArrayConst();
-  samples.values = _values.take(dataVars);
-  samples.externalDrifts = _externalDrifts.take(extDriftVars);
   return samples;
 }
 
-const double *NgmAKrigingSystem::_valuesOf(const QVector<double> &values)
+NgmKrigingSamples NgmAKrigingSystem::_toArrays(
+    const NbdVariableDouble &x, const NbdVariableDouble &y, const NbdVariableDouble &z,
+    const QList<NbdAVariableNumeric *> &dataVars,
+    const QList<NbdAVariableNumeric *> &extDriftVars) const
 {
-  return values.isEmpty() ? nullptr : values.constData();
+  if (dataVars.size() != _nVariables)
+    NBE_FAIL(QStringLiteral("dataVars.size() == getNVariables()"));
+  NgmKrigingSamples samples = _toArrays(x, y, z);
+  samples.values = _values.take(dataVars);
+  if (extDriftVars.size() >= _countExternalDrifts())
+    samples.externalDrifts = _externalDrifts.take(extDriftVars);
+  return samples;
+}
+
+const double *NgmAKrigingSystem::_toArray(const QVector<double> &extDriftValues) const
+{
+  return extDriftValues.size() < _countExternalDrifts() ? nullptr : extDriftValues.constData();
 }
 
 // Results.
@@ -655,8 +683,7 @@ double NgmAKrigingSystem::krigingResult(const NbdAVariableNumeric &data) const
   _checkWeightsReady();
   if (_nVariables != 1)
     NBE_FAIL(QStringLiteral("getNVariables() == 1"));
-  const double *values = _values.take({const_cast<NbdAVariableNumeric *>(&data)})[0];
-  return Weights(*this, 0).estimate(&values);
+  return Weights(*this, 0).estimate(_values.take(data));
 }
 
 void NgmAKrigingSystem::krigingResults(const QList<NbdAVariableNumeric *> &dataVars,

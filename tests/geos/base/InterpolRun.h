@@ -82,6 +82,9 @@ public:
   /// Values to write to the input, by sample number of the target.
   std::function<QMap<qint64, QList<double>>(qint64, double)> inputWrite;
 
+  /// Roles of the output that the test of one target leaves out.
+  QStringList untestedRoles;
+
   /// A worker of another kind, for the test of one target.
   bool makesForeignWorkers = false;
 
@@ -90,12 +93,14 @@ public:
   int nPostLaunch = 0;
   int nBuffers = 0;
   int mostLoaded = 0;
+  std::vector<NbgBox> targetBoxes;
   bool usedMoving = false;
 
 protected:
   void _prepareRun() override
   {
     nPreLaunch = nPostLaunch = mostLoaded = 0;
+    targetBoxes.clear();
     NgcAInterpol::_prepareRun();
     usedMoving = isUsingMoving();
   }
@@ -110,9 +115,11 @@ protected:
   void _preLaunchThreads() override
   {
     ++nPreLaunch;
+    targetBoxes.push_back(_getTargetsBox());
     mostLoaded = std::max(mostLoaded, getAllInputData().getNSamples());
   }
   void _postLaunchThreads() override { ++nPostLaunch; }
+  void _prepareTestOutputDataSet(NgdADataSet &output) override { output.clearRoles(untestedRoles); }
   NgwAThread *_createComputingThread(NgwThreadPool *pool) override;
 
 private:

@@ -11,7 +11,9 @@
 #include "support/SampoutFile.h"
 
 #include <QMutex>
+#include <QThread>
 
+#include <atomic>
 #include <cmath>
 
 using namespace interpoltest;
@@ -172,6 +174,8 @@ TEST(NgcAInterpol, CutsAGridIntoParcels)
   // Only the samples in reach of a parcel are in memory.
   calculator.setParcelling({5, 5, 3}, {5., 5., 5.});
   expectCompleted(calculator);
+  EXPECT_EQ(calculator.targetBoxes[6].getLowerLeftCorner(), NbgVector3D(50., 50., 0.));
+  EXPECT_EQ(calculator.targetBoxes[6].getUpperRightCorner(), NbgVector3D(100., 100., 15.));
   EXPECT_GT(calculator.mostLoaded, 0);
   EXPECT_LT(calculator.mostLoaded, Study::nSamples / 8);
 }
@@ -704,6 +708,24 @@ TEST(NgcAInterpol, StopsAtTheFirstFailureWhenAsked)
   EXPECT_EQ(calculator.getNumberOfInterpolErrors(), 1);
   EXPECT_EQ(calculator.nPreLaunch, 1);
   EXPECT_EQ(calculator.nPostLaunch, 1);
+
+  // The other worker, in a buffer that holds the rest of the grid, does not go on to its end.
+  std::atomic<int> nTargets{0};
+  std::atomic<bool> failed{false};
+  calculator.samplesPerBuffer = 25 * 25 * 3 / 2;
+  calculator.failing = {1};
+  calculator.onTarget = [&](qint64 number) {
+    while (number != 1 && !failed)
+      QThread::yieldCurrentThread();
+    if (number == 1)
+      failed = true;
+    else
+      QThread::msleep(1);
+    ++nTargets;
+  };
+  EXPECT_EQ(calculator.execute(), NbcAProgress::FAILED);
+  EXPECT_TRUE(calculator.getErrorMessage().contains(QStringLiteral("Target 1 failed")));
+  EXPECT_LT(nTargets, 800);
 }
 
 TEST(NgcAInterpol, ReleasesAPassThatWasInterrupted)
@@ -775,8 +797,10 @@ TEST(NgcAInterpol, TestsOneTargetWithoutWriting)
   study.configure(calculator);
   calculator.setWeightsDataset(study.sampleOutput(Nbd::Role::WEIGHT, QStringLiteral("w")));
   calculator.setParcelling({10, 10, 3}, {0., 0., 0.});
+  calculator.untestedRoles << Nbd::Role::N;
   TestResult result;
   calculator.test(901, result);
+  EXPECT_FALSE(result.getTargetValues().getDataTableConst().hasRole(Nbd::Role::N));
   EXPECT_TRUE(result.hasResults());
   const double tested = result.estimate;
   EXPECT_EQ(result.getTargetSampleNumber(), 901);
@@ -794,7 +818,9 @@ TEST(NgcAInterpol, TestsOneTargetWithoutWriting)
     ASSERT_FALSE(NbbGlobal::isDefined(value));
   EXPECT_EQ(calculator.getState(), NbcAProgress::IDLE);
 
+  // The run is the same with the role again, and gives what was tested.
   expectCompleted(calculator);
+  EXPECT_TRUE(NbbGlobal::isDefined(selectedValuesOf(*study.grid, "count").front()));
   NbdVariableDouble stored;
   stored.resizeAndFill(1);
   study.grid->readVariable(study.grid->getIdFromName(QStringLiteral("estimate")), {900, 900},

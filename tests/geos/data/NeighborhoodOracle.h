@@ -628,7 +628,7 @@ inline void Configuration::_drawVolume()
   parameters.setIsRectangular(_oneIn(10));
   parameters.setRuleAnisotropicDistances(_draw(2) == 0);
   const int nSectors = _draw(2) ? 1 : 1 + _draw(8);
-  const int perSector = _oneIn(8) ? 300 : 1 + _draw(12);
+  const int perSector = _oneIn(8) ? 300 : 1 + _draw(_oneIn(3) ? 2 : 12);
   parameters.setSectors(nSectors, perSector, nDimensions == 3 && _oneIn(3));
   const int capacity = parameters.getSplittedSectorsNumber() * perSector;
   parameters.setRuleMinimumNumber(true, _draw(std::min(8, capacity + 1)));

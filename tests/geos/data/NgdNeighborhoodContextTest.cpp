@@ -201,6 +201,7 @@ TEST(NgdNeighborhoodContext, SelectsWhatTheRulesSay)
 {
   std::map<std::string, int> outcomes;
   qint64 nNearest = 0;
+  qint64 nNearestInSectors = 0;
   int nLevels = 0;
   for (std::uint64_t seed = 1; seed <= 4000; ++seed) {
     SCOPED_TRACE(seed);
@@ -222,6 +223,8 @@ TEST(NgdNeighborhoodContext, SelectsWhatTheRulesSay)
       nLevels += level > 0;
     }
     nNearest += context.getNNearestSearches();
+    if (configuration.parameters.getSplittedSectorsNumber() > 1)
+      nNearestInSectors += context.getNNearestSearches();
   }
   // Every outcome occurs, and both roads.
   EXPECT_EQ(outcomes.size(), 9u);
@@ -229,6 +232,7 @@ TEST(NgdNeighborhoodContext, SelectsWhatTheRulesSay)
     EXPECT_GT(count, 20) << key;
   EXPECT_GT(nLevels, 300);
   EXPECT_GT(nNearest, 2000);
+  EXPECT_GT(nNearestInSectors, 100);
 }
 
 TEST(NgdNeighborhoodContext, AnswersTheSameFromEightThreads)

@@ -3,6 +3,7 @@
 #include "basic/calc/NbcStatBasic.h"
 #include "basic/data/Nbd.h"
 #include "basic/geom/NbgBox.h"
+#include "basic/geom/NbgGeomCuboid.h"
 #include "basic/geom/NbgIntVector3D.h"
 #include "basic/geom/NbgVector3D.h"
 #include "geos/NgcEnumGlobal.h"
@@ -241,6 +242,9 @@ protected:
   /// Rank of the realization of the pass under way.
   int _getMacroRank() const { return _macroRank; }
 
+  /// Bounds the cells of the parcel under way, or the samples of the output without parcels.
+  NbgBox _getTargetsBox() const;
+
   /// Bytes that the loaded samples take.
   qint64 _getNeededMemory() const { return _neededMemory; }
 
@@ -264,6 +268,7 @@ private:
   bool _nextParcel();
   void _prepareParcel();
   void _setFilteringCuboid();
+  NbgGeomCuboid _getParcelCuboid() const;
   void _runParcel();
   void _runPass(int macroRank);
   int _getNPasses() const;

@@ -39,7 +39,8 @@ protected:
   /// Once, behind the last buffer, to hand in what was gathered. The weights follow by themselves.
   virtual void _finalize();
 
-  /// Throws the interruption when the calculator was asked to stop or has failed.
+  /// Throws the interruption when the calculator was asked to stop or has failed, or another worker
+  /// has.
   void _checkForStop() const;
 
   /// Targets are done: advances the progress when it is counted by sample.

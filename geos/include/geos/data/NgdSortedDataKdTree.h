@@ -67,6 +67,10 @@ public:
   void clear();
   int getNData() const;
 
+  /// Roughly how many samples a query within that squared distance in the frame would propose,
+  /// were they spread evenly over the box around them.
+  double estimateWithin(double squaredRadius) const;
+
   /// Proposes the samples nearest to `point` in the frame, at a squared distance up to
   /// `squaredRadius`, in no promised order: the `count` nearest of those with usable[rank] != 0
   /// (null: all), and every other one that rounding could make as near as the last of them.

@@ -16,9 +16,17 @@ constexpr double collocated = 1e-6;
 /// Beyond these numbers sorting all candidates is cheaper than keeping the best in order.
 constexpr int mostNearest = 512;
 constexpr int mostBestPerSector = 64;
+constexpr int mostPlaces = 65536;
 
 /// A filtered search for the nearest ends in a listing when it has to look at so many.
 constexpr int mostProposals = 4096;
+
+/// Nearest samples that fill the sectors of most targets, per place in a sector.
+constexpr int nearestPerPlace = 3;
+
+/// With sectors, listing is cheaper when the ellipsoid holds fewer than so many times the nearest
+/// asked for (measured).
+constexpr double cheapListing = 4.;
 
 bool isWithin(const NbgVector3D &offset, const NbgVector3D &halfExtents)
 {
@@ -76,10 +84,22 @@ void NgdNeighborhoodSearch::_prepareRoad()
   _hasPlainRules = !_looksAroundTarget && !_testsRejection && !_testsFaults && !_removesByCaps &&
                    !p.isRectangular();
   _keysFollowFrame = _keysAreAnisotropic || _volume->isUniform;
-  _takesNearest = _nSectors < 2 && !comparesCandidates && !_looksAroundTarget &&
-                  !p.isRectangular() && _volume->isSphereInFrame && _perSector <= mostNearest;
+  const bool canTakeNearest =
+      !comparesCandidates && !_looksAroundTarget && !p.isRectangular() && _volume->isSphereInFrame;
+  const qint64 capacity = qint64(_nSectors) * _perSector;
   _keepsBestPerSector = _nSectors >= 2 && !comparesCandidates && !additional.data &&
-                        _perSector > 0 && _perSector <= mostBestPerSector;
+                        _perSector > 0 && _perSector <= mostBestPerSector && capacity <= mostPlaces;
+  _takesNearest =
+      canTakeNearest && capacity <= mostNearest && (_nSectors < 2 || _keepsBestPerSector);
+  const int nOwn = _testsRejection ? 1 : 0;  // a rejected target is among the nearest
+  _fewestNearest = int(_nSectors < 2 ? capacity + 1 : nearestPerPlace * capacity) + nOwn;
+  _mostNearest = mostProposals;
+  if (_takesNearest && _nSectors > 1) {
+    // A sector that those do not fill is nearly empty as far as the ellipsoid reaches: asking for
+    // more seldom helps (measured).
+    const double estimate = _tree->estimateWithin(_volume->squaredReach);
+    _mostNearest = estimate >= cheapListing * _fewestNearest ? _fewestNearest : 0;
+  }
   _keepsAllThatFit = _nSectors < 2 && !comparesCandidates &&
                      !p.isRuleMaximumDistanceWithoutAnySample() && !p.isRuleMaximumEmptySectors() &&
                      !p.isRuleCutLarge() && !p.isRuleCutSmall();
@@ -110,6 +130,21 @@ const NgcENeighborhoodErrorCode &NgdNeighborhoodSearch::_parse()
 /// False when a sample was selected alone.
 bool NgdNeighborhoodSearch::_collect()
 {
+  _hasNearest = _takesNearest && _collectNearest();
+  if (!_hasNearest) {
+    _forgetCandidates();
+    if (!_collectAll())
+      return false;
+  }
+  if (additional.data && !_collectAdditional())
+    return false;
+  if (_keepsBestPerSector)
+    _mergeSectors();
+  return true;
+}
+
+void NgdNeighborhoodSearch::_forgetCandidates()
+{
   _nCandidates = 0;
   if (_keepsBestPerSector) {
     _candidates.resize(std::size_t(_nSectors) * _perSector);
@@ -119,51 +154,55 @@ bool NgdNeighborhoodSearch::_collect()
   } else {
     _candidates.clear();
   }
-  const bool goesOn = _takesNearest ? _collectNearest() : _collectAll();
-  if (!goesOn || (additional.data && !_collectAdditional()))
-    return false;
-  if (_keepsBestPerSector)
-    _mergeSectors();
-  return true;
 }
 
 /// The samples that filters leave of the nearest ones are the nearest of those that they leave of
-/// all: one more than is kept tells that the ellipsoid holds more than that.
+/// all: one more than is kept tells that the ellipsoid holds more than that, and full sectors hold
+/// their nearest. False when all candidates have to be seen.
 bool NgdNeighborhoodSearch::_collectNearest()
 {
-  for (int wanted = _perSector + 1; wanted <= mostProposals; wanted *= 4) {
-    if (_keysFollowFrame)
-      _tree->proposeNearest(_center, wanted, _volume->squaredReach, samples.usable.data(),
-                            _proposals);
-    else
-      _tree->proposeNearestUnscaled(_center, wanted, _volume->squaredReach, samples.usable.data(),
-                                    _proposals);
-    for (int i = 0; i < _proposals.count; ++i) {
-      const int rank = _proposals.ranks[i];
-      __builtin_prefetch(samples.x + rank);
-      __builtin_prefetch(samples.y + rank);
-      __builtin_prefetch(samples.z + rank);
-    }
-    bool isComplete = _proposals.count < wanted;
-    int nSurvivors = 0;
-    _candidates.clear();
-    _nCandidates = 0;
-    for (int i = 0; i < _proposals.count; ++i) {
-      const int rank = _proposals.ranks[i];
-      const NbgVector3D location(samples.x[rank], samples.y[rank], samples.z[rank]);
-      const _Verdict verdict =
-          _hasPlainRules ? _measurePlain(rank, location) : _measureWithRules(rank, location);
-      isComplete |= verdict == OUTSIDE && _keysFollowFrame;
-      nSurvivors += verdict == KEPT && i < wanted;
-    }
-    if (isComplete || nSurvivors > _perSector) {
+  for (int wanted = _fewestNearest; wanted <= _mostNearest; wanted *= 4) {
+    if (_measureNearest(wanted)) {
       ++_nNearest;
       return true;
     }
   }
-  _candidates.clear();
-  _nCandidates = 0;
-  return _collectAll();
+  return false;
+}
+
+/// Measures that many of the nearest samples; true when no other one can count.
+bool NgdNeighborhoodSearch::_measureNearest(int wanted)
+{
+  if (_keysFollowFrame)
+    _tree->proposeNearest(_center, wanted, _volume->squaredReach, samples.usable.data(),
+                          _proposals);
+  else
+    _tree->proposeNearestUnscaled(_center, wanted, _volume->squaredReach, samples.usable.data(),
+                                  _proposals);
+  for (int i = 0; i < _proposals.count; ++i) {
+    const int rank = _proposals.ranks[i];
+    __builtin_prefetch(samples.x + rank);
+    __builtin_prefetch(samples.y + rank);
+    __builtin_prefetch(samples.z + rank);
+  }
+  bool isComplete = _proposals.count < wanted;
+  _forgetCandidates();
+  for (int i = 0; i < _proposals.count; ++i) {
+    // Behind those wanted stand the ones that may tie with the last of them.
+    if (i == wanted)
+      isComplete |= _hasEnough();
+    const int rank = _proposals.ranks[i];
+    const NbgVector3D location(samples.x[rank], samples.y[rank], samples.z[rank]);
+    const _Verdict verdict =
+        _hasPlainRules ? _measurePlain(rank, location) : _measureWithRules(rank, location);
+    isComplete |= verdict == OUTSIDE && _keysFollowFrame;
+  }
+  return isComplete || (_proposals.count == wanted && _hasEnough());
+}
+
+bool NgdNeighborhoodSearch::_hasEnough() const
+{
+  return _nSectors > 1 ? _nFullBest == _nSectors : _nCandidates > _perSector;
 }
 
 bool NgdNeighborhoodSearch::_collectAll()
@@ -440,7 +479,7 @@ void NgdNeighborhoodSearch::_mergeSectors()
 
 void NgdNeighborhoodSearch::_sort()
 {
-  if (!_takesNearest || additional.data) {
+  if (!_hasNearest || _nSectors > 1 || additional.data) {
     std::sort(_candidates.begin(), _candidates.end(), _isBefore);
     return;
   }

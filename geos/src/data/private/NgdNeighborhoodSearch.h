@@ -135,7 +135,10 @@ private:
   void _prepareRoad();
   const NgcENeighborhoodErrorCode &_parse();
   bool _collect();
+  void _forgetCandidates();
   bool _collectNearest();
+  bool _measureNearest(int wanted);
+  bool _hasEnough() const;
   bool _collectAll();
   bool _collectAdditional();
   void _keepNearestAdditional(std::size_t first);
@@ -186,13 +189,16 @@ private:
   bool _testsFaults = false;
   bool _testsCodes = false;
   bool _removesByCaps = false;
-  bool _looksAroundTarget = false;   ///< proximity or block rules
-  bool _hasPlainRules = false;       ///< nothing but distance decides on a candidate
-  bool _keysFollowFrame = false;     ///< sorting distances have the order of those in the index
-  bool _takesNearest = false;        ///< the nearest candidates are enough
+  bool _looksAroundTarget = false;  ///< proximity or block rules
+  bool _hasPlainRules = false;      ///< nothing but distance decides on a candidate
+  bool _keysFollowFrame = false;    ///< sorting distances have the order of those in the index
+  bool _takesNearest = false;       ///< the nearest samples may be enough
+  int _fewestNearest = 1;           ///< how many of them are asked for at first, and at most
+  int _mostNearest = 1;
   bool _keepsBestPerSector = false;  ///< the nearest candidates of each sector are enough
   bool _keepsAllThatFit = false;     ///< no rule asks for an order of candidates
 
+  bool _hasNearest = false;  ///< candidates are the nearest that the index proposed
   NgdSortedDataKdTree::Proposals _proposals;
   QVector<int> _additionalPositions;
   std::vector<_Candidate> _candidates;

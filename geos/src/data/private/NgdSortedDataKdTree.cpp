@@ -268,6 +268,9 @@ public:
   virtual ~Index() = default;
   virtual int count() const = 0;
 
+  /// Volume of the box around the points.
+  virtual double boxVolume() const = 0;
+
   /// Rank of the sample at each position of the index.
   virtual const unsigned *order() const = 0;
   virtual void nearest(const double *point, NearestSet &set) const = 0;
@@ -293,6 +296,13 @@ public:
 
   const unsigned *order() const override { return _order.data(); }
   int count() const override { return int(_cloud.kdtree_get_point_count()); }
+  double boxVolume() const override
+  {
+    double volume = count() > 0 ? 1. : 0.;
+    for (int axis = 0; axis < nDim && count() > 0; ++axis)
+      volume *= boxOf(_tree)[axis].high - boxOf(_tree)[axis].low;
+    return volume;
+  }
   void nearest(const double *point, NearestSet &set) const override
   {
     _tree.findNeighbors(set, point, nanoflann::SearchParams());
@@ -443,6 +453,16 @@ void NgdSortedDataKdTree::clear()
 int NgdSortedDataKdTree::getNData() const
 {
   return _index ? _index->count() : 0;
+}
+
+double NgdSortedDataKdTree::estimateWithin(double squaredRadius) const
+{
+  if (!_index)
+    return 0.;
+  static constexpr double unitBalls[] = {2., M_PI, 4. / 3. * M_PI};
+  const double ball = unitBalls[_nDimensions - 1] * std::pow(squaredRadius, 0.5 * _nDimensions);
+  const double volume = _index->boxVolume();
+  return getNData() * (ball < volume ? ball / volume : 1.);
 }
 
 void NgdSortedDataKdTree::proposeNearest(const NbgVector3D &point, int count, double squaredRadius,
