@@ -229,6 +229,7 @@ void NgmAKrigingSystem::_updateCompressedRows()
 void NgmAKrigingSystem::_buildLHS(const NgmVModel &model, const NgmKrigingSamples &samples,
                                   NgmVModelCovaCache *cache)
 {
+  _checkSamples(samples);
   NgmMatrix &lhs = _getLHSMatrix();
   model.calcAllCovas(samples.n, samples.x, samples.y, samples.z, lhs, cache);
   _findInvalidData(samples);
@@ -239,6 +240,12 @@ void NgmAKrigingSystem::_buildLHS(const NgmVModel &model, const NgmKrigingSample
   _setDriftPartLHS(samples, lhs);
   if (_isCompressed())
     _updateCompressedRows();
+}
+
+void NgmAKrigingSystem::_checkSamples(const NgmKrigingSamples &samples) const
+{
+  if (samples.n != _nSamples)
+    NBE_FAIL(QStringLiteral("samples.n == getNSamples()"));
 }
 
 void NgmAKrigingSystem::_findInvalidData(const NgmKrigingSamples &samples)
@@ -437,6 +444,7 @@ void NgmAKrigingSystem::_buildRHSPoint(const NgmVModel &model, const NbgVector3D
                                        const double *extDriftValuesAtTarget, NgmMatrix &rhs,
                                        NgmVModelCovaCache *cache) const
 {
+  _checkSamples(samples);
   model.calcCovasPointSet(target, samples.n, samples.x, samples.y, samples.z, rhs, cache);
   _correctRHS(rhs);
   if (_nUniversality > 0)
@@ -448,6 +456,7 @@ void NgmAKrigingSystem::_buildRHSBlock(const NgmVModel &model, const NgmTarget &
                                        const double *extDriftValuesAtTarget, NgmMatrix &rhs,
                                        NgmVModelCovaCache *cache) const
 {
+  _checkSamples(samples);
   target.getDiscretizationPoints(_blockPoints);
   model.calcCovasBlockSet(_blockPoints.size(), _blockPoints.constData(), samples.n, samples.x,
                           samples.y, samples.z, rhs, cache);
@@ -569,24 +578,35 @@ const double *NgmAKrigingSystem::Arrays::_toArray(const NbdAVariableNumeric &var
   return converted.data();
 }
 
-NgmKrigingSamples NgmAKrigingSystem::_toArrays(
-    const NbdVariableDouble &x, const NbdVariableDouble &y, const NbdVariableDouble &z,
-    const QList<NbdAVariableNumeric *> &dataVars,
-    const QList<NbdAVariableNumeric *> &extDriftVars) const
+NgmKrigingSamples NgmAKrigingSystem::_toArrays(const NbdVariableDouble &x,
+                                               const NbdVariableDouble &y,
+                                               const NbdVariableDouble &z)
 {
   NgmKrigingSamples samples;
   samples.n = x.getNValues();
   samples.x = x.getArrayConst();
   samples.y = y.getArrayConst();
   samples.z = z.getArrayConst();
-  samples.values = _values.take(dataVars);
-  samples.externalDrifts = _externalDrifts.take(extDriftVars);
   return samples;
 }
 
-const double *NgmAKrigingSystem::_valuesOf(const QVector<double> &values)
+NgmKrigingSamples NgmAKrigingSystem::_toArrays(
+    const NbdVariableDouble &x, const NbdVariableDouble &y, const NbdVariableDouble &z,
+    const QList<NbdAVariableNumeric *> &dataVars,
+    const QList<NbdAVariableNumeric *> &extDriftVars) const
 {
-  return values.isEmpty() ? nullptr : values.constData();
+  if (dataVars.size() != _nVariables)
+    NBE_FAIL(QStringLiteral("dataVars.size() == getNVariables()"));
+  NgmKrigingSamples samples = _toArrays(x, y, z);
+  samples.values = _values.take(dataVars);
+  if (extDriftVars.size() >= _countExternalDrifts())
+    samples.externalDrifts = _externalDrifts.take(extDriftVars);
+  return samples;
+}
+
+const double *NgmAKrigingSystem::_toArray(const QVector<double> &extDriftValues) const
+{
+  return extDriftValues.size() < _countExternalDrifts() ? nullptr : extDriftValues.constData();
 }
 
 // Results.

@@ -3,6 +3,7 @@
 #include "basic/base/NbbGlobal.h"
 #include "basic/data/NbdVariableDouble.h"
 #include "basic/data/NbdVariableInt32.h"
+#include "basic/error/NbeAssertion.h"
 #include "geos/interpol/NgmTarget.h"
 
 NgmKrigingSystem::NgmKrigingSystem() : NgmKrigingSystem(1, false, false, 0) {}
@@ -70,7 +71,7 @@ void NgmKrigingSystem::buildSystem(const NgmVModel &model, const NbdVariableDoub
                                    NgmVModelCovaCache *cache)
 {
   buildSystem(model, _toArrays(x, y, z, dataVars, extDriftVars), target, cache,
-              _valuesOf(extDriftValuesAtTarget));
+              _toArray(extDriftValuesAtTarget));
 }
 
 void NgmKrigingSystem::buildSystem(const NgmVModel &model, const NgmKrigingSamples &samples,
@@ -103,8 +104,7 @@ void NgmKrigingSystem::buildSystemRHS(const NgmVModel &model, const NbdVariableD
                                       const QVector<double> &extDriftValuesAtTarget,
                                       NgmVModelCovaCache *cache)
 {
-  buildSystemRHS(model, _toArrays(x, y, z, {}, {}), target, cache,
-                 _valuesOf(extDriftValuesAtTarget));
+  buildSystemRHS(model, _toArrays(x, y, z), target, cache, _toArray(extDriftValuesAtTarget));
 }
 
 void NgmKrigingSystem::buildSystemRHS(const NgmVModel &model, const NgmKrigingSamples &samples,
@@ -138,7 +138,7 @@ void NgmKrigingSystem::buildSystemBlock(const NgmVModel &model, const NbdVariabl
                                         NgmVModelCovaCache *cache)
 {
   buildSystemBlock(model, _toArrays(x, y, z, dataVars, extDriftVars), target, cache,
-                   _valuesOf(extDriftValuesAtTarget));
+                   _toArray(extDriftValuesAtTarget));
 }
 
 void NgmKrigingSystem::buildSystemBlock(const NgmVModel &model, const NgmKrigingSamples &samples,
@@ -159,7 +159,7 @@ void NgmKrigingSystem::buildSystemFiltered(const NgmVModel &model, const NgmVMod
                                            NgmVModelCovaCache *cache)
 {
   buildSystemFiltered(model, filteredModel, _toArrays(x, y, z, dataVars, extDriftVars), target,
-                      cache, _valuesOf(extDriftValuesAtTarget));
+                      cache, _toArray(extDriftValuesAtTarget));
 }
 
 void NgmKrigingSystem::buildSystemFiltered(const NgmVModel &model, const NgmVModel &filteredModel,
@@ -180,13 +180,15 @@ void NgmKrigingSystem::buildSystemMisties(
     const QList<NbdAVariableNumeric *> &extDriftVars, const QVector<double> &extDriftValuesAtTarget,
     NgmVModelCovaCache *cache)
 {
+  if (groups.getNValues() != x.getNValues())
+    NBE_FAIL(QStringLiteral("groups.getNValues() == x.getNValues()"));
   const NgmKrigingSamples samples = _toArrays(x, y, z, dataVars, extDriftVars);
   resetSystem(samples.n, target.getCenter());
   if (samples.n > 0) {
     _buildLHS(model, samples, cache);
     _addMisties(defaultCorrection, corrections, groups);
   }
-  _buildRHS(model, samples, target, false, cache, _valuesOf(extDriftValuesAtTarget));
+  _buildRHS(model, samples, target, false, cache, _toArray(extDriftValuesAtTarget));
 }
 
 void NgmKrigingSystem::_addMisties(const NgmMatrix &defaultCorrection,

@@ -73,8 +73,8 @@ double norm(const NgmMatrix &matrix)
   return largest;
 }
 
-/// Inverts; false when the matrix is singular or no digit of the inverse would be right.
-bool invertScaled(const NgmMatrix &matrix, int nData, int nThreads, NgmMatrix &inverse)
+/// Inverts; returns the product of the norms of both matrices, or infinity for a singular one.
+double invertScaled(const NgmMatrix &matrix, int nData, int nThreads, NgmMatrix &inverse)
 {
   const std::vector<double> scales = scalesOf(matrix, nData);
   const bool scaled = std::any_of(scales.begin(), scales.end(), [](double s) { return s != 1.; });
@@ -82,11 +82,11 @@ bool invertScaled(const NgmMatrix &matrix, int nData, int nThreads, NgmMatrix &i
   if (scaled)
     scaleMatrix(scales, work);
   if (work.invert(inverse, nThreads) != 0)
-    return false;
+    return std::numeric_limits<double>::infinity();
   const double condition = norm(work) * norm(inverse);
   if (scaled)
     scaleMatrix(scales, inverse);
-  return condition * std::numeric_limits<double>::epsilon() < 1.;
+  return condition;
 }
 
 }  // namespace
@@ -181,7 +181,11 @@ void NgmKrigingSystemDual::_solve(const NgmKrigingSamples &samples, int nThreads
 
 void NgmKrigingSystemDual::_computeInverse(int nThreads) const
 {
-  if (!invertScaled(_lhs, getNValidDataEquations(), nThreads, _inverse))
+  const double condition = invertScaled(_lhs, getNValidDataEquations(), nThreads, _inverse);
+  // Where there is a factor it has been judged already; here no digit would be right.
+  const double largest =
+      _factor ? std::numeric_limits<double>::max() : 1. / std::numeric_limits<double>::epsilon();
+  if (!(condition < largest))
     throw NbeUserError(QObject::tr("Inversion errors have been encountered"));
   _inverted = true;
 }

@@ -148,8 +148,7 @@ void NgmKrigingSystemDualContext::preparRHSPoint(const NgmTarget &target, const 
                                                  const QVector<double> &extDriftValuesAtTarget,
                                                  NgmVModelCovaCache *cache)
 {
-  preparRHSPoint(target, model, _toArrays(x, y, z, {}, {}), cache,
-                 _valuesOf(extDriftValuesAtTarget));
+  preparRHSPoint(target, model, _toArrays(x, y, z), cache, _toArray(extDriftValuesAtTarget));
 }
 
 void NgmKrigingSystemDualContext::preparRHSPoint(const NgmTarget &target, const NgmVModel &model,
@@ -167,8 +166,7 @@ void NgmKrigingSystemDualContext::preparRHSBlock(const NgmTarget &target, const 
                                                  const QVector<double> &extDriftValuesAtTarget,
                                                  NgmVModelCovaCache *cache)
 {
-  preparRHSBlock(target, model, _toArrays(x, y, z, {}, {}), cache,
-                 _valuesOf(extDriftValuesAtTarget));
+  preparRHSBlock(target, model, _toArrays(x, y, z), cache, _toArray(extDriftValuesAtTarget));
 }
 
 void NgmKrigingSystemDualContext::preparRHSBlock(const NgmTarget &target, const NgmVModel &model,
@@ -184,8 +182,8 @@ void NgmKrigingSystemDualContext::krigingResultsPoint(
     const NbdVariableDouble &y, const NbdVariableDouble &z, QVector<double> &out,
     const QVector<double> &extDriftValuesAtTarget, NgmVModelCovaCache *cache)
 {
-  krigingResultsPoint(target, model, _toArrays(x, y, z, {}, {}), out, cache,
-                      _valuesOf(extDriftValuesAtTarget));
+  krigingResultsPoint(target, model, _toArrays(x, y, z), out, cache,
+                      _toArray(extDriftValuesAtTarget));
 }
 
 void NgmKrigingSystemDualContext::krigingResultsPoint(
@@ -202,8 +200,8 @@ void NgmKrigingSystemDualContext::krigingResultsBlock(
     const NbdVariableDouble &y, const NbdVariableDouble &z, QVector<double> &out,
     const QVector<double> &extDriftValuesAtTarget, NgmVModelCovaCache *cache)
 {
-  krigingResultsBlock(target, model, _toArrays(x, y, z, {}, {}), out, cache,
-                      _valuesOf(extDriftValuesAtTarget));
+  krigingResultsBlock(target, model, _toArrays(x, y, z), out, cache,
+                      _toArray(extDriftValuesAtTarget));
 }
 
 void NgmKrigingSystemDualContext::krigingResultsBlock(
@@ -266,8 +264,8 @@ bool NgmKrigingSystemDualContext::krigingResultsPointCollocated(
     const NbdVariableDouble &y, const NbdVariableDouble &z, const QMap<int, double> &collocated,
     QVector<double> &out, const QVector<double> &extDriftValuesAtTarget, NgmVModelCovaCache *cache)
 {
-  return krigingResultsPointCollocated(target, model, _toArrays(x, y, z, {}, {}), collocated, out,
-                                       cache, _valuesOf(extDriftValuesAtTarget));
+  return krigingResultsPointCollocated(target, model, _toArrays(x, y, z), collocated, out, cache,
+                                       _toArray(extDriftValuesAtTarget));
 }
 
 bool NgmKrigingSystemDualContext::krigingResultsPointCollocated(

@@ -1016,6 +1016,23 @@ TEST(NgmAKrigingSystem, ErrorTexts)
          tooSmall.resetSystem(14, targetPoint);
          tooSmall.buildSystem(variant.model, arrays, variant.target, nullptr);
        }},
+      {"other samples", NbeError::PROGRAMMING,
+       assertion("NgmAKrigingSystem", "samples.n == getNSamples()"),
+       [&] {
+         system.resetSystem(13, targetPoint);
+         system.buildSystem(variant.model, arrays, variant.target, nullptr);
+       }},
+      {"fewer drift variables than terms", NbeError::PROGRAMMING,
+       assertion("NgmAKrigingSystem", "No drift variable found."),
+       [&] {
+         NbdVariableDouble x, y, z, value;
+         x.setVector(variant.samples.x());
+         y.setVector(variant.samples.y());
+         z.setVector(std::vector<double>(14, 0.));
+         value.setVector(variant.samples.values(0));
+         system.resetSystem(14, targetPoint);
+         system.buildSystem(variant.model, x, y, z, {}, variant.target, {&value}, {}, nullptr);
+       }},
       {"correlations of another size", NbeError::PROGRAMMING,
        assertion("NgmAKrigingSystem", "correlations.getNRows() == getNVariables()"),
        [&] { system.setPointGaussianCorrelation(NgmMatrix(2, 2, true)); }},

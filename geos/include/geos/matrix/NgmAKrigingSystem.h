@@ -243,15 +243,17 @@ protected:
   void _checkWeightsReady() const;
   [[noreturn]] static void _failWeightsNotReady();
 
-  /// Coordinates and values as plain arrays; values that are not stored as doubles are converted.
-  /// The arrays hold until the next call and as long as the variables.
+  /// Coordinates as plain arrays; with values too, those that are not stored as doubles being
+  /// converted. The arrays hold until the next call and as long as the variables.
+  static NgmKrigingSamples _toArrays(const NbdVariableDouble &x, const NbdVariableDouble &y,
+                                     const NbdVariableDouble &z);
   NgmKrigingSamples _toArrays(const NbdVariableDouble &x, const NbdVariableDouble &y,
                               const NbdVariableDouble &z,
                               const QList<NbdAVariableNumeric *> &dataVars,
                               const QList<NbdAVariableNumeric *> &extDriftVars) const;
 
-  /// The values as an array, or null when there is none.
-  static const double *_valuesOf(const QVector<double> &values);
+  /// External drift values as an array, or null when some are missing.
+  const double *_toArray(const QVector<double> &extDriftValues) const;
 
 private:
   class Weights;
@@ -280,6 +282,7 @@ private:
     std::vector<std::vector<double>> _converted;
   };
 
+  void _checkSamples(const NgmKrigingSamples &samples) const;
   void _invalidateEquation(int equation);
   void _findInvalidData(const NgmKrigingSamples &samples);
   void _correctForBlocks(NgmMatrix &lhs) const;

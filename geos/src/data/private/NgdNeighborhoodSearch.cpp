@@ -91,7 +91,8 @@ void NgdNeighborhoodSearch::_prepareRoad()
                         _perSector > 0 && _perSector <= mostBestPerSector && capacity <= mostPlaces;
   _takesNearest =
       canTakeNearest && capacity <= mostNearest && (_nSectors < 2 || _keepsBestPerSector);
-  _fewestNearest = int(_nSectors < 2 ? capacity + 1 : nearestPerPlace * capacity);
+  const int nOwn = _testsRejection ? 1 : 0;  // a rejected target is among the nearest
+  _fewestNearest = int(_nSectors < 2 ? capacity + 1 : nearestPerPlace * capacity) + nOwn;
   _mostNearest = mostProposals;
   if (_takesNearest && _nSectors > 1) {
     // A sector that those do not fill is nearly empty as far as the ellipsoid reaches: asking for
