@@ -301,9 +301,7 @@ void NgcAKriging::_buildUniqueKrigingSystem()
   const NbdDataPoints &data = getAllInputData();
   const int n = data.getNSamples();
   if (n == 0) {
-    NbgBox targets;
-    getOutputDataset()->updateBoundingBox(targets);
-    warnOfMissingData(targets, getOutputDataset()->getNDimensions());
+    warnOfMissingData(_getTargetsBox(), getOutputDataset()->getNDimensions());
     return;
   }
   NgcKrigingNeighbors neighbors(*this);

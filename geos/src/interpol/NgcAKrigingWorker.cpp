@@ -32,7 +32,9 @@ void NgcAKriging::Worker::_initialize()
   const NbdDataPoints &data = _kriging.getAllInputData();
   const QList<NbdAVariableNumeric *> variables =
       data.getDataTableConst().getVarsNumeric(Nbd::Role::V);
-  if (std::all_of(variables.begin(), variables.end(),
+  // A parcel may be without samples, beyond the reach of the others.
+  if (!_kriging.isParcelling() &&
+      std::all_of(variables.begin(), variables.end(),
                   [](const NbdAVariableNumeric *variable) { return variable->getNDefined() == 0; }))
     NBE_FAIL(QObject::tr("No defined sample in the input file"));
   if (_getTestResult())

@@ -9,6 +9,8 @@
 
 void NgcAKriging::Worker::_initializeUnique()
 {
+  if (!_kriging.getKrigingSystemDual())
+    return;
   _Parts &parts = *_parts;
   const NbdDataPoints &data = _kriging.getAllInputData();
   parts.samples = &parts.neighbors.take(data.getNSamples(), nullptr);
@@ -20,6 +22,10 @@ void NgcAKriging::Worker::_initializeUnique()
 
 void NgcAKriging::Worker::_krigeUnique(NbdAData &buffer)
 {
+  if (!_parts->uniqueSolver) {
+    _countTargets(buffer.getNSelected());
+    return;
+  }
   NgcKrigingUniqueSolver &solver = *_parts->uniqueSolver;
   solver.clear();
   for (const int position : buffer.getSelectedPositions()) {
