@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -90,7 +91,8 @@ NgmVarioMap::NgmVarioMap(int nrho, int ntheta, int nphi, const NbgVector3D &maxA
       _cosHalfClass(std::cos(M_PI / 2. / ntheta)),
       _sinHalfClass(std::sin(M_PI / 2. / ntheta))
 {
-  if (nrho < 1 || ntheta < 1 || nphi < 1 || nvar < 1 ||
+  const double nCells = double(nrho) * ntheta * nphi;
+  if (nrho < 1 || ntheta < 1 || nphi < 1 || nvar < 1 || nCells > std::numeric_limits<int>::max() ||
       !(maxAxes.x() > 0. && maxAxes.y() > 0. && maxAxes.z() > 0.))
     NBE_FAIL(QStringLiteral("NgmVarioMap: invalid arguments"));
   _cosTheta = centreCosines(ntheta);

@@ -175,6 +175,22 @@ TEST(NgcVariogram, ResultsDoNotDependOnThreadsToTheLastBit)
   }
 }
 
+TEST(NgcVariogram, ASmallMemoryBudgetChangesRoundingOnly)
+{
+  const Data data = randomData(70, 1, false);
+  const NgmVariogramExp request = allCurves(ownSectors(false), 1);
+  NgcVariogram calculator(Nbd::Role::V);
+  prepare(calculator, data, request);
+  calculator.setAvailableMemBytes(500);
+  calculator.execute();
+  ASSERT_TRUE(calculator.isCompleted()) << qPrintable(calculator.getErrorMessage());
+  EXPECT_GT(calculator.getCounterMax(), 28);  // at least seven buffers
+  const std::vector<double> expected = allNumbers(compute(data, request));
+  const std::vector<double> actual = allNumbers(calculator.getResults());
+  for (std::size_t k = 0; k < expected.size(); ++k)
+    EXPECT_NEAR(actual[k], expected[k], 1e-10 * (1. + std::fabs(expected[k])));
+}
+
 TEST(NgcVariogram, BuffersFollowThreadsAndTheLargestExtent)
 {
   class Calculator : public NgcVariogram
