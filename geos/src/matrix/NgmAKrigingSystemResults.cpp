@@ -217,7 +217,7 @@ void NgmAKrigingSystem::computeVarianceOfEstimates(QVector<double> &out) const
   _checkWeightsReady();
   out.resize(_nVariables);
   for (int t = 0; t < _nVariables; ++t)
-    out[t] = std::max(0., _covarianceOfEstimates(t, t));
+    out[t] = floorVariance(_covarianceOfEstimates(t, t));
 }
 
 void NgmAKrigingSystem::computeCovarianceZ1StarZStar(int v, QVector<double> &out) const
