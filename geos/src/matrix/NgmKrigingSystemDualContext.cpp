@@ -618,7 +618,7 @@ void NgmKrigingSystemDualContext::computeBatchVariances(const double *c00, doubl
   _dual._factor->quadraticForms(_batchRHS.data(), padColumns(nColumns), _leadingDimension,
                                 _batchWork(), _batchForms.data());
   for (int c = 0; c < nColumns; ++c)
-    out[c] = std::max(0., c00[c] - _batchForms[std::size_t(c)]);
+    out[c] = floorVariance(c00[c] - _batchForms[std::size_t(c)]);
 }
 
 void NgmKrigingSystemDualContext::setCurrentTarget(int k)

@@ -311,7 +311,7 @@ private:
   NgmDriftModel _driftModel;
   NgmExtDriftModel _extDriftModel;
   NbgVector3D _referencePoint;
-  QMap<int, double> _blockCorrections;
+  std::vector<double> _blockCorrections;
   NgmMatrix _pointCorrelations;
   bool _rescaled;
   bool _filterDrifts;
