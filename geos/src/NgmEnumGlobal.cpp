@@ -85,3 +85,18 @@ NGC_KEYED_ENUM_ITEM(NgmEVarioExp, VARIOGRAM_CROSS_OVER_SQRT_SIMPLE,
 NGC_KEYED_ENUM_ITEM(NgmEVarioExp, VARIOGRAM_OVER_MADOGRAM, QObject::tr("Variogram/Madogram"))
 NGC_KEYED_ENUM_ITEM(NgmEVarioExp, SQRT_VARIOGRAM_OVER_MADOGRAM,
                     QObject::tr("Sqrt(variogram)/madogram"))
+
+bool NgmEDirectionGroupName::isMultidirectional() const
+{
+  switch (toEnum()) {
+    case EValue::OMNIDIRECTIONAL:
+    case EValue::VERTICAL:
+    case EValue::NORMAL:
+    case EValue::U:
+    case EValue::V:
+    case EValue::W:
+      return false;
+    default:
+      return true;
+  }
+}

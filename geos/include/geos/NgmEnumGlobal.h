@@ -50,6 +50,9 @@ class NgmEDirectionGroupName final : public NgcAKeyedEnum<NgmEDirectionGroupName
     W = 13
   };
 
+  /// Whether the group may hold several directions.
+  bool isMultidirectional() const;
+
   static const NgmEDirectionGroupName ALL_DIRECTIONS;
   static const NgmEDirectionGroupName OMNIDIRECTIONAL;
   static const NgmEDirectionGroupName HORIZONTAL;

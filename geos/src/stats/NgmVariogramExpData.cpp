@@ -4,6 +4,7 @@
 #include "basic/data/NbdVariableDouble.h"
 #include "basic/data/NbdVariableInt64.h"
 #include "basic/error/NbeAssertion.h"
+#include "geos/stats/NgmPairsVariogramCloud.h"
 
 #include <QDataStream>
 #include <QObject>
@@ -94,6 +95,8 @@ void NgmVariogramExpData::clearResults()
 {
   _varios.clear();
   _covas.clear();
+  _varioClouds.clear();
+  _covaClouds.clear();
   _varioSills.clear();
   _covaSills.clear();
   _c00 = NgmMatrix();
@@ -435,6 +438,104 @@ QStringList NgmVariogramExpData::getCurveNames() const
   return names;
 }
 
+void NgmVariogramExpData::compressAllTables()
+{
+  QList<const NbdDataTable *> tables;
+  for (const QList<NbdDataTable> *all : {&_varios, &_covas}) {
+    for (const NbdDataTable &table : *all)
+      tables << &table;
+  }
+  for (const QList<_Cloud> *all : {&_varioClouds, &_covaClouds}) {
+    for (const _Cloud &cloud : *all)
+      tables << &cloud.table;
+  }
+  for (const NbdDataTable *table : qAsConst(tables)) {
+    for (NbdAVariable *variable : table->getAllVars())
+      variable->squeeze();
+  }
+}
+
+// Clouds.
+
+QString NgmVariogramExpData::getCloudValueRole(bool isCova)
+{
+  return isCova ? getColumnKey(NgmECovaExp::COVARIANCE) : getColumnKey(NgmEVarioExp::VARIOGRAM);
+}
+
+QList<NgmVariogramExpData::_Cloud> NgmVariogramExpData::_newClouds(bool isCova) const
+{
+  _Cloud cloud;
+  cloud.table.createVariableNumeric(distanceRole(), named("DISTANCE"));
+  cloud.table.createVariableNumeric(getCloudValueRole(isCova),
+                                    NbdVariableDetails(getCloudValueRole(isCova)));
+  cloud.table.createVariableNumeric(Nbd::Role::SN1, named("Sample number of point 1"),
+                                    Nbd::TYPE_INT64);
+  cloud.table.createVariableNumeric(Nbd::Role::SN2, named("Sample number of point 2"),
+                                    Nbd::TYPE_INT64);
+  QList<_Cloud> clouds;
+  for (int rank = 0; rank < _directions.size() * _tableSize(); ++rank)
+    clouds << cloud;
+  return clouds;
+}
+
+void NgmVariogramExpData::createCloudTables(bool vario, bool cova)
+{
+  _varioClouds = vario ? _newClouds(false) : QList<_Cloud>();
+  _covaClouds = cova ? _newClouds(true) : QList<_Cloud>();
+}
+
+int NgmVariogramExpData::_cloudRank(int dir, bool isCova, int i, int j) const
+{
+  const int rank = _tableRank(dir, i, j);
+  if (dir < 0 || rank >= (isCova ? _covaClouds : _varioClouds).size())
+    NBE_FAIL(QStringLiteral("invalid direction rank or clouds not created"));
+  return rank;
+}
+
+void NgmVariogramExpData::setVariogramCloudVariables(
+    int dir, bool isCova, int i, int j, const std::vector<NgmPairsVariogramCloud> &pairs)
+{
+  const int rank = _cloudRank(dir, isCova, i, j);
+  NbdDataTable &table = (isCova ? _covaClouds : _varioClouds)[rank].table;
+  table.setNSamples(int(pairs.size()));
+  double *distances = table.getVarDoubleRef(distanceRole()).getArray();
+  double *values = table.getVarDoubleRef(getCloudValueRole(isCova)).getArray();
+  qint64 *first = table.getVarInt64Ref(Nbd::Role::SN1).getArray();
+  qint64 *second = table.getVarInt64Ref(Nbd::Role::SN2).getArray();
+  for (std::size_t k = 0; k < pairs.size(); ++k) {
+    distances[k] = pairs[k].getDistance();
+    values[k] = pairs[k].getValue();
+    first[k] = pairs[k].getSampleNumber1();
+    second[k] = pairs[k].getSampleNumber2();
+  }
+}
+
+void NgmVariogramExpData::setCloudDensity(int dir, bool isCova, int i, int j,
+                                          const NgmVariogramCloudDensity &density)
+{
+  const int rank = _cloudRank(dir, isCova, i, j);
+  (isCova ? _covaClouds : _varioClouds)[rank].density = density;
+}
+
+const NbdDataTable &NgmVariogramExpData::getCloudTable(int dir, bool isCova, int i, int j) const
+{
+  const int rank = _cloudRank(dir, isCova, i, j);
+  return (isCova ? _covaClouds : _varioClouds).at(rank).table;
+}
+
+const NbdAVariableNumeric &NgmVariogramExpData::getCloudVariable(int dir, bool isCova, int i, int j,
+                                                                 const QString &role) const
+{
+  return getCloudTable(dir, isCova, i, j).getVarNumericRef(role);
+}
+
+const NgmVariogramCloudDensity &NgmVariogramExpData::getCloudDensity(int dir, bool isCova, int i,
+                                                                     int j) const
+{
+  const int rank = _cloudRank(dir, isCova, i, j);
+  return (isCova ? _covaClouds : _varioClouds).at(rank).density;
+}
+
 double NgmVariogramExpData::_maximumOf(const QList<NbdDataTable> &tables, int dir) const
 {
   double largest = 0.;
@@ -628,7 +729,7 @@ void NgmVariogramExpData::extractFromVariables(const QList<int> &variables)
     for (int j = i; j < (_containsCross ? kept.size() : i + 1); ++j)
       pairs << _pairRank(kept[i], kept[j]);
   }
-  const auto keepTables = [&](const QList<NbdDataTable> &from, QList<NbdDataTable> &to) {
+  const auto keepTables = [&](const auto &from, auto &to) {
     for (int first = 0; first < from.size(); first += _tableSize()) {
       for (const int pair : pairs)
         to << from[first + pair];
@@ -642,6 +743,8 @@ void NgmVariogramExpData::extractFromVariables(const QList<int> &variables)
   };
   keepTables(_varios, result._varios);
   keepTables(_covas, result._covas);
+  keepTables(_varioClouds, result._varioClouds);
+  keepTables(_covaClouds, result._covaClouds);
   keepSills(_varioSills, result._varioSills);
   keepSills(_covaSills, result._covaSills);
   if (_hasC00) {

@@ -203,7 +203,10 @@ TEST(NgmVariogramExpData, StreamsGiveBackTheSameResultsOrAreRefused)
   data.setC00(diagonal({1., 2.}));
   data.setVarioPseudoSill(NgmEVarioExp::MADOGRAM, 2, 9.);
   NgmVariogramExpData target = makeData(1, false);
-  test::fuzzSerialization(data, target);
+  NgmVariogramExpData small = makeData(1, true);
+  small.setC00(diagonal({1.}));
+  small.setVarioPseudoSill(NgmEVarioExp::MADOGRAM, 0, 9.);
+  test::fuzzSerialization(small, target, 20250301u, 1000);
 
   test::fromBytes(test::toBytes(data), target);
   EXPECT_TRUE(target.containsCross());

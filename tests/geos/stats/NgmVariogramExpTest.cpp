@@ -171,3 +171,14 @@ TEST(NgmVariogramExp, CurvesAreListedByValueAndTellTheSumsTheyNeed)
   request.addOmnidirectional(5, 1., 0.5, 0, 0.);
   EXPECT_EQ(copy.getNDirections(), 0);
 }
+
+TEST(NgmEDirectionGroupName, GroupsOfOneDirectionAreNotMultidirectional)
+{
+  QString single;
+  for (auto groups = NgmEDirectionGroupName::createIterator(); groups.hasNext();) {
+    const NgmEDirectionGroupName &group = groups.next();
+    if (!group.isMultidirectional())
+      single += group.getKeyString() + QLatin1Char(' ');
+  }
+  EXPECT_EQ(single, QStringLiteral("OMNIDIRECTIONAL VERTICAL NORMAL U V W "));
+}

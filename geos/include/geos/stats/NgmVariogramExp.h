@@ -96,6 +96,10 @@ public:
   QList<NgmEVarioExp> getVarioCurveTypes() const { return _varioCurves.values(); }
   QList<NgmECovaExp> getCovaCurveTypes() const { return _covaCurves.values(); }
 
+  /// Whether the pairs themselves are wanted; not by default.
+  void setComputeCloud(bool compute) { _computeCloud = compute; }
+  bool getNeedCloud() const { return _computeCloud; }
+
   void setNVariables(int n) { _data.setNVariables(n); }
   int getNVariables() const { return _data.getNVariables(); }
 
@@ -129,5 +133,6 @@ private:
   NgmVariogramExpData _data;
   QMap<int, NgmEVarioExp> _varioCurves;
   QMap<int, NgmECovaExp> _covaCurves;
+  bool _computeCloud = false;
   bool _is3d;
 };

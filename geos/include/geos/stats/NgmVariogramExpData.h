@@ -6,11 +6,16 @@
 #include "basic/geom/NbgRotation.h"
 #include "geos/NgmEnumGlobal.h"
 #include "geos/matrix/NgmMatrix.h"
+#include "geos/stats/NgmVariogramCloudDensity.h"
 
 #include <QList>
 #include <QMap>
 #include <QStringList>
 #include <QVector>
+
+#include <vector>
+
+class NgmPairsVariogramCloud;
 
 /// Experimental variograms and covariances: one table per direction and pair of variables, with a
 /// row per lag and a column per curve, and what goes with them (pseudo-sills, C00).
@@ -149,6 +154,31 @@ public:
   /// Labels of the curves, variograms first.
   QStringList getCurveNames() const;
 
+  /// Gives back the memory that tables have in spare.
+  void compressAllTables();
+
+  // Clouds: the extreme pairs of samples behind a curve one by one, with the columns "DISTANCE",
+  // "VARIOGRAM" or "COVARIANCE" (the roles) and the numbers of both samples (SN1 and SN2), and an
+  // image of all pairs. They are not written to streams and keep their units.
+
+  /// Replaces the clouds of variograms, covariances or both by empty ones.
+  void createCloudTables(bool vario, bool cova);
+  void setVariogramCloudVariables(int dir, bool isCova, int i, int j,
+                                  const std::vector<NgmPairsVariogramCloud> &pairs);
+  void setCloudDensity(int dir, bool isCova, int i, int j, const NgmVariogramCloudDensity &density);
+
+  bool hasVarioCloud() const { return !_varioClouds.isEmpty(); }
+  bool hasCovaCloud() const { return !_covaClouds.isEmpty(); }
+  const NbdDataTable &getCloudTable(int dir, bool isCova, int i, int j) const;
+  /// The column of one of the roles of a cloud table.
+  const NbdAVariableNumeric &getCloudVariable(int dir, bool isCova, int i, int j,
+                                              const QString &role) const;
+  /// Without cells when no image was wanted.
+  const NgmVariogramCloudDensity &getCloudDensity(int dir, bool isCova, int i, int j) const;
+
+  /// The role of the values of a cloud table.
+  static QString getCloudValueRole(bool isCova);
+
   /// The largest mean distance of a lag with pairs in the tables of a direction, or of all; 0
   /// without any.
   double getMaximumDistance(int dir) const;
@@ -196,6 +226,11 @@ protected:
   QString _displayName() const override;
 
 private:
+  struct _Cloud
+  {
+    NbdDataTable table;
+    NgmVariogramCloudDensity density;
+  };
   using _Sills = QVector<QMap<QString, double>>;
 
   int _getColumnSize(int dir, bool isCova) const;
@@ -203,6 +238,8 @@ private:
   int _pairRank(int i, int j) const;
   int _tableRank(int dir, int i, int j) const;
   const NbdDataTable &_getTable(int dir, bool isCova, int i, int j) const;
+  int _cloudRank(int dir, bool isCova, int i, int j) const;
+  QList<_Cloud> _newClouds(bool isCova) const;
   void _checkColumn(int dir, bool isCova, int n) const;
   void _setColumn(int dir, bool isCova, const NbbAEnum &curve, int i, int j, int n,
                   const double *values);
@@ -228,6 +265,8 @@ private:
   QList<NbdDataTable> _covas;
   NgmMatrix _c00;
   bool _hasC00 = false;
+  QList<_Cloud> _varioClouds;
+  QList<_Cloud> _covaClouds;
   _Sills _varioSills;
   _Sills _covaSills;
   double _minimumLag = 0.;
