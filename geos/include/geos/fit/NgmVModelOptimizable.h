@@ -36,7 +36,7 @@ public:
 
   /// Fails when the data lack the curve.
   void setVariogramExp(const NgmVariogramExpData &data, const NbbAEnum &curve);
-  const NbbAEnum &getFittedCurve() const { return _curve; }
+  const NbbAEnum &getFittedCurve() const { return *_curve; }
 
   void setInitialModel(const NgmVModelToBeOptimized &model);
   const NgmVModelToBeOptimized &getInitialModel() const;
@@ -130,25 +130,29 @@ private:
   void _addParam(int structure, NgmVModelToBeOptimized::ParamType type, int index1, int index2,
                  const QString &label);
   void _addStructureParams(int structure);
-  void _addRangeParams(int structure);
-  bool _addRotationParams(int structure);
   double _startingValue(int structure, NgmVModelToBeOptimized::ParamType type, int index1,
                         int index2) const;
-  double _unitOf(int structure, NgmVModelToBeOptimized::ParamType type) const;
+  double _unitOf(NgmVModelToBeOptimized::ParamType type) const;
   NbiIntervalData _automaticBounds(int structure, NgmVModelToBeOptimized::ParamType type,
                                    int index1, int index2) const;
   static double _fitToBounds(double value, const NbiIntervalData &bounds);
   void _initCurve(int dir, int i, int j);
   void _decode(const NgmOptParamList &params, _State &state) const;
   NgmVModel _modelOf(const _State &state) const;
-  void _makeMatrix(const std::vector<double> &values, double missing, NgmMatrix &matrix) const;
+  void _makeMatrix(const double *values, double missing, NgmMatrix &matrix) const;
+  int _findRotationOwner() const;
+  void _tieGeometry(int structure, _State &state) const;
+  void _transform(double *values) const;
+  double _penalty(const NgmVModel &model, int structure) const;
+  bool _reduceModel(QStringList &texts);
+  bool _findDiscarded(const NgmVModel &model, QList<int> &discarded, QStringList &texts) const;
   bool _hasNuggetRank() const;
   void _checkReady() const;
 
   NgmVariogramExpData _data;
   NgmVariogramExpData _normedData;
   bool _hasData = false;
-  NbbAEnum _curve;
+  const NbbAEnum *_curve;  // a registered instance
   bool _isCova = false;
   std::unique_ptr<NgmVModelToBeOptimized> _initialModel;
   std::unique_ptr<NgmVModelToBeOptimized> _workModel;  // as reduced so far
@@ -167,7 +171,9 @@ private:
   std::vector<NbgVector3D> _lags;  // per experience value
   std::vector<int> _variables1;    // i >= j
   std::vector<int> _variables2;
+  std::vector<int> _pairs;
   std::vector<int> _columns;  // of the matrices
+  double _smallestDistance = 1.;
   int _nColumns = 0;
   int _rotationOwner = -1;  // the structure whose angles all follow
   std::unique_ptr<_Curves> _curves;
