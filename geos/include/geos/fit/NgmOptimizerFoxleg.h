@@ -38,6 +38,12 @@ protected:
   /// May change parameters that were moved, before they are scored. Nothing by default.
   virtual void _patchParams(NgmOptParamList &params);
 
+  /// The score of these parameters; the residuals are kept.
+  double _calculateResiduals(NgmOptParamList &params);
+
+  /// Goodness of fit, AIC and BIC from the score.
+  void _calculateCriteria();
+
   double _initialDelta = 1.;
 
 private:
@@ -54,7 +60,6 @@ private:
     double mean = 0.;
   };
 
-  double _calculateResiduals(NgmOptParamList &params);
   void _calculateGradients(const NgmOptParamList &params);
   void _calculateGaussNewtonStep();
   void _defineExtensions(const NgmOptParamList &params);
@@ -68,7 +73,6 @@ private:
   void _iterate(int nbMaxIteration);
   bool _step();
   void _updateDelta(bool isAccepted, double q, double ratio, double largestMove);
-  void _calculateCriteria();
   void _logIteration();
   void _logEnd(int nbMaxIteration);
 

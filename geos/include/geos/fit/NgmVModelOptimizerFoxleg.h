@@ -30,7 +30,8 @@ private:
   NgmVModelOptimizable &_vModel() const;
   QVector<NgmOptParamId> _ids(bool sills) const;
   void _prepareGoulard();
-  bool _fitSillsOnly(int nbMaxIteration);
+  bool _takeSillFit();
+  bool _areSillsFree() const;
   bool _fitAll(int nbMaxIteration);
 
   int _nbMaxIterGoulard = 100;

@@ -96,6 +96,7 @@ NgmVModelStart::NgmVModelStart(const NgmVariogramExpData &data, const NgmVModelT
 {
   _readCurves(data, std::min(model.getNVariables(), data.getNVariables()));
   _readDirections(data);
+  _keepsAxes = !model.getAuthRotation();
   _chooseRanges(model.getNStructures(), model.getContext().getNDimensions() > 2);
 }
 
@@ -262,8 +263,7 @@ std::unique_ptr<NgmAVStruct> NgmVModelStart::_structureAt(const NgmVModelToBeOpt
       ranges[axis] = known[axis];
   }
   structure->setRanges(ranges);
-  // Axes that the user forbids to turn stay; those that the curves cannot show follow them.
-  if (isAutomatic(model, k, ToBeOptimized::ROT, 0))
+  if (!_keepsAxes && isAutomatic(model, k, ToBeOptimized::ROT, 0))
     structure->setRotation(frame.rotation);
   return structure;
 }

@@ -66,6 +66,7 @@ private:
   QList<NbgVector3D> _directions;  // distinct
   int _nHorizontal = 0;
   bool _hasOblique = false;
+  bool _keepsAxes = false;  // the user forbids to turn
   std::vector<double> _ranges;
   double _smallest = 0.;
   double _largest = 0.;
