@@ -1,5 +1,6 @@
-// Time of whole automatic fits. Goals on a machine of two cores: one variable, three structures, two
-// directions of 15 lags under 30 ms; four variables, three structures, three directions under 1 s.
+// Time of whole automatic fits. Goals on a machine of two cores: one variable, three structures,
+// two directions of 15 lags under 30 ms; four variables, three structures, three directions under 1
+// s.
 
 #include <benchmark/benchmark.h>
 

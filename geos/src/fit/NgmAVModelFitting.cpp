@@ -145,7 +145,7 @@ void NgmAVModelFitting::_errorOccurred(const NbeError &error)
 
 const NgmVModel &NgmAVModelFitting::getFittedModel() const
 {
-  if (isRunning() || !_fittedModel)
+  if (!isCompleted() || !_fittedModel)
     throw NbeProgrammingError(QStringLiteral("NgmAVModelFitting::getFittedModel: no fitted model"));
   return *_fittedModel;
 }
@@ -156,7 +156,7 @@ QString NgmAVModelFitting::debug(int level) const
   QString text = indent + QStringLiteral("Variogram Model Fitting\n");
   if (_initialModel)
     text += _initialModel->debug(level + 1);
-  if (!isRunning() && _fittedModel)
+  if (isCompleted() && _fittedModel)
     text += indent + QStringLiteral("Fitted model\n") + _fittedModel->debug(level + 1);
   return text;
 }

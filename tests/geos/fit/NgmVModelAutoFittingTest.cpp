@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "support/FitCases.h"
 #include "geos/algo/NgmNelderMead.h"
 #include "geos/fit/NgmVModelAutoFittingConstrained.h"
 #include "support/CsvFile.h"
 #include "support/Errors.h"
+#include "support/FitCases.h"
 
 #include <algorithm>
 
