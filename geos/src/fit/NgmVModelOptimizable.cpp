@@ -260,13 +260,15 @@ const NgmICovaTransformation &NgmVModelOptimizable::getCovarianceTransformation(
 
 void NgmVModelOptimizable::setNPairsExponent(double exponent)
 {
-  check(exponent >= 0.1 && exponent <= 2., "Invalid exponent of the number of pairs provided");
+  NgmFitWeights weighting;
+  weighting.setExponent(exponent);
   _nPairsExponent = exponent;
 }
 
 void NgmVModelOptimizable::setNPairsMinimum(int minimum)
 {
-  check(minimum >= 0, "Invalid minimum number of pairs provided");
+  NgmFitWeights weighting;
+  weighting.setMinimumPairs(minimum);
   _nPairsMinimum = minimum;
 }
 

@@ -55,8 +55,8 @@ public:
   QVector<double> getWeights(const QVector<double> &distances, const QVector<double> &nPairs) const;
 
 private:
-  bool _hasCurve() const;
   void _checkReady() const;
+  void _checkCurve() const;
   QVector<double> _values(int direction, int i, int j) const;
   double _evalModel(int i, int j, const NbgVector3D &h) const;
   double _evalModelError(double value, int i, int j, const NbgVector3D &h) const;
@@ -66,6 +66,7 @@ private:
   std::unique_ptr<NgmVModel> _model;
   NgmVariogramExpData _data;
   const NbbAEnum *_curve;  // a registered instance
+  bool _hasCurve = false;
   bool _isCova = false;
   std::unique_ptr<NgmFitWeights> _weighting;
   QList<NbdVariableDetails> _details;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "basic/base/NbbGlobal.h"
+#include "basic/error/NbeProgrammingError.h"
 
 #include <cmath>
 #include <cstddef>
@@ -12,6 +13,19 @@ struct NgmFitWeights
   double exponent = 0.5;
   int minimumPairs = 0;
   bool deprecated = true;
+
+  void setExponent(double value)
+  {
+    if (!(value >= 0.1 && value <= 2.))
+      throw NbeProgrammingError(QStringLiteral("Invalid exponent of the number of pairs provided"));
+    exponent = value;
+  }
+  void setMinimumPairs(int value)
+  {
+    if (value < 0)
+      throw NbeProgrammingError(QStringLiteral("Invalid minimum number of pairs provided"));
+    minimumPairs = value;
+  }
 
   /// 0 without a positive distance or with too few pairs.
   double raw(double distance, double nPairs) const
