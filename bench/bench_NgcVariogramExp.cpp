@@ -5,6 +5,8 @@
 #include "BenchPoints.h"
 #include "basic/provider/NbpMemoryProviderPointsW.h"
 #include "geos/data/NgdDataSetPoints.h"
+#include "geos/stats/NgcVarioMap.h"
+#include "geos/stats/NgcVariogram.h"
 #include "geos/stats/NgcVariogramExp.h"
 #include "geos/stats/NgmMultivariateStatistics.h"
 #include "geos/stats/NgmVariogramExp.h"
@@ -106,6 +108,31 @@ void MillionSamples(benchmark::State &state)
   run(state, makeDataSet(1000000, 1), omni(1., 1));
 }
 
+/// By pairs of buffers: all candidates within the distance along one axis.
+void PairsOfBuffers(benchmark::State &state)
+{
+  NgcVariogram calculator(Nbd::Role::V);
+  calculator.setInputDataSet(makeDataSet(50000, 1));
+  calculator.setVarioExp(omni(10., 1));
+  calculator.setStatistics(NgmMultivariateStatistics(QStringList(QStringLiteral("0"))));
+  calculator.setNThread(int(state.range(0)));
+  for (auto _ : state) {
+    if (calculator.execute() != NbcAProgress::COMPLETED)
+      state.SkipWithError(qPrintable(calculator.getErrorMessage()));
+  }
+}
+
+void Map(benchmark::State &state)
+{
+  NgcVarioMap calculator(10, 36, 1, NbgVector3D(100., 100., 1.), NbgRotation(), 1, Nbd::Role::V);
+  calculator.setInputDataSet(makeDataSet(10000, 1));
+  calculator.setNThread(int(state.range(0)));
+  for (auto _ : state) {
+    if (calculator.execute() != NbcAProgress::COMPLETED)
+      state.SkipWithError(qPrintable(calculator.getErrorMessage()));
+  }
+}
+
 // The same variogram by bare arithmetic on sorted floats.
 void BareKernel(benchmark::State &state)
 {
@@ -167,6 +194,18 @@ BENCHMARK(FourDirections)
     ->MeasureProcessCPUTime()
     ->UseRealTime();
 BENCHMARK(ThreeVariables)
+    ->Arg(1)
+    ->Arg(2)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
+BENCHMARK(PairsOfBuffers)
+    ->Arg(1)
+    ->Arg(2)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
+    ->UseRealTime();
+BENCHMARK(Map)
     ->Arg(1)
     ->Arg(2)
     ->Unit(benchmark::kMillisecond)

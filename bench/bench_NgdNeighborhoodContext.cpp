@@ -98,12 +98,32 @@ std::vector<NbgVector3D> targets(int side, int nDimensions)
   return all;
 }
 
+double usedBytes()
+{
+  malloc_trim(0);
+  const auto used = mallinfo2();
+  return double(used.uordblks + used.hblkhd);
+}
+
+/// What a run needs per sample above the loaded columns: the index and one context.
+double bytesPerSample(Samples &data, const NgmNeighborhoodMoving &parameters)
+{
+  data.moving.setParameters(parameters);
+  const NgdNeighborhoodMoving &moving = data.moving;
+  data.moving.loadData();
+  data.moving.setParameters(parameters);
+  const double before = usedBytes();
+  data.moving.loadData();
+  NgdNeighborhoodContext context;
+  context.initialize(moving, moving.getAllData().getDataTableConst().getVarsNumeric(Nbd::Role::V));
+  return (usedBytes() - before) / moving.getAllData().getNSamples();
+}
+
 void run(benchmark::State &state, const NgmNeighborhoodMoving &parameters, int n, int nDimensions,
          int side)
 {
   Samples &data = samples(n, nDimensions);
-  data.moving.setParameters(parameters);
-  data.moving.loadData();
+  state.counters["bytes"] = bytesPerSample(data, parameters);
   NgdNeighborhoodContext context;
   context.initialize(data.moving,
                      data.moving.getAllData().getDataTableConst().getVarsNumeric(Nbd::Role::V));
@@ -132,11 +152,12 @@ void nearest(benchmark::State &state)
   run(state, parameters, int(state.range(0)), nDimensions, nDimensions == 3 ? 60 : 500);
 }
 
-/// An ellipsoid of some 200 samples of 10,000.
+/// Radius 80: an ellipsoid of some 200 samples of 10,000.
 void sectors(benchmark::State &state)
 {
+  const double radius = state.range(1);
   NgmNeighborhoodMoving parameters;
-  parameters.setEllipseSize(NbgVector3D(80., 80., 80.));
+  parameters.setEllipseSize(NbgVector3D(radius, radius, radius));
   parameters.setSectors(8, 4, false);
   run(state, parameters, int(state.range(0)), 2, 300);
 }
@@ -197,7 +218,12 @@ BENCHMARK(nearest)
     ->Args({1000000, 2, 16})
     ->Args({500000, 3, 30})
     ->Unit(benchmark::kMillisecond);
-BENCHMARK(sectors)->Arg(10000)->Unit(benchmark::kMillisecond);
+BENCHMARK(sectors)
+    ->Args({10000, 80})
+    ->Args({10000, 160})
+    ->Args({10000, 320})
+    ->Args({10000, 2000})
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(flat)->Args({500000, 0})->Args({500000, 1})->Unit(benchmark::kMillisecond);
 BENCHMARK(buildIndex)
     ->Args({10000, 2})

@@ -2,7 +2,9 @@
 
 #include "app/commands/HelpCommand.h"
 #include "app/commands/RunCommand.h"
+#include "app/commands/VariogramCommand.h"
 #include "app/commands/VersionCommand.h"
+#include "app/commands/XvalidCommand.h"
 #include "app/console/Console.h"
 #include "app/console/Interruption.h"
 #include "app/io/Suggestion.h"
@@ -17,6 +19,8 @@ namespace orvenal {
 Program::Program()
 {
   _commands.push_back(std::make_unique<RunCommand>());
+  _commands.push_back(std::make_unique<VariogramCommand>());
+  _commands.push_back(std::make_unique<XvalidCommand>());
   _commands.push_back(std::make_unique<HelpCommand>(*this));
   _commands.push_back(std::make_unique<VersionCommand>());
 }
@@ -42,7 +46,7 @@ QString Program::getHelp() const
       "usage: orvenal COMMAND [OPTIONS] ...\n\nCommands:\n");
   for (const std::unique_ptr<Command> &command : _commands)
     text += QStringLiteral("  %1  %2\n")
-                .arg(command->getName().leftJustified(8), command->getSummary());
+                .arg(command->getName().leftJustified(10), command->getSummary());
   return text + QObject::tr(
                     "\nHelp on one of them: orvenal help COMMAND\n"
                     "Exit codes: 0 done, 1 failed, 2 wrong use, 130 interrupted");

@@ -1,17 +1,19 @@
 #pragma once
 
-#include "app/commands/Command.h"
+#include "app/commands/JobCommand.h"
 
 namespace orvenal {
 
 /// Runs a study as a job file describes it.
-class RunCommand : public Command
+class RunCommand : public JobCommand
 {
 public:
   QString getName() const override { return QStringLiteral("run"); }
   QString getSummary() const override;
-  QString getHelp() const override;
-  void run(const QStringList &arguments, Console &console) const override;
+
+protected:
+  QString _getDescription() const override;
+  void _run(const Job &job, Console &console) const override;
 };
 
 }  // namespace orvenal

@@ -3,13 +3,19 @@
 #include "app/console/Console.h"
 #include "app/console/Interruption.h"
 #include "app/console/Progress.h"
+#include "app/io/CrossValidationCsvWriter.h"
 #include "app/io/GeoTiffWriter.h"
 #include "app/io/GridCsvWriter.h"
 #include "app/io/SpatialReference.h"
+#include "app/io/VariogramCsvWriter.h"
+#include "app/plot/CrossValidationPicture.h"
 #include "app/plot/MapPicture.h"
+#include "app/plot/VariogramMapPicture.h"
+#include "app/plot/VariogramPicture.h"
 #include "app/report/Describe.h"
 #include "app/report/StudyReport.h"
 #include "app/study/Statistics.h"
+#include "app/study/VariogramMap.h"
 #include "basic/provider/NbpMemoryProviderPointsW.h"
 #include "geos/data/NgdDataSetPoints.h"
 
@@ -18,10 +24,13 @@
 
 namespace orvenal {
 
-StudyRun::StudyRun(const Job &job, Console &console)
-    : _console(console), _context{console, job.threads, job.memory, [this] { _abandon(); }}
+StudyRun::StudyRun(const Job &job, const Steps &steps, Console &console)
+    : _steps(steps), _console(console), _context{console, job.threads, job.memory, [this] {
+                                                   _abandon();
+                                                 }}
 {
   _result.job = job;
+  _result.job.keepOutputsOf(steps);
 }
 
 void StudyRun::run()
@@ -30,8 +39,20 @@ void StudyRun::run()
   _reserveOutputs();
   _console.print(_result.job.title);
   _readData();
-  _krige();
+  _computeStatistics();
+  if (_isToDo(Step::VARIOGRAM))
+    _computeVariograms();
+  if (_isToDo(Step::CROSS_VALIDATION))
+    _crossValidate();
+  if (_isToDo(Step::KRIGING))
+    _krige();
   _console.print('\n' + textStatistics(_result) + '\n');
+  if (_isToDo(Step::VARIOGRAM))
+    _console.print(textVariograms(_result.variography, _result.job) + '\n');
+  if (_isToDo(Step::CROSS_VALIDATION))
+    _console.print(textCrossValidation(_result) + '\n');
+  _drawVariograms();
+  _drawCrossValidation();
   _drawMaps();
   _writeFiles();
 }
@@ -52,50 +73,133 @@ void StudyRun::_readData()
 {
   const Job &job = _result.job;
   _result.samples = readSamples(job);
-  _selected = readMask(job, _result.nMaskOutside);
   _samples = makeProvider(_result.samples);
   _console.print(
       QObject::tr("  samples  %1 of %2 in %3")
           .arg(Progress::grouped(_result.samples.getCount()), job.variable.name, job.data.shown));
-  _console.print(QObject::tr("  grid     %1").arg(Describe::grid(job)));
-  _console.print(QObject::tr("  model    %1").arg(Describe::model(job)));
+  if (_isToDo(Step::KRIGING)) {
+    _gridInput.selected = readMask(job, _result.nMaskOutside);
+    _gridInput.values = readGridValues(job);
+    _console.print(QObject::tr("  grid     %1").arg(Describe::grid(job)));
+  }
+  if (job.hasModel)
+    _console.print(QObject::tr("  model    %1").arg(Describe::model(job)));
   _warnOfData();
   _endStep(QObject::tr("Reading"));
 }
 
-void StudyRun::_krige()
+void StudyRun::_computeStatistics()
 {
   NgdDataSetPoints data;
   data.setDataProvider(_samples);
   data.assignVariable(Nbd::Role::V, _samples->getIdFromName(sampleValueName()));
   _result.sampleStatistics = computeStatistics(data, _context).first();
   _endStep(QObject::tr("Statistics of the samples"));
-  _result.estimation = krige(_result.job, _samples, _selected, _context);
+}
+
+void StudyRun::_computeVariograms()
+{
+  _result.variography = computeVariograms(_result.job, _result.samples, _samples, _context);
+  _endStep(QObject::tr("Variograms"));
+}
+
+/// Map and cloud, where they are wanted.
+void StudyRun::_drawVariogramMap(const VariogramStyle &style)
+{
+  const Job &job = _result.job;
+  if (!job.output.variogramMap.isEmpty()) {
+    const Picture picture =
+        drawVariogramMap(computeVariogramMap(job, _result.samples, _samples, _context), style);
+    _result.variogramMap = picture.toPng();
+    _writePicture(job.output.variogramMap, picture);
+  }
+  if (!job.output.variogramCloud.isEmpty()) {
+    const Picture picture =
+        drawVariogramCloud(computeVariogramCloud(job, _result.samples, _samples, _context), style);
+    _result.variogramCloud = picture.toPng();
+    _writePicture(job.output.variogramCloud, picture);
+  }
+}
+
+void StudyRun::_crossValidate()
+{
+  _result.crossValidation = crossValidate(_result.job, _result.samples, _context);
+  if (_result.crossValidation.nFailures > 0)
+    _console.warn(QObject::tr("%1 samples failed in the cross-validation. %2")
+                      .arg(Progress::grouped(_result.crossValidation.nFailures),
+                           _result.crossValidation.failures));
+  _endStep(QObject::tr("Cross-validation"));
+}
+
+void StudyRun::_drawCrossValidation()
+{
+  const Job &job = _result.job;
+  if (!_isToDo(Step::CROSS_VALIDATION) ||
+      (job.output.crossValidationPicture.isEmpty() && job.output.report.isEmpty()))
+    return;
+  const Picture picture = drawCrossValidation(_result.crossValidation, _result.samples.value,
+                                              job.title, job.variable.getLabel());
+  _result.crossValidationPicture = picture.toPng();
+  _writePicture(job.output.crossValidationPicture, picture);
+  _endStep(QObject::tr("Picture of the cross-validation"));
+}
+
+void StudyRun::_krige()
+{
+  _result.estimation = krige(_result.job, _samples, std::move(_gridInput), _context);
   _warnOfOutcome();
   _endStep(QObject::tr("Kriging"));
+}
+
+void StudyRun::_drawVariograms()
+{
+  const Job &job = _result.job;
+  if (!_isToDo(Step::VARIOGRAM))
+    return;
+  VariogramStyle style;
+  style.title = job.title;
+  style.valueUnit = job.variable.unit;
+  style.lengthUnit = job.lengthUnit;
+  style.nDimensions = job.getNDimensions();
+  style.model = job.hasModel ? &job.model : nullptr;
+  const Picture picture = drawVariograms(_result.variography, style);
+  _result.variogramPicture = picture.toPng();
+  _writePicture(job.output.variogramPicture, picture);
+  _drawVariogramMap(style);
+  _endStep(QObject::tr("Picture of the variograms"));
 }
 
 void StudyRun::_drawMaps()
 {
   const Job &job = _result.job;
-  const GridResult &grid = _result.estimation.grid;
   const bool wanted = !job.output.report.isEmpty() || !job.output.estimateMap.isEmpty() ||
                       !job.output.deviationMap.isEmpty();
-  if (!wanted || !grid.geometry.is2D())
+  if (!wanted || !_result.estimation || !_result.estimation->grid.geometry.is2D())
     return;
+  const GridResult &grid = _result.estimation->grid;
   MapStyle style;
   style.title = job.title;
   style.lengthUnit = job.lengthUnit;
   style.subtitle = Describe::method(job);
   style.valueLabel = Describe::estimateLabel(job);
   style.coloredSamples = true;
-  _result.estimateMap = toPng(drawMap(grid.geometry, grid.estimate, _result.samples, style));
+  const Picture estimate = drawMap(grid.geometry, grid.estimate, _result.samples, style);
+  _result.estimateMap = estimate.toPng();
+  _writePicture(job.output.estimateMap, estimate);
   Interruption::check();
   style.valueLabel = Describe::deviationLabel(job);
-  style.colors = ColorScale::CIVIDIS;
+  style.isDeviation = true;
   style.coloredSamples = false;
-  _result.deviationMap = toPng(drawMap(grid.geometry, grid.deviation, _result.samples, style));
+  const Picture deviation = drawMap(grid.geometry, grid.deviation, _result.samples, style);
+  _result.deviationMap = deviation.toPng();
+  _writePicture(job.output.deviationMap, deviation);
   _endStep(QObject::tr("Maps"));
+}
+
+void StudyRun::_writePicture(const QString &file, const Picture &picture)
+{
+  if (!file.isEmpty())
+    _files.write(file, picture.toBytes(file));
 }
 
 void StudyRun::_writeFiles()
@@ -103,10 +207,11 @@ void StudyRun::_writeFiles()
   const JobOutput &output = _result.job.output;
   for (const QString &file : output.grids)
     _writeGrid(file);
-  if (!output.estimateMap.isEmpty())
-    _files.write(output.estimateMap, _result.estimateMap);
-  if (!output.deviationMap.isEmpty())
-    _files.write(output.deviationMap, _result.deviationMap);
+  if (!output.variogramTable.isEmpty())
+    _files.write(output.variogramTable, variogramCsv(_result.variography));
+  if (!output.crossValidationTable.isEmpty())
+    _files.write(output.crossValidationTable,
+                 crossValidationCsv(_result.crossValidation, _result.samples));
   _endStep(QObject::tr("Writing"));
   _result.warnings = _console.getWarnings();
   if (!output.report.isEmpty())
@@ -122,9 +227,9 @@ void StudyRun::_writeGrid(const QString &file)
   const Job &job = _result.job;
   const QString temporary = _files.getTemporaryPath(file);
   if (file.endsWith(QLatin1String(".csv"), Qt::CaseInsensitive))
-    writeGridCsv(temporary, file, _result.estimation.grid);
+    writeGridCsv(temporary, file, _result.estimation->grid);
   else
-    writeGeoTiff(temporary, file, _result.estimation.grid, job.crs, Describe::estimateLabel(job),
+    writeGeoTiff(temporary, file, _result.estimation->grid, job.crs, Describe::estimateLabel(job),
                  Describe::deviationLabel(job));
 }
 
@@ -151,7 +256,7 @@ void StudyRun::_warnOfData()
 
 void StudyRun::_warnOfOutcome()
 {
-  const Estimation &estimation = _result.estimation;
+  const Estimation &estimation = *_result.estimation;
   const qint64 nMissing = estimation.grid.getNSelected() - estimation.grid.getNEstimated();
   if (estimation.nFailures > 0)
     _console.warn(QObject::tr("%1 nodes failed. %2")

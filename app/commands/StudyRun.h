@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/io/OutputFiles.h"
+#include "app/plot/Picture.h"
 #include "app/report/StudyResult.h"
 #include "app/study/RunContext.h"
 
@@ -8,11 +9,14 @@
 
 namespace orvenal {
 
-/// A whole study: reads the data of a job, prints statistics, kriges and writes the files.
+struct VariogramStyle;
+
+/// A study, or some steps of it: reads the data of a job, prints statistics, computes what the
+/// steps say and writes their files.
 class StudyRun
 {
 public:
-  StudyRun(const Job &job, Console &console);
+  StudyRun(const Job &job, const Steps &steps, Console &console);
 
   void run();
 
@@ -20,19 +24,28 @@ private:
   void _abandon();
   void _reserveOutputs();
   void _readData();
+  void _computeStatistics();
+  void _computeVariograms();
+  void _drawVariograms();
+  void _drawVariogramMap(const VariogramStyle &style);
+  void _crossValidate();
+  void _drawCrossValidation();
   void _krige();
   void _drawMaps();
+  bool _isToDo(Step step) const { return _steps.count(step) > 0; }
   void _writeFiles();
+  void _writePicture(const QString &file, const Picture &picture);
   void _writeGrid(const QString &file);
   void _warnOfData();
   void _warnOfOutcome();
   void _endStep(const QString &name);
 
+  Steps _steps;
   Console &_console;
   OutputFiles _files;
   RunContext _context;
   StudyResult _result;
-  std::vector<unsigned char> _selected;
+  GridInput _gridInput;
   QSharedPointer<NbpMemoryProviderPointsW> _samples;
   QElapsedTimer _timer;
 };

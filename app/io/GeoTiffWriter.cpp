@@ -32,7 +32,7 @@ using DatasetPtr = std::unique_ptr<GDALDataset, Closer>;
   throw NbeUserError(QObject::tr("%1: cannot be written: %2").arg(shownName, errors.getMessage()));
 }
 
-DatasetPtr create(const QString &path, const NbgGeomGrid &grid)
+DatasetPtr create(const QString &path, const NbgGeomGrid &grid, int nBands)
 {
   static const char *const options[] = {"COMPRESS=DEFLATE", "BIGTIFF=IF_SAFER", nullptr};
   GDALDriver *driver = GetGDALDriverManager()->GetDriverByName("GTiff");
@@ -41,7 +41,7 @@ DatasetPtr create(const QString &path, const NbgGeomGrid &grid)
     driver = GetGDALDriverManager()->GetDriverByName("GTiff");
   }
   return DatasetPtr(driver->Create(QFile::encodeName(path).constData(), grid.getNodesNumber().x(),
-                                   grid.getNodesNumber().y(), 2, GDT_Float64,
+                                   grid.getNodesNumber().y(), nBands, GDT_Float64,
                                    const_cast<char **>(options)));
 }
 
@@ -83,7 +83,7 @@ void writeGeoTiff(const QString &path, const QString &shownName, const GridResul
                   const QString &crs, const QString &estimateName, const QString &deviationName)
 {
   const GdalErrors errors;
-  DatasetPtr dataset = create(path, result.geometry);
+  DatasetPtr dataset = create(path, result.geometry, 2 + int(result.extras.size()));
   if (!dataset)
     failToWrite(shownName, errors);
   std::array<double, 6> transform = rasterTransform(result.geometry);
@@ -96,6 +96,9 @@ void writeGeoTiff(const QString &path, const QString &shownName, const GridResul
   written = written &&
             writeBand(*dataset->GetRasterBand(1), result.geometry, result.estimate, estimateName) &&
             writeBand(*dataset->GetRasterBand(2), result.geometry, result.deviation, deviationName);
+  for (std::size_t i = 0; i < result.extras.size() && written; ++i)
+    written = writeBand(*dataset->GetRasterBand(3 + int(i)), result.geometry,
+                        result.extras[i].values, result.extras[i].label);
   dataset->FlushCache(true);
   dataset.reset();
   if (!written || errors.hasFailed())

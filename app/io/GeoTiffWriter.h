@@ -15,9 +15,9 @@ struct GridResult;
 /// pixels. For a grid that is not turned the raster is north-up.
 std::array<double, 6> rasterTransform(const NbgGeomGrid &grid);
 
-/// Writes a two-dimensional grid as a GeoTIFF of two bands of doubles, the estimate and its
-/// standard deviation; NaN is no data. `crs` may be empty. `shownName` stands for the file in
-/// messages.
+/// Writes a two-dimensional grid as a GeoTIFF of doubles, one band each: the estimate, its standard
+/// deviation, the extra results; NaN is no data. `crs` may be empty. `shownName` stands for the
+/// file in messages.
 void writeGeoTiff(const QString &path, const QString &shownName, const GridResult &result,
                   const QString &crs, const QString &estimateName, const QString &deviationName);
 

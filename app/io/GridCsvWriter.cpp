@@ -1,29 +1,20 @@
 #include "app/io/GridCsvWriter.h"
 
 #include "app/console/Interruption.h"
+#include "app/io/CsvText.h"
 #include "app/study/GridResult.h"
-#include "basic/base/NbbGlobal.h"
 #include "basic/error/NbeUserError.h"
 
 #include <QFile>
 #include <QObject>
 
-#include <charconv>
-
 namespace orvenal {
 
 namespace {
 
-constexpr int flushSize = 1 << 20;
+using CsvText::append;
 
-void append(QByteArray &line, double value)
-{
-  if (!NbbGlobal::isDefined(value))
-    return;
-  char digits[32];
-  const std::to_chars_result result = std::to_chars(digits, digits + sizeof(digits), value);
-  line.append(digits, int(result.ptr - digits));
-}
+constexpr int flushSize = 1 << 20;
 
 void appendNode(QByteArray &lines, const GridResult &result, qint64 rank, const NbgVector3D &center)
 {
@@ -39,7 +30,20 @@ void appendNode(QByteArray &lines, const GridResult &result, qint64 rank, const 
     lines += ',';
     append(lines, (*values)[std::size_t(rank)]);
   }
+  for (const GridResult::Extra &extra : result.extras) {
+    lines += ',';
+    append(lines, extra.values[std::size_t(rank)]);
+  }
   lines += '\n';
+}
+
+QByteArray header(const GridResult &result)
+{
+  QByteArray names = result.geometry.is2D() ? "x,y" : "x,y,z";
+  names += ",estimate,deviation,variance";
+  for (const GridResult::Extra &extra : result.extras)
+    names += ',' + extra.name.toUtf8();
+  return names + '\n';
 }
 
 void flush(QFile &file, const QString &shownName, QByteArray &lines)
@@ -59,8 +63,7 @@ void writeGridCsv(const QString &path, const QString &shownName, const GridResul
     throw NbeUserError(QObject::tr("%1: cannot be written: %2").arg(shownName, file.errorString()));
   const NbgGeomGrid &grid = result.geometry;
   const NbgIntVector3D n = grid.getNodesNumber();
-  QByteArray lines =
-      grid.is2D() ? "x,y,estimate,deviation,variance\n" : "x,y,z,estimate,deviation,variance\n";
+  QByteArray lines = header(result);
   for (int k = 0; k < n.z(); ++k) {
     for (int j = 0; j < n.y(); ++j) {
       for (int i = 0; i < n.x(); ++i) {

@@ -93,6 +93,11 @@ bool JobObject::has(const QString &key) const
   return _object.contains(key);
 }
 
+bool JobObject::isNumber(const QString &key) const
+{
+  return has(key) && _value(key).isDouble();
+}
+
 QString JobObject::text(const QString &key) const
 {
   return _toText(_value(key), getPath(key));
@@ -140,6 +145,26 @@ std::vector<double> JobObject::numbers(const QString &key, int minCount, int max
   std::vector<double> values;
   for (int i = 0; i < array.size(); ++i)
     values.push_back(_toNumber(array[i], elementPath(getPath(key), i), minimum, bound));
+  return values;
+}
+
+std::vector<std::vector<double>> JobObject::matrix(const QString &key, int n) const
+{
+  const QString expected = QObject::tr("%1 lists of %1 numbers, one per variable").arg(n);
+  const QJsonArray rows = _array(key, expected);
+  std::vector<std::vector<double>> values;
+  for (int i = 0; i < rows.size(); ++i) {
+    const QString path = elementPath(getPath(key), i);
+    const QJsonArray row = rows[i].toArray();
+    if (rows.size() != n || row.size() != n)
+      fail(key, QObject::tr("expected %1").arg(expected));
+    values.emplace_back();
+    for (int j = 0; j < n; ++j)
+      values.back().push_back(
+          _toNumber(row[j], elementPath(path, j), std::numeric_limits<double>::lowest(), INCLUDED));
+  }
+  if (int(values.size()) != n)
+    fail(key, QObject::tr("expected %1").arg(expected));
   return values;
 }
 

@@ -30,6 +30,8 @@ public:
 
   bool has(const QString &key) const;
 
+  bool isNumber(const QString &key) const;
+
   /// Without a fallback the member has to be there.
   QString text(const QString &key) const;
   QString text(const QString &key, const QString &fallback) const;
@@ -45,6 +47,9 @@ public:
   std::vector<double> numbers(const QString &key, int minCount, int maxCount,
                               double minimum = std::numeric_limits<double>::lowest(),
                               Bound bound = INCLUDED) const;
+
+  /// A list of n lists of n numbers.
+  std::vector<std::vector<double>> matrix(const QString &key, int n) const;
 
   int integer(const QString &key, int minimum, int maximum) const;
   std::vector<int> integers(const QString &key, int minCount, int maxCount, int minimum,

@@ -1,10 +1,13 @@
 #include "app/io/JobReader.h"
 
 #include "app/io/JobObject.h"
+#include "app/io/KrigingReader.h"
 #include "app/io/ModelReader.h"
 #include "app/io/NeighborhoodReader.h"
 #include "app/io/SpatialReference.h"
+#include "app/io/Suggestion.h"
 #include "app/io/UsageError.h"
+#include "app/io/VariogramReader.h"
 #include "app/study/Compass.h"
 
 #include <QDir>
@@ -95,20 +98,33 @@ void readData(const JobObject &root, const QDir &folder, Job &job)
   job.lengthUnit = object.text(key("unit"), job.lengthUnit);
 }
 
-JobVariable readVariable(const JobObject &root)
+QStringList variableKeys()
 {
-  const JobObject object =
-      root.object(key("variable"), {key("column"), key("transform"), key("name"), key("unit")});
+  return {key("column"), key("transform"), key("name"), key("unit")};
+}
+
+JobVariable readVariable(const JobObject &object)
+{
   JobVariable variable;
-  variable.column = object.text(key("column"));
-  if (object.choice(key("transform"), {key("none"), key("log")}, key("none")) ==
-      QLatin1String("log"))
-    variable.transform = JobVariable::LOG;
-  variable.name = object.text(key("name"), variable.transform == JobVariable::LOG
-                                               ? QObject::tr("log %1").arg(variable.column)
-                                               : variable.column);
+  static_cast<Column &>(variable) = readColumn(object);
+  variable.name = object.text(key("name"), variable.getName());
   variable.unit = object.text(key("unit"), QString());
   return variable;
+}
+
+void readVariables(const JobObject &root, Job &job)
+{
+  job.variable = readVariable(root.object(key("variable"), variableKeys()));
+  if (!root.has(key("covariates")))
+    return;
+  QStringList names = {job.variable.name};
+  for (const JobObject &object : root.objects(key("covariates"), variableKeys())) {
+    const JobVariable covariate = readVariable(object);
+    if (names.contains(covariate.name))
+      object.fail(QObject::tr("there are two variables named \"%1\"").arg(covariate.name));
+    names << covariate.name;
+    job.covariates << covariate;
+  }
 }
 
 void checkSize(const JobObject &object, const NbgGeomGrid &grid)
@@ -141,11 +157,11 @@ NbgGeomGrid readGeometry(const JobObject &object)
   return grid;
 }
 
-void checkDimension(const JobTable &table, const JobObject &root, int nDimensions)
+void checkDimension(const JobTable &table, const JobObject &root, const NbgGeomGrid &grid)
 {
-  if (nDimensions > 2 && table.z.isEmpty())
+  if (!grid.is2D() && table.z.isEmpty())
     root.fail(table.path + ".z", QObject::tr("missing; the grid has three dimensions"));
-  if (nDimensions < 3 && !table.z.isEmpty())
+  if (grid.is2D() && !table.z.isEmpty())
     root.fail(table.path + ".z",
               QObject::tr("the grid has two dimensions; give \"nodes\", \"cell\" and \"origin\" "
                           "three values, or leave z out"));
@@ -153,14 +169,19 @@ void checkDimension(const JobTable &table, const JobObject &root, int nDimension
 
 void readGrid(const JobObject &root, const QDir &folder, Job &job)
 {
-  const JobObject object = root.object(
-      key("grid"), {key("origin"), key("cell"), key("nodes"), key("rotation"), key("mask")});
+  const JobObject object = root.object(key("grid"), {key("origin"), key("cell"), key("nodes"),
+                                                     key("rotation"), key("mask"), key("values")});
   job.grid = readGeometry(object);
-  checkDimension(job.data, root, job.getNDimensions());
-  if (!object.has(key("mask")))
-    return;
-  job.mask = readTable(object.object(key("mask"), tableKeys()), folder);
-  checkDimension(*job.mask, root, job.getNDimensions());
+  job.hasGrid = true;
+  checkDimension(job.data, root, job.grid);
+  if (object.has(key("mask"))) {
+    job.mask = readTable(object.object(key("mask"), tableKeys()), folder);
+    checkDimension(*job.mask, root, job.grid);
+  }
+  if (object.has(key("values"))) {
+    job.gridValues = readTable(object.object(key("values"), tableKeys()), folder);
+    checkDimension(*job.gridValues, root, job.grid);
+  }
 }
 
 /// The absolute path of an output; its ending must be among the given ones.
@@ -174,13 +195,18 @@ QString readOutputFile(const JobObject &object, const QString &path, const QStri
   return QDir::cleanPath(folder.absoluteFilePath(name));
 }
 
+QStringList pictureEndings()
+{
+  return {key("png"), key("svg")};
+}
+
 QString readMap(const JobObject &maps, const QString &name, const QDir &folder, int nDimensions)
 {
   if (!maps.has(name))
     return QString();
   if (nDimensions > 2)
     maps.fail(name, QObject::tr("a map needs a grid of two dimensions"));
-  return readOutputFile(maps, name, maps.text(name), folder, {key("png")});
+  return readOutputFile(maps, name, maps.text(name), folder, pictureEndings());
 }
 
 QStringList readGridFiles(const JobObject &object, const QDir &folder, int nDimensions)
@@ -195,19 +221,77 @@ QStringList readGridFiles(const JobObject &object, const QDir &folder, int nDime
   return files;
 }
 
-JobOutput readOutput(const JobObject &root, const QDir &jobFolder, int nDimensions)
+/// A member that needs another part of the job.
+void require(bool isThere, const JobObject &object, const QString &name, const char *part)
+{
+  if (object.has(name) && !isThere)
+    object.fail(name, QObject::tr("the job has no \"%1\" of which this could be written")
+                          .arg(QLatin1String(part)));
+}
+
+void readKrigingFiles(const JobObject &object, const QDir &folder, const Job &job,
+                      JobOutput &output)
+{
+  require(job.hasGrid, object, key("grid"), "grid");
+  require(job.hasGrid, object, key("maps"), "grid");
+  if (object.has(key("grid")))
+    output.grids = readGridFiles(object, folder, job.getNDimensions());
+  if (!object.has(key("maps")))
+    return;
+  const JobObject maps = object.object(key("maps"), {key("estimate"), key("deviation")});
+  output.estimateMap = readMap(maps, key("estimate"), folder, job.getNDimensions());
+  output.deviationMap = readMap(maps, key("deviation"), folder, job.getNDimensions());
+}
+
+/// Files of a step by their keys, each with its endings and its place.
+struct StepFile
+{
+  const char *name;
+  QStringList endings;
+  QString *path;
+};
+
+void readStepFiles(const JobObject &object, const char *step, bool isThere, const QDir &folder,
+                   const QList<StepFile> &files)
+{
+  require(isThere, object, key(step), step);
+  if (!object.has(key(step)))
+    return;
+  QStringList names;
+  for (const StepFile &file : files)
+    names << key(file.name);
+  const JobObject given = object.object(key(step), names);
+  for (const StepFile &file : files) {
+    if (given.has(key(file.name)))
+      *file.path =
+          readOutputFile(given, key(file.name), given.text(key(file.name)), folder, file.endings);
+  }
+}
+
+void readVariogramFiles(const JobObject &object, const QDir &folder, const Job &job,
+                        JobOutput &output)
+{
+  readStepFiles(object, "variogram", job.variogram.has_value(), folder,
+                {{"table", {key("csv")}, &output.variogramTable},
+                 {"picture", pictureEndings(), &output.variogramPicture},
+                 {"map", pictureEndings(), &output.variogramMap},
+                 {"cloud", pictureEndings(), &output.variogramCloud}});
+  if (!output.variogramMap.isEmpty() && job.getNDimensions() > 2)
+    object.fail(key("variogram.map"), QObject::tr("a map needs samples of two dimensions"));
+}
+
+JobOutput readOutput(const JobObject &root, const QDir &jobFolder, const Job &job)
 {
   const JobObject object =
-      root.object(key("output"), {key("directory"), key("grid"), key("maps"), key("report")});
+      root.object(key("output"), {key("directory"), key("grid"), key("maps"), key("variogram"),
+                                  key("crossValidation"), key("report")});
   const QDir folder(jobFolder.absoluteFilePath(object.text(key("directory"), key("."))));
   JobOutput output;
-  if (object.has(key("grid")))
-    output.grids = readGridFiles(object, folder, nDimensions);
-  if (object.has(key("maps"))) {
-    const JobObject maps = object.object(key("maps"), {key("estimate"), key("deviation")});
-    output.estimateMap = readMap(maps, key("estimate"), folder, nDimensions);
-    output.deviationMap = readMap(maps, key("deviation"), folder, nDimensions);
-  }
+  readKrigingFiles(object, folder, job, output);
+  readVariogramFiles(object, folder, job, output);
+  readStepFiles(object, "crossValidation", job.crossValidation.has_value(), folder,
+                {{"table", {key("csv")}, &output.crossValidationTable},
+                 {"picture", pictureEndings(), &output.crossValidationPicture}});
   if (object.has(key("report")))
     output.report = readOutputFile(object, key("report"), object.text(key("report")), folder,
                                    {key("html"), key("htm")});
@@ -227,8 +311,10 @@ QString identityOf(const QString &path)
 void checkOutputs(const JobObject &root, const Job &job)
 {
   QStringList inputs = {identityOf(job.file), identityOf(job.data.file)};
-  if (job.mask)
-    inputs << identityOf(job.mask->file);
+  for (const std::optional<JobTable> &table : {job.mask, job.gridValues}) {
+    if (table)
+      inputs << identityOf(table->file);
+  }
   QStringList outputs;
   for (const QString &file : job.output.getFiles()) {
     const QString identity = identityOf(file);
@@ -252,6 +338,72 @@ void readResources(const JobObject &root, Job &job)
     root.fail(key("memory"), QObject::tr("expected a size such as \"500 MB\" or \"2 GB\""));
 }
 
+CrossValidationRequest readCrossValidation(const JobObject &object)
+{
+  const QStringList kinds = {key("sample"), key("line"), key("ball")};
+  CrossValidationRequest request;
+  request.leaveOut = CrossValidationRequest::LeaveOut(
+      kinds.indexOf(object.choice(key("leaveOut"), kinds, kinds.first())));
+  if (request.leaveOut == CrossValidationRequest::LINE)
+    request.line = object.text(key("line"));
+  else if (object.has(key("line")))
+    object.fail(key("line"), QObject::tr("has a meaning when lines are left out"));
+  if (request.leaveOut == CrossValidationRequest::BALL)
+    request.radius = object.number(key("radius"), 0., JobObject::EXCLUDED);
+  else if (object.has(key("radius")))
+    object.fail(key("radius"), QObject::tr("has a meaning when balls are left out"));
+  return request;
+}
+
+void checkGridColumns(const JobObject &root, const Job &job)
+{
+  QStringList columns;
+  for (const Column &column : job.kriging.getGridColumns())
+    columns << column.column;
+  if (job.hasGrid && !columns.isEmpty() && !job.gridValues)
+    root.fail(QStringLiteral("grid.values"),
+              QObject::tr("missing; it is the table of nodes with the columns %1")
+                  .arg(quotedList(columns)));
+}
+
+/// Variant of kriging and neighborhood, for the grid and for cross-validation.
+void readKrigingParts(const JobObject &root, Job &job)
+{
+  if (root.has(key("crossValidation")))
+    job.crossValidation = readCrossValidation(
+        root.object(key("crossValidation"), {key("leaveOut"), key("line"), key("radius")}));
+  const bool isKriged = job.hasGrid || job.crossValidation;
+  if (isKriged || root.has(key("model"))) {
+    job.model = readModel(root.object(key("model"), modelKeys()), job.getNDimensions(),
+                          job.getNVariables());
+    job.hasModel = true;
+  }
+  for (const QString &part : {key("kriging"), key("neighborhood")}) {
+    if (!isKriged && root.has(part))
+      root.fail(part, QObject::tr("the job has no \"grid\" to estimate and no "
+                                  "\"crossValidation\""));
+  }
+  if (!isKriged)
+    return;
+  if (root.has(key("kriging")))
+    job.kriging = readKriging(root.object(key("kriging"), krigingKeys()), job.getNDimensions(),
+                              job.getNVariables(), job.model.getNStructures());
+  checkGridColumns(root, job);
+  job.neighborhood =
+      readNeighborhood(root.object(key("neighborhood"), neighborhoodKeys()), job.getNDimensions());
+}
+
+/// What is to be done: variograms, cross-validation, kriging, or nothing but statistics.
+void readSteps(const JobObject &root, const QDir &folder, Job &job)
+{
+  if (root.has(key("variogram")))
+    job.variogram =
+        readVariogram(root.object(key("variogram"), variogramKeys()), job.getNDimensions());
+  if (root.has(key("grid")))
+    readGrid(root, folder, job);
+  readKrigingParts(root, job);
+}
+
 }  // namespace
 
 Job readJob(const QString &path)
@@ -259,19 +411,17 @@ Job readJob(const QString &path)
   Job job;
   job.file = QFileInfo(path).absoluteFilePath();
   job.text = readFile(path);
-  const JobObject root =
-      JobObject::parse(path, job.text,
-                       {key("title"), key("data"), key("variable"), key("grid"), key("model"),
-                        key("neighborhood"), key("output"), key("threads"), key("memory")});
+  const JobObject root = JobObject::parse(
+      path, job.text,
+      {key("title"), key("data"), key("variable"), key("covariates"), key("variogram"), key("grid"),
+       key("model"), key("kriging"), key("neighborhood"), key("crossValidation"), key("output"),
+       key("threads"), key("memory")});
   const QDir folder = QFileInfo(job.file).absoluteDir();
   job.title = root.text(key("title"), QFileInfo(path).completeBaseName());
   readData(root, folder, job);
-  job.variable = readVariable(root);
-  readGrid(root, folder, job);
-  job.model = readModel(root.object(key("model"), modelKeys()), job.getNDimensions());
-  job.neighborhood =
-      readNeighborhood(root.object(key("neighborhood"), neighborhoodKeys()), job.getNDimensions());
-  job.output = readOutput(root, folder, job.getNDimensions());
+  readVariables(root, job);
+  readSteps(root, folder, job);
+  job.output = readOutput(root, folder, job);
   checkOutputs(root, job);
   readResources(root, job);
   return job;

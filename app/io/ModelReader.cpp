@@ -5,6 +5,7 @@
 #include "app/io/Suggestion.h"
 #include "basic/error/NbeError.h"
 #include "basic/interval/NbiIntervalData.h"
+#include "geos/matrix/NgmMatrix.h"
 #include "geos/vmodel/NgmAVStruct.h"
 #include "geos/vmodel/NgmVModel.h"
 #include "geos/vmodel/NgmVStructFactory.h"
@@ -61,13 +62,34 @@ void readParameter(const JobObject &object, NgmVModel &model, int index)
   model.setAuxiliaryParameter(index, 0, value);
 }
 
+/// One number for one variable, else a symmetric matrix with a row per variable.
+NgmMatrix readSills(const JobObject &object, const QString &key, int nVariables)
+{
+  NgmMatrix sills(nVariables, nVariables, true);
+  if (nVariables == 1) {
+    sills.setElement(0, 0, object.number(key, 0.));
+    return sills;
+  }
+  const std::vector<std::vector<double>> rows = object.matrix(key, nVariables);
+  for (int i = 0; i < nVariables; ++i) {
+    for (int j = 0; j < nVariables; ++j) {
+      if (rows[std::size_t(i)][std::size_t(j)] != rows[std::size_t(j)][std::size_t(i)])
+        object.fail(key, QObject::tr("the matrix is not symmetric"));
+      sills.setElement(i, j, rows[std::size_t(i)][std::size_t(j)]);
+    }
+  }
+  return sills;
+}
+
 void readStructure(const JobObject &object, int nDimensions, NgmVModel &model)
 {
   const NgmEVStruct type = readType(object);
-  const double sill = object.number(QStringLiteral("sill"), 0., JobObject::EXCLUDED);
+  const NgmMatrix sills = readSills(object, QStringLiteral("sill"), model.getNVariables());
+  if (model.getNVariables() == 1 && sills(0, 0) <= 0.)
+    object.fail(QStringLiteral("sill"), QObject::tr("must be greater than 0"));
   const NbgVector3D ranges =
       readLengths(object, QStringLiteral("range"), QStringLiteral("ranges"), nDimensions);
-  const int index = model.addStructure(type.getLabel(), sill);
+  const int index = model.addStructure(type.getLabel(), sills);
   readParameter(object, model, index);  // the practical factor may depend on it
   model.setRanges(index, ranges);
   model.setRotation(index, readFrame(object, nDimensions, ranges.x() != ranges.y()));
@@ -94,16 +116,16 @@ QStringList structureLabels()
   return labels;
 }
 
-NgmVModel readModel(const JobObject &object, int nDimensions)
+NgmVModel readModel(const JobObject &object, int nDimensions, int nVariables)
 {
   static const QStringList structureKeys =
       QStringList{QStringLiteral("type"), QStringLiteral("sill"), QStringLiteral("range"),
                   QStringLiteral("ranges"), QStringLiteral("parameter")} +
       angleKeys();
-  NgmVModel model(1);
+  NgmVModel model(nVariables);
   model.setContextNDim(nDimensions);
   if (object.has(QStringLiteral("nugget")))
-    model.setNugget(0, 0, object.number(QStringLiteral("nugget"), 0.));
+    model.setNuggetMatrix(readSills(object, QStringLiteral("nugget"), nVariables));
   if (object.has(QStringLiteral("structures"))) {
     for (const JobObject &structure : object.objects(QStringLiteral("structures"), structureKeys))
       readStructure(structure, nDimensions, model);

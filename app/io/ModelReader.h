@@ -11,8 +11,9 @@ class JobObject;
 /// Keys of the model of a job.
 QStringList modelKeys();
 
-/// The variogram model of one variable. A model that is not admissible is a UsageError.
-NgmVModel readModel(const JobObject &model, int nDimensions);
+/// The variogram model of the variables; with several of them nugget and sills are matrices. A
+/// model that is not admissible is a UsageError.
+NgmVModel readModel(const JobObject &model, int nDimensions, int nVariables);
 
 /// Labels of the structures that the library has.
 QStringList structureLabels();

@@ -1,53 +1,29 @@
 #include "app/plot/MapPicture.h"
 
 #include "app/console/Progress.h"
+#include "app/plot/ColorScales.h"
 #include "app/plot/MapRaster.h"
-#include "app/plot/PlotLibrary.h"
+#include "app/plot/PlotStyle.h"
 #include "app/study/Samples.h"
 #include "basic/base/NbbGlobal.h"
 #include "basic/geom/NbgBox.h"
 #include "basic/geom/NbgGeomGrid.h"
 #include "basic/geom/NbgVector3D.h"
 
-#include <QBuffer>
-#include <QFontMetricsF>
 #include <QObject>
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
+#include <optional>
 
 namespace orvenal {
 
 namespace {
 
-constexpr double pixelRatio = 2.;      // of the picture to the units of the layout
 constexpr double longSide = 620.;      // of the plot area, in units of the layout
 constexpr double shortestSide = 240.;  // narrower areas hold no labels
 constexpr int mostCells = 1500;
-
-QFont fontOf(int points, bool bold = false)
-{
-  QFont font(QStringLiteral("DejaVu Sans"), points);
-  font.setBold(bold);
-  return font;
-}
-
-/// Matplotlib's viridis (Smith and van der Walt, 2015) and cividis (Nunez et al., 2018).
-QCPColorGradient gradientOf(ColorScale scale)
-{
-  static const QStringList viridis = {"#440154", "#482878", "#3e4989", "#31688e", "#26828e",
-                                      "#1f9e89", "#35b779", "#6ece58", "#b5de2b", "#fde725"};
-  static const QStringList cividis = {"#00224e", "#123570", "#3b496c", "#575d6d", "#707173",
-                                      "#8a8678", "#a59c74", "#c3b369", "#e1cc55", "#fee838"};
-  const QStringList &colors = scale == ColorScale::VIRIDIS ? viridis : cividis;
-  QCPColorGradient gradient;
-  gradient.clearColorStops();
-  for (int i = 0; i < colors.size(); ++i)
-    gradient.setColorStopAt(double(i) / (colors.size() - 1), QColor(colors[i]));
-  gradient.setColorInterpolation(QCPColorGradient::ciRGB);
-  gradient.setNanHandling(QCPColorGradient::nhTransparent);
-  return gradient;
-}
 
 /// Least and largest defined value; a constant gets some room.
 QCPRange rangeOf(const std::vector<double> &values)
@@ -85,22 +61,6 @@ QSizeF areaFor(double width, double height)
                 std::max(shortestSide, std::round(height * scale)));
 }
 
-/// Breaks a text between words into lines of a width; a word that is too long is cut.
-QString wrapped(const QString &text, const QFont &font, double width)
-{
-  const QFontMetricsF metrics(font);
-  QStringList lines;
-  for (const QString &word : text.split(' ', Qt::SkipEmptyParts)) {
-    const QString longer = lines.isEmpty() ? word : lines.last() + ' ' + word;
-    if (!lines.isEmpty() && metrics.horizontalAdvance(longer) <= width)
-      lines.last() = longer;
-    else
-      lines << metrics.elidedText(word, Qt::ElideRight, width);
-  }
-  constexpr int mostLines = 3;
-  return QStringList(lines.mid(0, mostLines)).join('\n');
-}
-
 /// More samples than this would hide the map.
 constexpr qint64 mostCircles = 5000;
 
@@ -122,8 +82,8 @@ QString legendOf(const Samples &samples, bool isColored)
 class SampleMarks : public QCPLayerable
 {
 public:
-  SampleMarks(QCustomPlot &plot, const Samples &samples, const QCPColorGradient *gradient,
-              const QCPRange &range)
+  SampleMarks(QCustomPlot &plot, const Samples &samples,
+              const std::optional<QCPColorGradient> &gradient, const QCPRange &range)
       : QCPLayerable(&plot, QStringLiteral("marks")),
         _plot(plot),
         _samples(samples),
@@ -214,15 +174,11 @@ private:
     }
   }
 
-  QColor _color(double value) const
-  {
-    QCPColorGradient gradient = *_gradient;
-    return QColor::fromRgba(gradient.color(value, _range));
-  }
+  QColor _color(double value) { return QColor::fromRgba(_gradient->color(value, _range)); }
 
   QCustomPlot &_plot;
   const Samples &_samples;
-  const QCPColorGradient *_gradient;  // null for marks of one colour
+  std::optional<QCPColorGradient> _gradient;  // none for marks of one colour
   QCPRange _range;
 };
 
@@ -240,138 +196,46 @@ void fillColorMap(QCPColorMap &map, const MapRaster &raster)
   map.setTightBoundary(false);
 }
 
-/// Ticks that leave room between their labels, with the decimals that tell them apart.
-void setTicks(QCPAxis &axis, double length, double roomPerTick)
-{
-  const int count = std::max(2, int(length / roomPerTick));
-  axis.ticker()->setTickCount(count);
-  const double step = axis.range().size() / count;
-  const int decimals = std::clamp(int(-std::floor(std::log10(step) + 1e-9)), 0, 12);
-  axis.setNumberFormat(QStringLiteral("f"));
-  axis.setNumberPrecision(decimals);
-}
-
-void styleAxis(QCPAxis &axis, const QString &label)
-{
-  axis.setTickLabelFont(fontOf(9));
-  axis.setLabelFont(fontOf(10));
-  axis.setLabel(label);
-  axis.setTicks(true);
-  axis.setTickLabels(true);
-  axis.setTickLengthOut(4);
-  axis.setTickLengthIn(0);
-  axis.setSubTicks(false);
-  axis.grid()->setPen(QPen(QColor(225, 225, 225), 0.8));
-  axis.grid()->setZeroLinePen(Qt::NoPen);
-}
-
-QString axisLabel(const QString &axis, const QString &unit)
-{
-  return unit.isEmpty() ? axis : QStringLiteral("%1 [%2]").arg(axis, unit);
-}
-
-void addText(QCustomPlot &plot, const QString &text, const QFont &font, double width)
-{
-  if (text.isEmpty())
-    return;
-  const int row = plot.plotLayout()->rowCount() - 1;
-  plot.plotLayout()->insertRow(row);
-  auto *element = new QCPTextElement(&plot, wrapped(text, font, width), font);
-  element->setMargins(QMargins(4, row == 0 ? 6 : 0, 4, 4));
-  plot.plotLayout()->addElement(row, 0, element);
-}
-
-QCPColorScale &addColorScale(QCustomPlot &plot, const MapStyle &style)
-{
-  auto *scale = new QCPColorScale(&plot);
-  plot.plotLayout()->addElement(plot.plotLayout()->rowCount() - 1, 1, scale);
-  scale->setType(QCPAxis::atRight);
-  scale->setBarWidth(16);
-  scale->setLabel(style.valueLabel);
-  scale->axis()->setLabelFont(fontOf(10));
-  scale->axis()->setTickLabelFont(fontOf(9));
-  scale->axis()->setNumberFormat(QStringLiteral("g"));
-  scale->axis()->setNumberPrecision(6);
-  scale->setMargins(QMargins(10, 0, 0, 0));
-  auto *group = new QCPMarginGroup(&plot);
-  plot.axisRect()->setMarginGroup(QCP::msBottom | QCP::msTop, group);
-  scale->setMarginGroup(QCP::msBottom | QCP::msTop, group);
-  return *scale;
-}
-
-/// The size of the picture whose plot area has the given size.
-QSize sizeFor(QCustomPlot &plot, const QSizeF &area)
-{
-  const QSize trial(int(area.width()) + 200, int(area.height()) + 160);
-  plot.setViewport(QRect(QPoint(0, 0), trial));
-  plot.replot(QCustomPlot::rpImmediateRefresh);
-  return trial + QSize(int(area.width()), int(area.height())) - plot.axisRect()->size();
-}
-
-/// Exactly one scale: the range of the axis with room to spare is widened.
-void equalizeScales(QCustomPlot &plot, const QSize &size)
-{
-  plot.setViewport(QRect(QPoint(0, 0), size));
-  plot.replot(QCustomPlot::rpImmediateRefresh);
-  const QSize area = plot.axisRect()->size();
-  const double xScale = plot.xAxis->range().size() / area.width();
-  const double yScale = plot.yAxis->range().size() / area.height();
-  if (xScale < yScale)
-    plot.xAxis->setScaleRatio(plot.yAxis, 1.);
-  else
-    plot.yAxis->setScaleRatio(plot.xAxis, 1.);
-}
-
 }  // namespace
 
-QImage drawMap(const NbgGeomGrid &grid, const std::vector<double> &values, const Samples &samples,
-               const MapStyle &style)
+Picture drawMap(const NbgGeomGrid &grid, const std::vector<double> &values, const Samples &samples,
+                const MapStyle &style)
 {
   const NbgBox extent = extentOf(grid, samples);
   const NbgVector3D low = extent.getLowerLeftCorner();
   const NbgVector3D high = extent.getUpperRightCorner();
   const QSizeF area = areaFor(high.x() - low.x(), high.y() - low.y());
-  const QCPColorGradient gradient = gradientOf(style.colors);
+  const QCPColorGradient gradient =
+      gradientOf(style.isDeviation ? ColorScale::CIVIDIS : ColorScale::VIRIDIS);
   const QCPRange range = rangeOf(values);
 
-  QCustomPlot plot;
-  plot.addLayer(QStringLiteral("marks"), plot.layer(QStringLiteral("axes")), QCustomPlot::limAbove);
-  addText(plot, style.title, fontOf(13, true), area.width() + 80.);
+  auto plot = std::make_unique<QCustomPlot>();
+  plot->addLayer(QStringLiteral("marks"), plot->layer(QStringLiteral("axes")),
+                 QCustomPlot::limAbove);
+  addText(*plot, style.title, fontOf(13, true), area.width() + 80.);
   QStringList remarks = {style.subtitle, legendOf(samples, style.coloredSamples)};
   remarks.removeAll(QString());
-  addText(plot, remarks.join(QStringLiteral(". ")), fontOf(9), area.width() + 80.);
-  styleAxis(*plot.xAxis, axisLabel(QObject::tr("x"), style.lengthUnit));
-  styleAxis(*plot.yAxis, axisLabel(QObject::tr("y"), style.lengthUnit));
-  plot.axisRect()->setupFullAxesBox();
-  for (QCPAxis *axis : {plot.xAxis2, plot.yAxis2}) {
-    axis->setTicks(false);
-    axis->setTickLabels(false);
-  }
-  plot.xAxis->setRange(low.x(), high.x());
-  plot.yAxis->setRange(low.y(), high.y());
-  setTicks(*plot.xAxis, area.width(), 95.);
-  setTicks(*plot.yAxis, area.height(), 80.);
+  addText(*plot, remarks.join(QStringLiteral(". ")), fontOf(9), area.width() + 80.);
+  styleAxis(*plot->xAxis, axisLabel(QObject::tr("x"), style.lengthUnit));
+  styleAxis(*plot->yAxis, axisLabel(QObject::tr("y"), style.lengthUnit));
+  closeFrame(*plot);
+  plot->xAxis->setRange(low.x(), high.x());
+  plot->yAxis->setRange(low.y(), high.y());
+  setTicks(*plot->xAxis, area.width(), 95.);
+  setTicks(*plot->yAxis, area.height(), 80.);
 
-  auto *map = new QCPColorMap(plot.xAxis, plot.yAxis);
+  auto *map = new QCPColorMap(plot->xAxis, plot->yAxis);
   fillColorMap(*map, rasterize(grid, values, mostCells));
-  map->setColorScale(&addColorScale(plot, style));
+  map->setColorScale(&addColorScale(*plot, style.valueLabel));
   map->setGradient(gradient);
   map->setDataRange(range);
-  auto *marks = new SampleMarks(plot, samples, style.coloredSamples ? &gradient : nullptr, range);
+  auto *marks = new SampleMarks(
+      *plot, samples, style.coloredSamples ? std::optional(gradient) : std::nullopt, range);
   Q_UNUSED(marks)  // the plot owns it
 
-  const QSize size = sizeFor(plot, area);
-  equalizeScales(plot, size);
-  return plot.toPixmap(size.width(), size.height(), pixelRatio).toImage();
-}
-
-QByteArray toPng(const QImage &picture)
-{
-  QByteArray bytes;
-  QBuffer buffer(&bytes);
-  buffer.open(QIODevice::WriteOnly);
-  picture.save(&buffer, "PNG");
-  return bytes;
+  const QSize size = sizeFor(*plot, area);
+  equalizeScales(*plot, size);
+  return Picture(std::move(plot), size);
 }
 
 }  // namespace orvenal

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QByteArray>
-#include <QImage>
+#include "app/plot/Picture.h"
+
 #include <QString>
 
 #include <vector>
@@ -12,27 +12,22 @@ namespace orvenal {
 
 struct Samples;
 
-/// Colour scales that keep their order for colour-blind eyes and in grey.
-enum class ColorScale { VIRIDIS, CIVIDIS };
-
 /// What a map shows besides its values.
 struct MapStyle
 {
   QString title;
-  QString subtitle;    ///< what the marks of the samples mean is added to it
-  QString valueLabel;  ///< beside the colour scale, with the unit
-  QString lengthUnit;  ///< of the axes; may be empty
-  ColorScale colors = ColorScale::VIRIDIS;
+  QString subtitle;             ///< what the marks of the samples mean is added to it
+  QString valueLabel;           ///< beside the colour scale, with the unit
+  QString lengthUnit;           ///< of the axes; may be empty
+  bool isDeviation = false;     ///< has colours of its own
   bool coloredSamples = false;  ///< samples are filled by their value on the same scale
 };
 
 /// Draws a two-dimensional grid in colour with the samples on top: x to the right and y up at one
 /// scale, ticks and labels on the axes, the colour scale to the right. Thousands of samples would
 /// hide the map: they are thinned to dots, one in each small square of the picture. The same input
-/// gives the same pixels. Needs a QApplication; no display.
-QImage drawMap(const NbgGeomGrid &grid, const std::vector<double> &values, const Samples &samples,
-               const MapStyle &style);
-
-QByteArray toPng(const QImage &picture);
+/// gives the same pixels. The samples live as long as the picture.
+Picture drawMap(const NbgGeomGrid &grid, const std::vector<double> &values, const Samples &samples,
+                const MapStyle &style);
 
 }  // namespace orvenal

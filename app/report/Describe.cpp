@@ -43,6 +43,65 @@ void addEllipsoid(const NgmNeighborhoodMoving &moving, const Job &job,
                                            Compass::describe(axes[axis], n))});
 }
 
+QString columnNames(const QList<Column> &columns)
+{
+  QStringList names;
+  for (const Column &column : columns)
+    names << column.getName();
+  return names.join(QStringLiteral(", "));
+}
+
+QString kindOfDrift(const KrigingRequest &request)
+{
+  QStringList drifts;
+  if (request.driftDegree > 0)
+    drifts << (request.driftDegree == 1 ? QObject::tr("linear") : QObject::tr("quadratic"));
+  if (!request.externalDrifts.isEmpty())
+    drifts << QObject::tr("external (%1)").arg(columnNames(request.externalDrifts));
+  return drifts.join(QObject::tr(" and "));
+}
+
+/// "Ordinary block cokriging with zinc and lead"
+QString krigingKind(const Job &job)
+{
+  const KrigingRequest &request = job.kriging;
+  static const char *const modes[] = {"Ordinary", "Simple", "Universal", "Rescaled"};
+  QStringList words = {QObject::tr(modes[request.mode])};
+  if (request.block)
+    words << QObject::tr("block");
+  if (!request.collocated.isEmpty())
+    words << QObject::tr("collocated");
+  words << (job.covariates.isEmpty() ? QObject::tr("kriging") : QObject::tr("cokriging"));
+  QStringList names;
+  for (const JobVariable &covariate : job.covariates)
+    names << covariate.name;
+  if (!names.isEmpty())
+    words << QObject::tr("with %1").arg(names.join(QStringLiteral(", ")));
+  QString text = words.join(' ');
+  if (request.mode == KrigingRequest::DRIFT)
+    text += QObject::tr(" with %1 drift").arg(kindOfDrift(request));
+  if (request.measurementError || request.constantError)
+    text += QObject::tr(", measurement errors");
+  if (request.isFiltering())
+    text += QObject::tr(", filtered");
+  return text;
+}
+
+/// A table of texts: the first column to the left, the next ones to the right.
+QString alignedColumns(const QList<QStringList> &rows, int nColumns)
+{
+  QStringList lines(QVector<QString>(rows.size()).toList());
+  for (int column = 0; column < nColumns; ++column) {
+    int width = 0;
+    for (const QStringList &row : rows)
+      width = std::max(width, row[column].size());
+    for (int i = 0; i < rows.size(); ++i)
+      lines[i] += column == 0 ? rows[i][column].leftJustified(width)
+                              : "  " + rows[i][column].rightJustified(width);
+  }
+  return lines.join('\n');
+}
+
 }  // namespace
 
 QString Describe::number(double value)
@@ -91,8 +150,9 @@ QString Describe::deviationLabel(const Job &job)
 
 QString Describe::method(const Job &job)
 {
-  return job.neighborhood ? QObject::tr("Ordinary kriging, moving neighborhood")
-                          : QObject::tr("Ordinary kriging, unique neighborhood");
+  const QString neighborhood =
+      job.neighborhood ? QObject::tr("moving neighborhood") : QObject::tr("unique neighborhood");
+  return krigingKind(job) + QStringLiteral(", ") + neighborhood;
 }
 
 QString Describe::grid(const Job &job)
@@ -157,10 +217,10 @@ QVector<QPair<QString, QString>> Describe::neighborhood(const Job &job)
 
 QVector<QPair<QString, QString>> Describe::outcome(const StudyResult &result)
 {
-  const GridResult &grid = result.estimation.grid;
+  const GridResult &grid = result.estimation->grid;
   const qint64 nSelected = grid.getNSelected();
   const qint64 nEstimated = grid.getNEstimated();
-  const qint64 nFailures = result.estimation.nFailures;
+  const qint64 nFailures = result.estimation->nFailures;
   return {{QObject::tr("Nodes of the grid"), QString::number(grid.geometry.getGridSize())},
           {QObject::tr("Nodes in the mask"), QString::number(nSelected)},
           {QObject::tr("Nodes estimated"), QString::number(nEstimated)},
@@ -175,21 +235,56 @@ QString textStatistics(const StudyResult &result)
   rows << (QStringList(QString()) << Describe::statisticsHeader());
   rows << (QStringList(Describe::sampleLabel(result.job))
            << Describe::statisticsRow(result.sampleStatistics));
-  rows << (QStringList(Describe::estimateLabel(result.job))
-           << Describe::statisticsRow(result.estimation.estimate));
-  rows << (QStringList(Describe::deviationLabel(result.job))
-           << Describe::statisticsRow(result.estimation.deviation));
-  QStringList lines(QVector<QString>(rows.size()).toList());
-  constexpr int nShown = 7;  // more does not fit a terminal
-  for (int column = 0; column < nShown; ++column) {
-    int width = 0;
-    for (const QStringList &row : qAsConst(rows))
-      width = std::max(width, row[column].size());
-    for (int i = 0; i < rows.size(); ++i)
-      lines[i] += column == 0 ? rows[i][column].leftJustified(width)
-                              : "  " + rows[i][column].rightJustified(width);
+  if (result.estimation) {
+    rows << (QStringList(Describe::estimateLabel(result.job))
+             << Describe::statisticsRow(result.estimation->estimate));
+    rows << (QStringList(Describe::deviationLabel(result.job))
+             << Describe::statisticsRow(result.estimation->deviation));
   }
-  return lines.join('\n');
+  constexpr int nShown = 7;  // more does not fit a terminal
+  return alignedColumns(rows, nShown);
+}
+
+QList<QStringList> variogramRows(const Variography &variography, const Job &job)
+{
+  QList<QStringList> rows;
+  const QString distance = labelled(QObject::tr("distance"), job.lengthUnit);
+  rows << QStringList{QObject::tr("direction"), distance, QObject::tr("pairs"),
+                      variography.curveName.toLower()};
+  for (const VariogramCurve &curve : variography.curves) {
+    for (int lag = 0; lag < curve.distances.size(); ++lag)
+      rows << QStringList{lag == 0 ? curve.name : QString(), Describe::number(curve.distances[lag]),
+                          QString::number(curve.pairs[lag]), Describe::number(curve.values[lag])};
+  }
+  return rows;
+}
+
+QString textVariograms(const Variography &variography, const Job &job)
+{
+  const QList<QStringList> rows = variogramRows(variography, job);
+  return alignedColumns(rows, rows.first().size());
+}
+
+QVector<QPair<QString, QString>> crossValidationRows(const StudyResult &result)
+{
+  const CrossValidation &validation = result.crossValidation;
+  const XValRes &means = validation.means;
+  return {{QObject::tr("Samples"), QString::number(result.samples.getCount())},
+          {QObject::tr("Estimated, with a value"), QString::number(validation.getNEstimated())},
+          {QObject::tr("Mean error"), Describe::number(means.error)},
+          {QObject::tr("Root mean squared error"), Describe::number(means.rootSquaredError)},
+          {QObject::tr("Mean standardized error"), Describe::number(means.standardizedError)},
+          {QObject::tr("Root mean squared standardized error"),
+           Describe::number(means.rootSquaredStandardizedError)},
+          {QObject::tr("Mean standard deviation"), Describe::number(means.standardDeviation)}};
+}
+
+QString textCrossValidation(const StudyResult &result)
+{
+  QList<QStringList> rows;
+  for (const auto &row : crossValidationRows(result))
+    rows << QStringList{row.first, row.second};
+  return alignedColumns(rows, 2);
 }
 
 }  // namespace orvenal

@@ -2,6 +2,7 @@
 
 #include "basic/calc/NbcStatMono.h"
 
+#include <QList>
 #include <QPair>
 #include <QString>
 #include <QStringList>
@@ -14,6 +15,7 @@ namespace orvenal {
 
 struct Job;
 struct StudyResult;
+struct Variography;
 
 /// Parts of a study in words and numbers, the same for the terminal and the report.
 namespace Describe {
@@ -49,5 +51,17 @@ QVector<QPair<QString, QString>> outcome(const StudyResult &result);
 
 /// The statistics of samples and results as a text table.
 QString textStatistics(const StudyResult &result);
+
+/// Names and values: the means of a cross-validation.
+QVector<QPair<QString, QString>> crossValidationRows(const StudyResult &result);
+
+/// The same as text.
+QString textCrossValidation(const StudyResult &result);
+
+/// Header and rows of the variograms: direction, distance, pairs, value.
+QList<QStringList> variogramRows(const Variography &variography, const Job &job);
+
+/// The variograms as a text table.
+QString textVariograms(const Variography &variography, const Job &job);
 
 }  // namespace orvenal

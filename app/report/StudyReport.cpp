@@ -119,9 +119,9 @@ QString data(const StudyResult &result)
 {
   const Job &job = result.job;
   const Samples &samples = result.samples;
-  const QString transform = job.variable.transform == JobVariable::LOG
-                                ? QObject::tr("natural logarithm of column \"%1\"")
-                                : QObject::tr("column \"%1\"");
+  static const char *const transforms[] = {"column \"%1\"", "natural logarithm of column \"%1\"",
+                                           "square root of column \"%1\""};
+  const QString transform = QObject::tr(transforms[int(job.variable.transform)]);
   Rows rows = {
       {QObject::tr("Variable"), Describe::sampleLabel(job)},
       {QObject::tr("Values"), transform.arg(job.variable.column)},
@@ -134,8 +134,9 @@ QString data(const StudyResult &result)
     rows.append(
         {QObject::tr("Coordinate reference system"), QObject::tr("%1 (%2)").arg(job.crs, name)});
   }
-  rows.append({QObject::tr("Grid"), Describe::grid(job)});
-  if (job.mask)
+  if (result.estimation)
+    rows.append({QObject::tr("Grid"), Describe::grid(job)});
+  if (result.estimation && job.mask)
     rows.append(
         {QObject::tr("Mask"), QObject::tr("cells that hold a point of %1; %2 of its points "
                                           "are outside the grid")
@@ -148,14 +149,51 @@ QString statistics(const StudyResult &result)
   NbbHtmlTable table;
   table.setAlignCell(NbbHtmlTable::ALIGN_RIGHT);
   table.setColumnHeader(Describe::statisticsHeader());
-  table.setRowHeader({Describe::sampleLabel(result.job), Describe::estimateLabel(result.job),
-                      Describe::deviationLabel(result.job)});
+  QStringList names = {Describe::sampleLabel(result.job)};
   table.addRow(Describe::statisticsRow(result.sampleStatistics));
-  table.addRow(Describe::statisticsRow(result.estimation.estimate));
-  table.addRow(Describe::statisticsRow(result.estimation.deviation));
+  if (result.estimation) {
+    names << Describe::estimateLabel(result.job) << Describe::deviationLabel(result.job);
+    table.addRow(Describe::statisticsRow(result.estimation->estimate));
+    table.addRow(Describe::statisticsRow(result.estimation->deviation));
+  }
+  table.setRowHeader(names);
   return scrolling(table) + paragraph(QObject::tr("Variance and standard deviation are those of "
                                                   "the population (divided by n)."),
                                       QStringLiteral("lead"));
+}
+
+/// A table whose first row is its header.
+QString headedTable(const QList<QStringList> &rows)
+{
+  NbbHtmlTable table;
+  table.setAlignCell(NbbHtmlTable::ALIGN_RIGHT);
+  table.setColumnHeader(rows.first());
+  for (const QStringList &row : rows.mid(1))
+    table.addRow(row);
+  return scrolling(table);
+}
+
+QString variograms(const StudyResult &result)
+{
+  const Variography &variography = result.variography;
+  return figure(result.variogramPicture, variography.curveName) +
+         QStringLiteral("<div class=\"maps\">\n") +
+         figure(result.variogramMap, QObject::tr("Variogram map")) +
+         figure(result.variogramCloud, QObject::tr("Variogram cloud")) +
+         QStringLiteral("</div>\n") + headedTable(variogramRows(variography, result.job)) +
+         paragraph(QObject::tr("Lag %1. Lags without pairs are left out.")
+                       .arg(Describe::length(variography.lag, result.job.lengthUnit)),
+                   QStringLiteral("lead"));
+}
+
+QString crossValidation(const StudyResult &result)
+{
+  return figure(result.crossValidationPicture, QObject::tr("Cross-validation")) +
+         rowsTable(crossValidationRows(result)) +
+         paragraph(QObject::tr("Errors are estimates less values; standardized ones are divided by "
+                               "the kriging standard deviation. A fitting model has a mean error "
+                               "near 0 and a root mean squared standardized error near 1."),
+                   QStringLiteral("lead"));
 }
 
 QString vectorText(const NbgVector3D &v)
@@ -210,8 +248,8 @@ QString model(const StudyResult &result)
 QString outcome(const StudyResult &result)
 {
   QString html = rowsTable(Describe::outcome(result));
-  if (!result.estimation.failures.isEmpty())
-    html += QStringLiteral("<pre>") + result.estimation.failures.toHtmlEscaped() +
+  if (!result.estimation->failures.isEmpty())
+    html += QStringLiteral("<pre>") + result.estimation->failures.toHtmlEscaped() +
             QStringLiteral("</pre>\n");
   return html;
 }
@@ -265,8 +303,9 @@ QString repetition(const StudyResult &result)
 
 QString run(const StudyResult &result)
 {
-  Rows rows = {{QObject::tr("Date"), QDateTime::currentDateTimeUtc().toString(Qt::ISODate)},
-               {QObject::tr("Threads"), QString::number(result.estimation.threads)}};
+  Rows rows = {{QObject::tr("Date"), QDateTime::currentDateTimeUtc().toString(Qt::ISODate)}};
+  if (result.estimation)
+    rows.append({QObject::tr("Threads"), QString::number(result.estimation->threads)});
   for (const auto &step : result.seconds)
     rows.append({step.first, Progress::duration(step.second)});
   return rowsTable(rows);
@@ -274,10 +313,12 @@ QString run(const StudyResult &result)
 
 QString lead(const StudyResult &result)
 {
+  const QString nSamples = Progress::grouped(result.samples.getCount() - result.samples.nUndefined);
+  if (!result.estimation)
+    return QObject::tr("%1 in %2 samples.").arg(result.job.variable.name, nSamples);
   return QObject::tr("%1 of %2: %3 nodes from %4 samples.")
       .arg(Describe::method(result.job), result.job.variable.name,
-           Progress::grouped(result.estimation.grid.getNEstimated()),
-           Progress::grouped(result.samples.getCount() - result.samples.nUndefined));
+           Progress::grouped(result.estimation->grid.getNEstimated()), nSamples);
 }
 
 }  // namespace
@@ -296,10 +337,19 @@ QByteArray studyReport(const StudyResult &result)
           paragraph(lead(result), QStringLiteral("lead")) + warnings(result) + maps(result);
   html += section(QStringLiteral("statistics"), QObject::tr("Statistics"), statistics(result));
   html += section(QStringLiteral("data"), QObject::tr("Data"), data(result));
-  html += section(QStringLiteral("model"), QObject::tr("Variogram model"), model(result));
-  html += section(QStringLiteral("neighborhood"), QObject::tr("Neighborhood"),
-                  rowsTable(Describe::neighborhood(result.job)));
-  html += section(QStringLiteral("outcome"), QObject::tr("Outcome"), outcome(result));
+  if (!result.variography.isEmpty())
+    html += section(QStringLiteral("variograms"), QObject::tr("Experimental variograms"),
+                    variograms(result));
+  if (result.job.hasModel)
+    html += section(QStringLiteral("model"), QObject::tr("Variogram model"), model(result));
+  if (!result.crossValidation.isEmpty())
+    html += section(QStringLiteral("cross-validation"), QObject::tr("Cross-validation"),
+                    crossValidation(result));
+  if (result.estimation) {
+    html += section(QStringLiteral("neighborhood"), QObject::tr("Neighborhood"),
+                    rowsTable(Describe::neighborhood(result.job)));
+    html += section(QStringLiteral("outcome"), QObject::tr("Outcome"), outcome(result));
+  }
   html += section(QStringLiteral("files"), QObject::tr("Files"), outputs(result));
   html += section(QStringLiteral("repeat"), QObject::tr("To repeat it"), repetition(result));
   html += section(QStringLiteral("run"), QObject::tr("This run"), run(result));

@@ -3,11 +3,14 @@
 #include "app/study/Estimation.h"
 #include "app/study/Job.h"
 #include "app/study/Samples.h"
+#include "app/study/Variography.h"
 
 #include <QByteArray>
 #include <QPair>
 #include <QStringList>
 #include <QVector>
+
+#include <optional>
 
 namespace orvenal {
 
@@ -17,9 +20,15 @@ struct StudyResult
   Job job;
   Samples samples;
   NbcStatMono sampleStatistics;
-  qint64 nMaskOutside = 0;  ///< points of the mask's file outside the grid
-  Estimation estimation;
-  QByteArray estimateMap;  ///< PNG; empty for a grid of three dimensions
+  qint64 nMaskOutside = 0;      ///< points of the mask's file outside the grid
+  Variography variography;      ///< empty without that step
+  QByteArray variogramPicture;  ///< PNG, as all pictures
+  QByteArray variogramMap;      ///< where they were asked for
+  QByteArray variogramCloud;
+  CrossValidation crossValidation;  ///< empty without that step
+  QByteArray crossValidationPicture;
+  std::optional<Estimation> estimation;
+  QByteArray estimateMap;  ///< empty for a grid of three dimensions
   QByteArray deviationMap;
   QStringList warnings;
   QVector<QPair<QString, double>> seconds;  ///< of each step, in order

@@ -1,6 +1,7 @@
 #include "app/study/Estimation.h"
 
 #include "app/study/Job.h"
+#include "app/study/KrigingSetup.h"
 #include "app/study/RunContext.h"
 #include "app/study/Samples.h"
 #include "app/study/Statistics.h"
@@ -14,6 +15,7 @@
 #include "geos/data/NgdDataSetGrid.h"
 #include "geos/data/NgdDataSetPoints.h"
 #include "geos/interpol/NgcKriging.h"
+#include "geos/interpol/NgmBlock.h"
 
 #include <QObject>
 
@@ -27,41 +29,80 @@ struct GridFile
   QString estimate;
   QString deviation;
   QString variance;
+  QStringList extras;
 
-  QString addOutput(const char *name)
+  QString addOutput(const QString &name)
   {
-    return provider->addEmptyVariableSimple(QString::fromLatin1(name), Nbd::TYPE_DOUBLE);
+    return provider->addEmptyVariableSimple(name, Nbd::TYPE_DOUBLE);
   }
 };
 
-GridFile makeGridFile(const NbgGeomGrid &geometry, const std::vector<unsigned char> &selected)
+GridFile makeGridFile(const Job &job, const GridInput &input)
 {
   GridFile file;
-  file.provider = QSharedPointer<NbpMemoryProviderGridW>::create(geometry);
-  file.estimate = file.addOutput("estimate");
-  file.deviation = file.addOutput("deviation");
-  file.variance = file.addOutput("variance");
+  file.provider = QSharedPointer<NbpMemoryProviderGridW>::create(job.grid);
+  file.estimate = file.addOutput(QStringLiteral("estimate"));
+  file.deviation = file.addOutput(QStringLiteral("deviation"));
+  file.variance = file.addOutput(QStringLiteral("variance"));
+  for (const ExtraOutput &extra : job.kriging.extras)
+    file.extras << file.addOutput(extra.key);
+  for (auto column = input.values.begin(); column != input.values.end(); ++column)
+    file.provider->addVariable(auxiliaryName(column.key()), column.value());
   NbdVariableSelection selection;
-  selection.setVector(selected);
+  selection.setVector(input.selected);
   if (!file.provider->setSelection(selection))
     throw NbeUserError(file.provider->getLastError());
   return file;
 }
 
-void configure(NgcKriging &kriging, const Job &job,
-               const QSharedPointer<NbpMemoryProviderPointsW> &samples, const GridFile &file)
+NgdDataSetGrid makeOutput(const Job &job, const GridFile &file)
 {
-  NgdDataSetPoints input;
-  input.setDataProvider(samples);
-  input.assignVariable(Nbd::Role::V, samples->getIdFromName(sampleValueName()));
   NgdDataSetGrid output;
   output.setDataProvider(file.provider);
   output.assignVariable(Nbd::Role::V, file.estimate);
   output.assignVariable(Nbd::Role::STDEV, file.deviation);
   output.assignVariable(Nbd::Role::VARIANCE, file.variance);
-  kriging.setInputDataSet(input);
-  kriging.setOutputDataSet(output);
-  kriging.setVarioModel(job.model);
+  for (int i = 0; i < file.extras.size(); ++i)
+    output.assignVariable(job.kriging.extras[i].role, file.extras[i]);
+  assignColumns(output, Nbd::Role::EXTDRIFT, *file.provider, job.kriging.externalDrifts);
+  assignColumns(output, Nbd::Role::LOCAL_MEAN, *file.provider, job.kriging.localMeans);
+  assignColumns(output, Nbd::Role::COLLOCATED, *file.provider, job.kriging.collocated);
+  return output;
+}
+
+void configureBlock(NgcKriging &kriging, const Job &job)
+{
+  if (!job.kriging.block)
+    return;
+  NgmBlock block(job.getNDimensions() > 2);
+  block.setFromGridCell(job.grid);
+  block.setDiscretizationPointsNumber(*job.kriging.block);
+  kriging.setSupportBlock(block);
+}
+
+void configureFilter(NgcKriging &kriging, const KrigingRequest &request)
+{
+  kriging.setFilterNugget(request.filterNugget);
+  kriging.setFilterDrifts(request.filterDrift);
+  for (const int structure : request.filteredStructures)
+    kriging.addFilterStructure(structure);
+}
+
+void configureCollocated(NgcKriging &kriging, const KrigingRequest &request)
+{
+  for (int i = 0; i < request.collocated.size(); ++i)
+    kriging.setCollocated(i + 1, auxiliaryName(request.collocated[i]));
+}
+
+void configure(NgcKriging &kriging, const Job &job,
+               const QSharedPointer<NbpMemoryProviderPointsW> &samples, const GridFile &file)
+{
+  kriging.setInputDataSet(makeSampleDataSet(job, samples));
+  kriging.setOutputDataSet(makeOutput(job, file));
+  configureKriging(kriging, job);
+  configureBlock(kriging, job);
+  configureFilter(kriging, job.kriging);
+  configureCollocated(kriging, job.kriging);
   if (job.neighborhood)
     kriging.setUsingMovingNeighborhood(*job.neighborhood);
   else
@@ -94,14 +135,14 @@ void addStatistics(const GridFile &file, const RunContext &context, Estimation &
 }  // namespace
 
 Estimation krige(const Job &job, const QSharedPointer<NbpMemoryProviderPointsW> &samples,
-                 std::vector<unsigned char> selected, const RunContext &context)
+                 GridInput input, const RunContext &context)
 {
-  const GridFile file = makeGridFile(job.grid, selected);
+  const GridFile file = makeGridFile(job, input);
   NgcKriging kriging(QStringLiteral("KRIGING"));
   configure(kriging, job, samples, file);
   Estimation estimation;
   estimation.grid.geometry = job.grid;
-  estimation.grid.selected = std::move(selected);
+  estimation.grid.selected = std::move(input.selected);
   context.run(kriging, QObject::tr("Kriging"), estimation.grid.getNSelected(),
               QObject::tr("nodes"));
   estimation.threads = kriging.getNThread();
@@ -110,6 +151,9 @@ Estimation krige(const Job &job, const QSharedPointer<NbpMemoryProviderPointsW> 
   estimation.grid.estimate = readAll(*file.provider, file.estimate);
   estimation.grid.deviation = readAll(*file.provider, file.deviation);
   estimation.grid.variance = readAll(*file.provider, file.variance);
+  for (int i = 0; i < file.extras.size(); ++i)
+    estimation.grid.extras.push_back({job.kriging.extras[i].key, job.kriging.extras[i].label,
+                                      readAll(*file.provider, file.extras[i])});
   addStatistics(file, context, estimation);
   return estimation;
 }

@@ -3,6 +3,7 @@
 #include "app/study/GridResult.h"
 #include "basic/calc/NbcStatMono.h"
 
+#include <QMap>
 #include <QSharedPointer>
 #include <QString>
 
@@ -24,8 +25,15 @@ struct Estimation
   int threads = 0;        ///< with which it ran
 };
 
-/// Ordinary kriging of the samples on the selected nodes of the job's grid (flags in rank order).
+/// What is known of the grid before, in rank order.
+struct GridInput
+{
+  std::vector<unsigned char> selected;        ///< the nodes to be estimated
+  QMap<QString, std::vector<double>> values;  ///< the columns that kriging needs
+};
+
+/// Kriging of the samples on the job's grid as the job says.
 Estimation krige(const Job &job, const QSharedPointer<NbpMemoryProviderPointsW> &samples,
-                 std::vector<unsigned char> selected, const RunContext &context);
+                 GridInput input, const RunContext &context);
 
 }  // namespace orvenal

@@ -2,6 +2,8 @@
 
 #include "basic/geom/NbgGeomGrid.h"
 
+#include <QString>
+
 #include <vector>
 
 namespace orvenal {
@@ -15,6 +17,15 @@ struct GridResult
   std::vector<double> estimate;
   std::vector<double> deviation;  ///< standard deviation of the estimation error
   std::vector<double> variance;
+
+  /// Other results: the name of their column, what they are, and their values.
+  struct Extra
+  {
+    QString name;
+    QString label;
+    std::vector<double> values;
+  };
+  std::vector<Extra> extras;
 
   qint64 getNSelected() const;
   qint64 getNEstimated() const;

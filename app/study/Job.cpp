@@ -10,11 +10,50 @@ QString JobVariable::getLabel() const
 QStringList JobOutput::getFiles() const
 {
   QStringList files = grids;
-  for (const QString &file : {estimateMap, deviationMap, report}) {
+  for (const QString &file :
+       {variogramTable, variogramPicture, variogramMap, variogramCloud, crossValidationTable,
+        crossValidationPicture, estimateMap, deviationMap, report}) {
     if (!file.isEmpty())
       files << file;
   }
   return files;
+}
+
+Steps Job::getSteps() const
+{
+  Steps steps;
+  if (variogram)
+    steps.insert(Step::VARIOGRAM);
+  if (crossValidation)
+    steps.insert(Step::CROSS_VALIDATION);
+  if (hasGrid)
+    steps.insert(Step::KRIGING);
+  if (!output.report.isEmpty())
+    steps.insert(Step::REPORT);
+  return steps;
+}
+
+void Job::keepOutputsOf(const Steps &steps)
+{
+  JobOutput kept;
+  if (steps.count(Step::VARIOGRAM)) {
+    kept.variogramTable = output.variogramTable;
+    kept.variogramPicture = output.variogramPicture;
+    kept.variogramMap = output.variogramMap;
+    kept.variogramCloud = output.variogramCloud;
+  }
+  if (steps.count(Step::CROSS_VALIDATION)) {
+    kept.crossValidationTable = output.crossValidationTable;
+    kept.crossValidationPicture = output.crossValidationPicture;
+  }
+  if (steps.count(Step::KRIGING)) {
+    kept.grids = output.grids;
+    kept.estimateMap = output.estimateMap;
+    kept.deviationMap = output.deviationMap;
+  }
+  if (steps.count(Step::REPORT))
+    kept.report = output.report;
+  output = kept;
 }
 
 }  // namespace orvenal

@@ -1,6 +1,9 @@
 #pragma once
 
 #include "app/io/CsvReader.h"
+#include "app/study/CrossValidation.h"
+#include "app/study/KrigingRequest.h"
+#include "app/study/VariogramRequest.h"
 #include "basic/geom/NbgGeomGrid.h"
 #include "geos/interpol/NgmNeighborhoodMoving.h"
 #include "geos/vmodel/NgmVModel.h"
@@ -10,6 +13,7 @@
 #include <QStringList>
 
 #include <optional>
+#include <set>
 
 namespace orvenal {
 
@@ -26,12 +30,8 @@ struct JobTable
 };
 
 /// The variable that a job is about.
-struct JobVariable
+struct JobVariable : Column
 {
-  enum Transform { NONE, LOG };
-
-  QString column;
-  Transform transform = NONE;
   QString name;  ///< after the transform
   QString unit;
 
@@ -45,10 +45,20 @@ struct JobOutput
   QStringList grids;
   QString estimateMap;
   QString deviationMap;
+  QString variogramTable;
+  QString variogramPicture;
+  QString variogramMap;
+  QString variogramCloud;
+  QString crossValidationTable;
+  QString crossValidationPicture;
   QString report;
 
   QStringList getFiles() const;
 };
+
+/// Parts of a study that can be run alone.
+enum class Step { VARIOGRAM, CROSS_VALIDATION, KRIGING, REPORT };
+using Steps = std::set<Step>;
 
 /// A study as a job file describes it, in the terms of the libraries: angles are converted,
 /// defaults filled in and paths made absolute.
@@ -61,15 +71,29 @@ struct Job
   QString crs;         ///< as given; empty without one
   QString lengthUnit;  ///< of coordinates; empty when it is not known
   JobVariable variable;
+  QList<JobVariable> covariates;  ///< variables that help to estimate the first one
+  std::optional<VariogramRequest> variogram;
+  bool hasModel = false;
+  NgmVModel model{1};
+  bool hasGrid = false;  ///< what is kriged; it comes with a model and a neighborhood
   NbgGeomGrid grid;
   std::optional<JobTable> mask;
-  NgmVModel model{1};
+  std::optional<JobTable> gridValues;  ///< points at the nodes with the columns that kriging needs
+  KrigingRequest kriging;
   std::optional<NgmNeighborhoodMoving> neighborhood;  ///< empty for the unique one
+  std::optional<CrossValidationRequest> crossValidation;
   JobOutput output;
   int threads = 0;    ///< 0 leaves it to the library
   qint64 memory = 0;  ///< bytes; 0 leaves it to the library
 
-  int getNDimensions() const { return grid.getNDim(); }
+  /// The steps that the job asks for.
+  Steps getSteps() const;
+
+  /// Leaves out the outputs of all other steps.
+  void keepOutputsOf(const Steps &steps);
+
+  int getNVariables() const { return 1 + covariates.size(); }
+  int getNDimensions() const { return data.z.isEmpty() ? 2 : 3; }
 };
 
 }  // namespace orvenal

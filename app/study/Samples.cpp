@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <numeric>
 
 namespace orvenal {
@@ -39,14 +38,73 @@ NbgVector3D readLocation(const CsvReader &reader, const std::array<int, 3> &colu
   return NbgVector3D(location[0], location[1], location[2]);
 }
 
-double readValue(const CsvReader &reader, int column, JobVariable::Transform transform)
+double readValue(const CsvReader &reader, int column, Transform transform)
 {
-  const double value = reader.getNumber(column);
-  if (transform == JobVariable::NONE || !NbbGlobal::isDefined(value))
-    return value;
-  if (value <= 0.)
-    reader.fail(column, QObject::tr("%1 has no logarithm").arg(value));
-  return std::log(value);
+  double value = reader.getNumber(column);
+  if (!applyTransform(transform, value))
+    reader.fail(column, transform == Transform::LOG
+                            ? QObject::tr("%1 has no logarithm").arg(value)
+                            : QObject::tr("%1 has no square root").arg(value));
+  return value;
+}
+
+/// A column that kriging needs, and where it stands in its table.
+struct PlacedColumn
+{
+  Column column;
+  int index;
+};
+
+std::vector<PlacedColumn> findColumns(const CsvReader &reader, const QList<Column> &columns,
+                                      const QString &path)
+{
+  std::vector<PlacedColumn> placed;
+  for (const Column &column : columns)
+    placed.push_back({column, reader.findColumn(column.column, path)});
+  return placed;
+}
+
+/// Where the values of the samples stand in their table.
+struct SampleColumns
+{
+  int value;
+  std::vector<int> covariates;
+  std::vector<PlacedColumn> auxiliary;
+};
+
+SampleColumns findSampleColumns(const CsvReader &reader, const Job &job)
+{
+  SampleColumns columns;
+  columns.value = reader.findColumn(job.variable.column, QStringLiteral("variable.column"));
+  for (int i = 0; i < job.covariates.size(); ++i)
+    columns.covariates.push_back(reader.findColumn(job.covariates[i].column,
+                                                   QStringLiteral("covariates[%1].column").arg(i)));
+  columns.auxiliary =
+      findColumns(reader, job.kriging.getSampleColumns(), QStringLiteral("kriging"));
+  if (job.crossValidation && !job.crossValidation->line.isEmpty()) {
+    const QList<Column> line = {Column{job.crossValidation->line}};
+    for (const PlacedColumn &placed :
+         findColumns(reader, line, QStringLiteral("crossValidation.line")))
+      columns.auxiliary.push_back(placed);
+  }
+  return columns;
+}
+
+void readSample(const CsvReader &reader, const std::array<int, 3> &coordinates,
+                const SampleColumns &columns, const Job &job, Samples &samples)
+{
+  const NbgVector3D location = readLocation(reader, coordinates);
+  samples.x.push_back(location.x());
+  samples.y.push_back(location.y());
+  if (coordinates[2] >= 0)
+    samples.z.push_back(location.z());
+  samples.value.push_back(readValue(reader, columns.value, job.variable.transform));
+  for (std::size_t i = 0; i < columns.covariates.size(); ++i)
+    samples.covariates[i].push_back(
+        readValue(reader, columns.covariates[i], job.covariates[int(i)].transform));
+  for (const PlacedColumn &placed : columns.auxiliary)
+    samples.auxiliaryColumns[placed.column.getName()].push_back(
+        readValue(reader, placed.index, placed.column.transform));
 }
 
 qint64 countDuplicates(const Samples &samples)
@@ -73,17 +131,14 @@ Samples readSamples(const Job &job)
 {
   CsvReader reader(job.data.file, job.data.shown, job.data.format);
   const std::array<int, 3> coordinates = findCoordinates(reader, job.data);
-  const int column = reader.findColumn(job.variable.column, QStringLiteral("variable.column"));
-  const bool is3D = coordinates[2] >= 0;
+  const SampleColumns columns = findSampleColumns(reader, job);
   Samples samples;
-  while (reader.next()) {
-    const NbgVector3D location = readLocation(reader, coordinates);
-    samples.x.push_back(location.x());
-    samples.y.push_back(location.y());
-    if (is3D)
-      samples.z.push_back(location.z());
-    samples.value.push_back(readValue(reader, column, job.variable.transform));
-  }
+  samples.covariates.resize(columns.covariates.size());
+  while (reader.next())
+    readSample(reader, coordinates, columns, job, samples);
+  if (job.kriging.constantError)
+    samples.auxiliaryColumns[constantErrorName()].assign(samples.x.size(),
+                                                         *job.kriging.constantError);
   if (samples.x.empty())
     throw NbeUserError(QObject::tr("%1: no rows below the header").arg(job.data.shown));
   samples.nUndefined = std::count(samples.value.begin(), samples.value.end(), NbbGlobal::D_FFFF);
@@ -99,6 +154,21 @@ QString sampleValueName()
   return QStringLiteral("value");
 }
 
+QString covariateName(int index)
+{
+  return QStringLiteral("covariate %1").arg(index);
+}
+
+QString auxiliaryName(const Column &column)
+{
+  return auxiliaryName(column.getName());
+}
+
+QString auxiliaryName(const QString &name)
+{
+  return QStringLiteral("column ") + name;
+}
+
 QSharedPointer<NbpMemoryProviderPointsW> makeProvider(const Samples &samples)
 {
   const bool is3D = !samples.z.empty();
@@ -109,7 +179,41 @@ QSharedPointer<NbpMemoryProviderPointsW> makeProvider(const Samples &samples)
   if (is3D)
     provider->addZVariable(samples.z);
   provider->addVariable(sampleValueName(), samples.value);
+  for (std::size_t i = 0; i < samples.covariates.size(); ++i)
+    provider->addVariable(covariateName(int(i)), samples.covariates[i]);
+  for (auto column = samples.auxiliaryColumns.begin(); column != samples.auxiliaryColumns.end();
+       ++column)
+    provider->addVariable(auxiliaryName(column.key()), column.value());
   return provider;
+}
+
+QMap<QString, std::vector<double>> readGridValues(const Job &job)
+{
+  const QList<Column> wanted = job.kriging.getGridColumns();
+  QMap<QString, std::vector<double>> values;
+  if (wanted.isEmpty())
+    return values;
+  CsvReader reader(job.gridValues->file, job.gridValues->shown, job.gridValues->format);
+  const std::array<int, 3> coordinates = findCoordinates(reader, *job.gridValues);
+  const std::vector<PlacedColumn> columns =
+      findColumns(reader, wanted, QStringLiteral("grid.values"));
+  const std::size_t nNodes = std::size_t(job.grid.getGridSize());
+  for (const PlacedColumn &placed : columns)
+    values[placed.column.getName()].assign(nNodes, NbbGlobal::D_FFFF);
+  std::vector<bool> filled(nNodes, false);
+  NbgIntVector3D ijk;
+  while (reader.next()) {
+    if (!job.grid.getCellIJK(readLocation(reader, coordinates), ijk))
+      continue;
+    const std::size_t rank = std::size_t(job.grid.getRankFromIJK(ijk));
+    if (filled[rank])
+      reader.fail(coordinates[0], QObject::tr("a second point in a cell of the grid"));
+    filled[rank] = true;
+    for (const PlacedColumn &placed : columns)
+      values[placed.column.getName()][rank] =
+          readValue(reader, placed.index, placed.column.transform);
+  }
+  return values;
 }
 
 std::vector<unsigned char> readMask(const Job &job, qint64 &nOutside)

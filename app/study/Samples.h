@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMap>
 #include <QSharedPointer>
 #include <QString>
 
@@ -9,16 +10,19 @@ class NbpMemoryProviderPointsW;
 
 namespace orvenal {
 
+struct Column;
 struct Job;
 struct JobTable;
 
-/// The samples of a job: coordinates, and the values of its variable after the transform.
+/// The samples of a job: coordinates, and the values of its variables after the transform.
 struct Samples
 {
   std::vector<double> x;
   std::vector<double> y;
-  std::vector<double> z;      ///< empty in two dimensions
-  std::vector<double> value;  ///< NbbGlobal::D_FFFF where it is undefined
+  std::vector<double> z;                                ///< empty in two dimensions
+  std::vector<double> value;                            ///< NbbGlobal::D_FFFF where it is undefined
+  std::vector<std::vector<double>> covariates;          ///< after their transforms
+  QMap<QString, std::vector<double>> auxiliaryColumns;  ///< that kriging needs, by name
   qint64 nUndefined = 0;
   qint64 nDuplicates = 0;  ///< defined samples at the place of an earlier one
 
@@ -29,9 +33,16 @@ struct Samples
 /// logarithm and a file without samples are errors.
 Samples readSamples(const Job &job);
 
-/// The samples as a data file in memory, and the name of their values there.
+/// The samples as a data file in memory, and the names of their values there.
 QSharedPointer<NbpMemoryProviderPointsW> makeProvider(const Samples &samples);
 QString sampleValueName();
+QString covariateName(int index);
+QString auxiliaryName(const Column &column);
+QString auxiliaryName(const QString &name);
+
+/// The columns that kriging needs at the nodes of the grid, in rank order; undefined where the
+/// file has no point in the cell of the node. A cell with two points is an error.
+QMap<QString, std::vector<double>> readGridValues(const Job &job);
 
 /// For each node of the grid, in rank order, whether a point of the mask's file lies in its cell;
 /// all nodes without a mask. `nOutside` counts the points outside the grid. A mask that leaves no

@@ -9,14 +9,20 @@
 
 namespace orvenal {
 
-QList<NbcStatMono> computeStatistics(const NgdADataSet &dataSet, const RunContext &context)
+NgmMultivariateStatistics computeMultivariateStatistics(const NgdADataSet &dataSet,
+                                                        const RunContext &context)
 {
   NgcQuickStat calculator(Nbd::Role::V);
   calculator.setFullStatFlag(true);
   calculator.setInputDataSet(dataSet);
   context.run(calculator, QObject::tr("Statistics"), dataSet.getNSamples(), QObject::tr("values"),
               RunContext::SIDE_STEP);
-  const NgmMultivariateStatistics &result = calculator.getMultivariateStatistics();
+  return calculator.getMultivariateStatistics();
+}
+
+QList<NbcStatMono> computeStatistics(const NgdADataSet &dataSet, const RunContext &context)
+{
+  const NgmMultivariateStatistics result = computeMultivariateStatistics(dataSet, context);
   QList<NbcStatMono> statistics;
   for (int i = 0; i < result.getNVariables(); ++i)
     statistics << result.getConstUnivariateStats(i);

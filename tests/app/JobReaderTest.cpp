@@ -1,9 +1,11 @@
 #include "app/io/JobReader.h"
 
 #include "TestFiles.h"
+#include "app/io/KrigingReader.h"
 #include "app/io/ModelReader.h"
 #include "app/io/NeighborhoodReader.h"
 #include "app/io/UsageError.h"
+#include "app/io/VariogramReader.h"
 #include "app/study/Compass.h"
 #include "geos/vmodel/NgmAVStruct.h"
 #include "support/Random.h"
@@ -71,7 +73,11 @@ TEST(JobReader, IsDescribedAsItIs)
             QJsonDocument::fromJson(apptest::readFile(ORVENAL_EXAMPLES "/meuse/job.json")));
   for (const QString &label : structureLabels())
     EXPECT_TRUE(page.contains('"' + label + '"')) << qPrintable(label);
-  for (const QString &key : modelKeys() + neighborhoodKeys())
+  for (const QString &label : curveLabels())
+    EXPECT_TRUE(page.contains('"' + label + '"')) << qPrintable(label);
+  for (const ExtraOutput &extra : extraOutputs())
+    EXPECT_TRUE(page.contains('"' + extra.key + '"')) << qPrintable(extra.key);
+  for (const QString &key : modelKeys() + neighborhoodKeys() + variogramKeys() + krigingKeys())
     EXPECT_TRUE(page.contains('`' + key + '`')) << qPrintable(key);
 }
 
@@ -123,7 +129,7 @@ TEST(JobReader, NamesThePlaceOfWhatIsWrong)
       {"data.undefined", json("[\"NA\", -999]"), {"data.undefined[1]: expected a text in quotes"}},
       {"data.crs", "EPSG:999999", {"data.crs: \"EPSG:999999\" is not a coordinate"}},
       {"data.z", "elev", {"data.z: the grid has two dimensions"}},
-      {"variable.transform", "sqrt", {"variable.transform: \"sqrt\"", "\"none\", \"log\""}},
+      {"variable.transform", "root", {"variable.transform: \"root\"", "\"none\", \"log\""}},
       {"grid.nodes", json("[78]"), {"grid.nodes: expected 2 to 3 numbers, found 1"}},
       {"grid.nodes", json("[78.5, 104]"), {"grid.nodes[0]: expected a whole number"}},
       {"grid.nodes", json("[0, 104]"), {"grid.nodes[0]: 0 is not between 1 and"}},
@@ -164,6 +170,49 @@ TEST(JobReader, NamesThePlaceOfWhatIsWrong)
       {"neighborhood.minimum", 17, {"neighborhood.minimum: 17 is more than the maximum, 16"}},
       {"neighborhood.split", true, {"neighborhood: Splitting sectors only available in 3D"}},
       {"neighborhood.split", 1, {"neighborhood.split: expected true or false"}},
+      {"kriging", json("{\"mode\": \"simple\"}"), {"kriging.means: missing"}},
+      {"kriging", json("{\"means\": [1]}"), {"kriging.means: means are known in simple"}},
+      {"kriging",
+       json("{\"mode\": \"simple\", \"means\": [1, 2]}"),
+       {"kriging.means: expected 1 numbers, found 2"}},
+      {"kriging", json("{\"mode\": \"drift\"}"), {"kriging.mode: a drift has a \"degree\""}},
+      {"kriging", json("{\"degree\": 1}"), {"kriging.degree: needs the mode \"drift\""}},
+      {"kriging",
+       json("{\"mode\": \"drift\", \"externalDrifts\": [{\"column\": \"dist\"}]}"),
+       {"grid.values: missing", "\"dist\""}},
+      {"kriging", json("{\"mode\": \"rescaled\"}"), {"kriging.mode: rescaled cokriging needs"}},
+      {"kriging", json("{\"block\": [4]}"), {"kriging.block: expected 2 numbers, found 1"}},
+      {"kriging", json("{\"filter\": {}}"), {"kriging.filter: nothing is filtered"}},
+      {"kriging",
+       json("{\"filter\": {\"structures\": [2]}}"),
+       {"kriging.filter.structures[0]: 2 is not between 1 and 1"}},
+      {"kriging",
+       json("{\"collocated\": [{\"column\": \"dist\"}]}"),
+       {"kriging.collocated: the job has no \"covariates\""}},
+      {"kriging", json("{\"extra\": [\"slop\"]}"), {"did you mean \"slope\"?"}},
+      {"covariates", json("[{\"column\": \"zinc\", \"name\": \"log zinc\"}]"), {"covariates[0]"}},
+      {"covariates",
+       json("[{\"column\": \"lead\"}]"),
+       {"model.nugget: expected 2 lists of 2 numbers"}},
+      {"crossValidation", json("{\"leaveOut\": \"line\"}"), {"crossValidation.line: missing"}},
+      {"crossValidation", json("{\"radius\": 3}"), {"has a meaning when balls are left out"}},
+      {"output.crossValidation", json("{}"), {"the job has no \"crossValidation\" of which"}},
+      {"variogram", json("{\"lag\": 0}"), {"variogram.lag: must be greater than 0"}},
+      {"variogram", json("{\"curve\": \"Variogramm\"}"), {"variogram.curve: \"Variogramm\""}},
+      {"variogram", json("{\"azimuth\": 3}"), {"has no meaning without \"regular\""}},
+      {"variogram", json("{\"width\": 3}"), {"variogram.width: has no meaning without"}},
+      {"variogram",
+       json("{\"regular\": 2, \"directions\": [{\"azimuth\": 1}]}"),
+       {"either \"regular\" or"}},
+      {"variogram", json("{\"directions\": []}"), {"expected 1 to 180 directions, found 0"}},
+      {"variogram",
+       json("{\"directions\": [{\"azimuth\": 1, \"dip\": 2}]}"),
+       {"variogram.directions[0].dip: the samples have two dimensions"}},
+      {"variogram",
+       json("{\"regular\": 2, \"angularTolerance\": 91}"),
+       {"variogram.angularTolerance: 91 is more than 90"}},
+      {"output.variogram", json("{}"), {"the job has no \"variogram\" of which"}},
+      {"grid", QJsonValue(QJsonValue::Undefined), {"the job has no \"grid\""}},
       {"output.grid", json("[\"k.xlsx\"]"), {"output.grid[0]: \"k.xlsx\" should end with .csv"}},
       {"output.maps.estimate", "e.jpg", {"output.maps.estimate: \"e.jpg\" should end with .png"}},
       {"output.report", "r.pdf", {"output.report: \"r.pdf\" should end with .html"}},

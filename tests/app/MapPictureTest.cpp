@@ -81,7 +81,8 @@ TEST(MapPicture, DrawsBothAxesAtOneScale)
 {
   // A grid without samples, 1000 wide and 300 high, in one colour.
   const NbgGeomGrid grid = makeGrid(50, 30, 20., 10., 0.);
-  const QImage picture = drawMap(grid, std::vector<double>(1500, 3.), Samples(), MapStyle());
+  const QImage picture =
+      drawMap(grid, std::vector<double>(1500, 3.), Samples(), MapStyle()).toImage();
   const QColor middle("#22908b");  // of the scale
   const QRect cells = boundsOf(picture, [&](const QColor &color) {
     return std::abs(color.red() - middle.red()) < 6 &&
@@ -113,15 +114,15 @@ TEST(MapPicture, GivesTheSamePixelsAgain)
       "A title of many words that does not fit on one line of the picture, "
       "so that it has to be broken");
   style.coloredSamples = true;
-  const QByteArray first = toPng(drawMap(grid, values, samples, style));
+  const QByteArray first = drawMap(grid, values, samples, style).toPng();
   EXPECT_GT(first.size(), 5000);
-  EXPECT_EQ(first, toPng(drawMap(grid, values, samples, style)));
+  EXPECT_EQ(first, drawMap(grid, values, samples, style).toPng());
 }
 
 TEST(MapPicture, DrawsGridsWithoutAnyValue)
 {
   const NbgGeomGrid grid = makeGrid(1, 1, 10., 10., 0.);
-  EXPECT_FALSE(drawMap(grid, {NbbGlobal::D_FFFF}, Samples(), MapStyle()).isNull());
+  EXPECT_FALSE(drawMap(grid, {NbbGlobal::D_FFFF}, Samples(), MapStyle()).toImage().isNull());
 }
 
 TEST(GeoTiff, PlacesEveryPixelOnItsCell)

@@ -56,7 +56,8 @@ using Nodes = std::map<std::pair<double, double>, Node>;
 Nodes readNodes(const QString &path)
 {
   CsvReader reader(path, path, CsvFormat());
-  EXPECT_EQ(reader.getColumns(), (QStringList{"x", "y", "estimate", "deviation", "variance"}));
+  EXPECT_EQ(reader.getColumns().mid(0, 5),
+            (QStringList{"x", "y", "estimate", "deviation", "variance"}));
   Nodes nodes;
   while (reader.next())
     nodes[{reader.getNumber(0), reader.getNumber(1)}] = {reader.getNumber(2), reader.getNumber(3),
@@ -86,6 +87,29 @@ void expectReference(const Nodes &nodes, const std::string &file, bool hasTies)
     ++nCompared;
   }
   EXPECT_GT(nCompared, 3000);
+}
+
+/// What the job of a variant writes into its own folder.
+Nodes runVariant(const QString &name, const apptest::Folder &folder)
+{
+  QJsonObject job = QJsonDocument::fromJson(
+                        apptest::readFile(ORVENAL_EXAMPLES "/meuse/variants/" + name + ".json"))
+                        .object();
+  const QString meuse = ORVENAL_EXAMPLES "/meuse/";
+  for (const char *table : {"data", "grid.mask", "grid.values"}) {
+    const QStringList place = QString(table).split('.') << "file";
+    if (apptest::valueAt(job, place).isString())
+      job =
+          apptest::withValue(
+              job, place, QString(meuse + apptest::valueAt(job, place).toString().section('/', -1)))
+              .toObject();
+  }
+  job = apptest::withValue(job, {"output", "directory"}, "out").toObject();
+  const Outcome outcome =
+      runProgram({"run", folder.write(name + ".json", QJsonDocument(job).toJson())});
+  EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+  EXPECT_GT(apptest::readFile(folder.path("out/" + name + ".html")).size(), 10000);
+  return readNodes(folder.path("out/" + name + ".csv"));
 }
 
 MeuseJob onlyCsv()
@@ -122,6 +146,46 @@ TEST(Program, KrigesWithAUniqueNeighborhoodAndAnisotropy)
   job.set("model.structures.0.azimuth", 30);
   ASSERT_EQ(runJob(job, folder).exitCode, 0);
   expectReference(readNodes(folder.path("out/k.csv")), "krige_ok_aniso_global.csv", false);
+}
+
+TEST(Program, KrigesEveryVariantOfTheExamples)
+{
+  const apptest::Folder folder;
+  expectReference(runVariant("simple", folder), "krige_sk_nmax16.csv", true);
+  expectReference(runVariant("universal", folder), "krige_uk_xy_nmax32.csv", true);
+  expectReference(runVariant("external-drift", folder), "krige_ked_sqrtdist_global.csv", false);
+
+  // Blocks: the reference has another variance of the block itself.
+  const Nodes blocks = runVariant("block", folder);
+  const testsupport::CsvFile blockReference("meuse/krige_block40_ok_nmax16.csv");
+  ASSERT_EQ(blocks.size(), blockReference["x"].size());
+  for (std::size_t i = 0; i < blocks.size(); ++i) {
+    if (blockReference["tie"][i] == 0.)
+      expectEqual(blocks.at({blockReference["x"][i], blockReference["y"][i]}).estimate,
+                  blockReference["estimate"][i]);
+  }
+
+  const Nodes cokriged = runVariant("cokriging", folder);
+  const testsupport::CsvFile reference("meuse/cokrige_ok_global_200.csv");
+  for (std::size_t i = 0; i < reference["x"].size(); ++i) {
+    const Node &node = cokriged.at({reference["x"][i], reference["y"][i]});
+    expectEqual(node.estimate, reference["lz_estimate"][i]);
+    expectEqual(node.variance, reference["lz_variance"][i]);
+  }
+
+  // Measurement errors with the variance of the nugget give what filtering the nugget gives.
+  const Nodes filtered = runVariant("filter", folder);
+  const Nodes withErrors = runVariant("measurement-error", folder);
+  ASSERT_EQ(filtered.size(), withErrors.size());
+  for (const auto &[place, node] : filtered)
+    expectEqual(node.estimate, withErrors.at(place).estimate);
+
+  for (const char *name : {"rescaled", "collocated"}) {
+    for (const auto &[place, node] : runVariant(name, folder)) {
+      EXPECT_TRUE(node.estimate > 4. && node.estimate < 8.) << name;
+      EXPECT_TRUE(node.variance > 0. && node.variance < 0.7) << name;
+    }
+  }
 }
 
 TEST(Program, WritesAGeoTiffThatSaysTheSame)
@@ -250,6 +314,122 @@ TEST(Program, KrigesInThreeDimensions)
   EXPECT_NEAR((found[{10., 0., 0.}]), 2.5, 1e-12);
   EXPECT_NEAR((found[{0., 10., 5.}]), 3.5, 1e-12);
   EXPECT_NEAR((found[{10., 10., 5.}]), 0.5, 1e-12);
+}
+
+TEST(Program, ComputesVariograms)
+{
+  const apptest::Folder folder;
+  MeuseJob job;
+  job.set("variogram", json("{\"lag\": 100, \"lags\": 15}"));
+  job.set("output.variogram", json("{\"table\": \"v.csv\", \"picture\": \"v.svg\","
+                                   " \"map\": \"m.png\", \"cloud\": \"c.svg\"}"));
+  const Outcome outcome =
+      runProgram({"variogram", "--quiet", job.writeTo(folder)}, folder.path(""));
+  ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
+  EXPECT_EQ(folder.list("out"), (QStringList{"out/c.svg", "out/m.png", "out/v.csv", "out/v.svg"}));
+
+  const testsupport::CsvFile reference("meuse/vario_centred_omni.csv");
+  CsvReader table(folder.path("out/v.csv"), "v.csv", CsvFormat());
+  std::size_t lag = 0;
+  for (; table.next(); ++lag) {
+    ASSERT_LT(lag, reference["np"].size());
+    EXPECT_EQ(table.getNumber(4), reference["np"][lag]);
+    expectEqual(table.getNumber(3), reference["mean_dist"][lag]);
+    expectEqual(table.getNumber(5), reference["gamma"][lag]);
+  }
+  EXPECT_EQ(lag, 15u);
+  EXPECT_THAT(apptest::readFile(folder.path("out/v.svg")).toStdString(),
+              HasSubstr("variance of the samples"));
+}
+
+TEST(Program, ComputesVariogramsByDirections)
+{
+  // Values that differ along x only: pairs along y have none.
+  const apptest::Folder folder;
+  QByteArray data = "x,y,v\n";
+  for (int i = 0; i < 64; ++i)
+    data += QByteArray::number(i % 8) + ',' + QByteArray::number(i / 8) + ',' +
+            QByteArray::number(i % 8) + '\n';
+  folder.write("d.csv", data);
+  folder.write("job.json", R"({"data": {"file": "d.csv", "x": "x", "y": "y"},
+    "variable": {"column": "v"},
+    "variogram": {"lag": 1, "lags": 4, "tolerance": 0.1,
+      "directions": [{"azimuth": 0, "angularTolerance": 5, "name": "north"},
+                     {"azimuth": 90, "angularTolerance": 5}]},
+    "output": {"variogram": {"table": "v.csv"}, "report": "r.html"}})");
+  const Outcome outcome = runProgram({"run", "job.json"}, folder.path(""));
+  ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
+  EXPECT_THAT(outcome.output, HasSubstr("north"));
+  CsvReader table(folder.path("v.csv"), "v.csv", CsvFormat());
+  int nLines = 0;
+  for (; table.next(); ++nLines) {
+    const double azimuth = table.getNumber(1);
+    const double distance = table.getNumber(3);
+    EXPECT_EQ(table.getNumber(4), 8. * (8. - distance));
+    EXPECT_NEAR(table.getNumber(5), azimuth == 90. ? distance * distance / 2. : 0., 1e-12);
+  }
+  EXPECT_EQ(nLines, 6);
+  const std::string html = apptest::readFile(folder.path("r.html")).toStdString();
+  EXPECT_THAT(html, HasSubstr("Experimental variograms"));
+  EXPECT_THAT(html, Not(HasSubstr("Neighborhood")));
+}
+
+TEST(Program, CrossValidates)
+{
+  const apptest::Folder folder;
+  MeuseJob job;
+  job.set("output.crossValidation", json("{\"table\": \"x.csv\", \"picture\": \"x.png\"}"));
+  job.set("crossValidation", json("{\"leaveOut\": \"sample\"}"));
+  for (const auto &[neighborhood, file, hasTies] :
+       {std::tuple("{\"type\": \"unique\"}", "meuse/loocv_ok_global.csv", false),
+        std::tuple("{\"type\": \"moving\", \"radius\": 5000, \"maximum\": 16}",
+                   "meuse/loocv_ok_nmax16.csv", true)}) {
+    job.set("neighborhood", json(neighborhood));
+    const Outcome outcome = runProgram({"xvalid", job.writeTo(folder)});
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_EQ(folder.list("out"), (QStringList{"out/x.csv", "out/x.png"}));
+    const testsupport::CsvFile reference(file);
+    CsvReader table(folder.path("out/x.csv"), "x.csv", CsvFormat());
+    double squares = 0.;
+    std::size_t i = 0;
+    for (; table.next(); ++i) {
+      squares += table.getNumber(5) * table.getNumber(5);
+      if (hasTies && reference["tie"][i] != 0.)
+        continue;
+      expectEqual(table.getNumber(3), reference["estimate"][i]);
+      expectEqual(table.getNumber(4), std::sqrt(reference["variance"][i]));
+      EXPECT_NEAR(table.getNumber(5), -reference["residual"][i], 1e-9);
+      EXPECT_NEAR(table.getNumber(6), -reference["zscore"][i], 1e-9);
+    }
+    EXPECT_EQ(i, 155u);
+    EXPECT_THAT(outcome.output,
+                HasSubstr(QString::number(std::sqrt(squares / 155.), 'g', 6).toStdString()));
+  }
+}
+
+TEST(Program, LeavesOutLinesAndBalls)
+{
+  // Two lines of equal values: without its own line a sample can only be given the other's value.
+  const apptest::Folder folder;
+  QByteArray data = "x,y,v,line\n";
+  for (int i = 0; i < 12; ++i)
+    data += QByteArray::number(i % 6) + ',' + QByteArray::number(10 * (i / 6)) + ',' +
+            QByteArray::number(1 + i / 6) + ',' + QByteArray::number(1 + i / 6) + '\n';
+  folder.write("d.csv", data);
+  for (const char *leaveOut : {"{\"leaveOut\": \"line\", \"line\": \"line\"}",
+                               "{\"leaveOut\": \"ball\", \"radius\": 8}"}) {
+    folder.write("job.json", QByteArray(R"({"data": {"file": "d.csv", "x": "x", "y": "y"},
+      "variable": {"column": "v"}, "crossValidation": )") +
+                                 leaveOut + R"(,
+      "model": {"structures": [{"type": "Spherical", "sill": 1, "range": 30}]},
+      "neighborhood": {"type": "unique"},
+      "output": {"crossValidation": {"table": "x.csv"}}})");
+    const Outcome outcome = runProgram({"run", "--quiet", "job.json"}, folder.path(""));
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
+    CsvReader table(folder.path("x.csv"), "x.csv", CsvFormat());
+    for (int i = 0; table.next(); ++i)
+      EXPECT_NEAR(table.getNumber(3), i < 6 ? 2. : 1., 1e-12) << leaveOut;
+  }
 }
 
 TEST(Program, ReportsNodesWithoutEnoughSamples)

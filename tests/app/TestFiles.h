@@ -80,6 +80,14 @@ inline QJsonValue withValue(const QJsonValue &root, const QStringList &place,
   return object;
 }
 
+/// The value at a place of a JSON object; undefined when there is none.
+inline QJsonValue valueAt(QJsonValue root, const QStringList &place)
+{
+  for (const QString &key : place)
+    root = root.toObject().value(key);
+  return root;
+}
+
 /// The job of the Meuse example, reading its data where they are and writing into `out` beside the
 /// job.
 class MeuseJob

@@ -110,7 +110,14 @@ void NgcACalculatorBuffer::_resetRun()
 
 NbdAData *NgcACalculatorBuffer::_takeNextBuffer(int &nSkipped)
 {
+  qint64 nSkippedSamples = 0;
+  return _takeNextBuffer(nSkipped, nSkippedSamples);
+}
+
+NbdAData *NgcACalculatorBuffer::_takeNextBuffer(int &nSkipped, qint64 &nSkippedSamples)
+{
   nSkipped = 0;
+  nSkippedSamples = 0;
   _checkForProgressStop();
   while (_pool.isOk() && _bufferIterator->hasNext()) {
     std::unique_ptr<NbdAData> buffer(_bufferIterator->next());
@@ -120,6 +127,7 @@ NbdAData *NgcACalculatorBuffer::_takeNextBuffer(int &nSkipped)
       return buffer.release();
     }
     ++nSkipped;
+    nSkippedSamples += buffer->getNSamples();
   }
   return nullptr;
 }

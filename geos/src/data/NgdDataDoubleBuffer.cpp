@@ -3,8 +3,8 @@
 #include "basic/data/NbdAData.h"
 
 NgdDataDoubleBuffer::NgdDataDoubleBuffer(const NbdAData *first, const NbdAData *second,
-                                         bool sameData)
-    : _first(first), _second(second), _sameData(sameData)
+                                         bool sameData, int rank1, int rank2)
+    : _first(first), _second(second), _sameData(sameData), _rank1(rank1), _rank2(rank2)
 {
 }
 

@@ -185,6 +185,16 @@ void NgdVariableRules::setLinkTo(const QString &id, const QString &role, const Q
   _links[key] = _DatasetRole{refId, refRole};
 }
 
+bool NgdVariableRules::isRegistered(const QString &id, const QString &role) const
+{
+  return _roles.value(id).contains(role);
+}
+
+bool NgdVariableRules::isLinked(const QString &id, const QString &role) const
+{
+  return _links.contains(_DatasetRole{id, role});
+}
+
 Nbd::ELoopPolicy NgdVariableRules::getLoopPolicy() const
 {
   return _hasMacroByPiece() ? Nbd::LOOP_ON_INDICES : Nbd::LOOP_NONE;

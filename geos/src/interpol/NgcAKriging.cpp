@@ -4,10 +4,16 @@
 #include "basic/base/NbbMessage.h"
 #include "basic/base/NbbUserStringFormats.h"
 #include "basic/error/NbeAssertion.h"
+#include "basic/error/NbeUserError.h"
 #include "basic/geom/NbgBox.h"
 #include "basic/unit/NbuEUnitClass.h"
+#include "geos/anam/NgmITransformation.h"
 #include "geos/data/NgdADataSet.h"
+#include "geos/interpol/NgmIKrigingPostPro.h"
 #include "geos/matrix/NgmKrigingSystemDual.h"
+#include "geos/stats/NgmIMultivariateTransform.h"
+#include "interpol/private/NgcKrigingNeighbors.h"
+#include "interpol/private/NgcKrigingSolver.h"
 
 #include <QObject>
 #include <QStringList>
@@ -43,44 +49,217 @@ void warnOfMissingData(const NbgBox &box, int nDimensions)
 
 }  // namespace
 
-NgcAKriging::NgcAKriging(const QString &key) : NgcAInterpol(key), _model(1)
+NgcAKriging::NgcAKriging(const QString &key)
+    : NgcAInterpol(key, true), _model(1), _pointGaussianCorrelation(0, 0, true)
 {
-  _addVariableRule(Nbd::Dataset::INPUT, Nbd::Role::V, Nbd::ACCESS_READ, Nbd::TYPE_DOUBLE, 1, 1);
-  for (const QString &role : {Nbd::Role::V, Nbd::Role::VARIANCE, Nbd::Role::STDEV})
-    _addVariableRule(Nbd::Dataset::OUTPUT, role, Nbd::ACCESS_WRITE, Nbd::TYPE_DOUBLE, 0, 1);
+  _setEnableFaults(true);
 }
 
 NgcAKriging::~NgcAKriging() = default;
+
+// Settings.
 
 void NgcAKriging::setVarioModel(const NgmVModel &model)
 {
   _model = model;
 }
 
-void NgcAKriging::_addRuntimeConstraints()
+void NgcAKriging::setKrigingMode(const NgcEKrigingMode &mode)
 {
-  NgcAInterpol::_addRuntimeConstraints();
-  const NgdADataSet &output = *getOutputDataset();
-  if (!output.hasVariablesWithRole(Nbd::Role::V) &&
-      !output.hasVariablesWithRole(Nbd::Role::VARIANCE) &&
-      !output.hasVariablesWithRole(Nbd::Role::STDEV))
-    NBE_FAIL(QObject::tr("No output variable to be estimated!"));
+  _mode = mode;
 }
+
+void NgcAKriging::setKrigingMode(NgcEKrigingMode::EValue mode)
+{
+  _mode = NgcEKrigingMode::fromValue(int(mode));
+}
+
+void NgcAKriging::setSimpleKrigingOption(Ngc::SimpleKrigingOption option)
+{
+  _simpleKrigingOption = option;
+}
+
+void NgcAKriging::setSimpleKrigingMean(int variable, double mean)
+{
+  if (variable < 0)
+    NBE_FAIL(QStringLiteral("variable >= 0"));
+  if (variable >= _means.size())
+    _means.resize(variable + 1);
+  _means[variable] = mean;
+}
+
+void NgcAKriging::setSimpleKrigingVariableOnlyOnTarget(bool only)
+{
+  _meansOnlyOnTarget = only;
+}
+
+void NgcAKriging::setStDevMeasError(int variable, const QString &name)
+{
+  _measurementErrors.insert(variable, name);
+}
+
+void NgcAKriging::setCollocated(int variable, const QString &name)
+{
+  _collocated.insert(variable, name);
+}
+
+void NgcAKriging::setCollocatedTransformation(bool transform)
+{
+  _collocatedTransformation = transform;
+}
+
+void NgcAKriging::setLGSModelRotationConvention(bool use, int conventionId)
+{
+  _lgsUseConvention = use;
+  _lgsConvention = conventionId;
+}
+
+void NgcAKriging::setLGSModelRotationForce2D(bool force)
+{
+  _lgsForce2D = force;
+}
+
+void NgcAKriging::setMonovariateTransformation(int variable,
+                                               const NgmITransformation &transformation)
+{
+  _monoTransfos[variable].reset(transformation.clone());
+}
+
+void NgcAKriging::setEnableMonovariateTransformation(bool enable)
+{
+  _monoTransfosEnabled = enable;
+}
+
+void NgcAKriging::setMultivariateTransformation(const NgmIMultivariateTransform &transformation)
+{
+  _multiTransfo.reset(transformation.clone());
+}
+
+void NgcAKriging::setDriftModel(const NgmDriftModel &model)
+{
+  _driftModel = model;
+}
+
+void NgcAKriging::setExtDriftModel(const NgmExtDriftModel &model)
+{
+  _extDriftModel = model;
+}
+
+void NgcAKriging::setBlockCorrectionCoefficient(int variable, double r)
+{
+  _blockCorrectionCoefficients.insert(variable, r);
+  _directBlock = true;
+}
+
+double NgcAKriging::getBlockCorrectionCoefficient(int variable) const
+{
+  return _blockCorrectionCoefficients.value(variable, NbbGlobal::D_FFFF);
+}
+
+bool NgcAKriging::hasBlockCorrectionCoefficient(int variable) const
+{
+  return _blockCorrectionCoefficients.contains(variable);
+}
+
+void NgcAKriging::setPointGaussianCorrelation(const NgmMatrix &correlation)
+{
+  _pointGaussianCorrelation = correlation;
+}
+
+void NgcAKriging::setGaussianKrigingPostPro(const NgmIKrigingPostPro &postPro)
+{
+  _postPro.reset(postPro.clone());
+}
+
+void NgcAKriging::_addFilterStructure(int structure)
+{
+  if (!_filteredStructures.contains(structure))
+    _filteredStructures << structure;
+}
+
+// What was set.
+
+bool NgcAKriging::isSimpleKriging() const
+{
+  return _mode == NgcEKrigingMode::SIMPLE_KRIGING;
+}
+
+bool NgcAKriging::isRescaledCokriging() const
+{
+  return _mode == NgcEKrigingMode::RESCALED_COKRIGING;
+}
+
+double NgcAKriging::getSimpleKrigingMean(int variable) const
+{
+  return _means.value(variable, 0.);
+}
+
+bool NgcAKriging::needMeanCorrection() const
+{
+  if (!isSimpleKriging() && !isRescaledCokriging())
+    return false;
+  return _simpleKrigingOption == Ngc::SIMPLE_KRIGING_LOCAL_MEAN ||
+         std::any_of(_means.begin(), _means.end(), [](double mean) { return mean != 0.; });
+}
+
+int NgcAKriging::getNDriftEquations() const
+{
+  if (isSimpleKriging())
+    return 0;
+  return _driftModel.getNDriftEquations() + _extDriftModel.getNDriftEquations();
+}
+
+bool NgcAKriging::isFilteringComponentsEnabled() const
+{
+  return _filterNugget || !_filteredStructures.isEmpty() || _filterDrifts;
+}
+
+bool NgcAKriging::isUsingMonoTransfo(int variable) const
+{
+  return _monoTransfos.find(variable) != _monoTransfos.end();
+}
+
+const NgmITransformation &NgcAKriging::getMonoTransfo(int variable) const
+{
+  if (!isUsingMonoTransfo(variable))
+    NBE_FAIL(QStringLiteral("isUsingMonoTransfo(variable)"));
+  return *_monoTransfos.at(variable);
+}
+
+const NgmIMultivariateTransform &NgcAKriging::getMultiTransfo() const
+{
+  if (!isUsingMultiTransfo())
+    NBE_FAIL(QStringLiteral("isUsingMultiTransfo()"));
+  return *_multiTransfo;
+}
+
+bool NgcAKriging::hasMeansOfTargetsOnly() const
+{
+  return needMeanCorrection() && _meansOnlyOnTarget &&
+         _simpleKrigingOption == Ngc::SIMPLE_KRIGING_LOCAL_MEAN;
+}
+
+// Run.
 
 void NgcAKriging::_preProcessing()
 {
   _setModelContext();
+  _checkMeasurementErrors();
+  _checkCollocated();
+  _prepareModels();
 }
 
 void NgcAKriging::_preLaunchThreads()
 {
   _systemDual.reset();
+  _companionDual.reset();
   if (!isUsingMoving())
     _buildUniqueKrigingSystem();
 }
 
 void NgcAKriging::_setModelContext()
 {
+  _model.setContextIrfDegree(isSimpleKriging() ? -1 : _driftModel.getMaximumPolynomialDegree());
   _model.setContextNDim(getOutputDataset()->getNDimensions());
   if (_model.getEffectiveIrfDegree() >= 0)
     _model.setContextFieldSize(_calcFieldSize());
@@ -99,20 +278,61 @@ double NgcAKriging::_calcFieldSize() const
   return largest;
 }
 
+/// The model without filtered components, and the variances of blocks that all have one size.
+void NgcAKriging::_prepareModels()
+{
+  _filteredModel.reset();
+  if (_filterNugget || !_filteredStructures.isEmpty())
+    _filteredModel =
+        std::make_unique<NgmVModel>(_model.buildFilteredModel(_filterNugget, _filteredStructures));
+  _blockVariances.clear();
+  if (!isBlockInterpolation() || isBlockVariableSize())
+    return;
+  const NgmMatrix cvv = getEstimatedModel().computeMeanCvv(getBlockDefinition());
+  for (int variable = 0; variable < getNVariables(); ++variable)
+    _blockVariances << cvv.getElement(variable, variable);
+}
+
 void NgcAKriging::_buildUniqueKrigingSystem()
 {
   _setProgressMessageDetail(QObject::tr("Building Kriging System..."));
+  if (isBlockInterpolation() && isDirectBlock())
+    NBE_FAIL(QObject::tr("You cannot define both Block Interpolation and Direct Block Kriging."));
   const NbdDataPoints &data = getAllInputData();
-  if (data.getNSamples() == 0) {
-    NbgBox targets;
-    getOutputDataset()->updateBoundingBox(targets);
-    warnOfMissingData(targets, getOutputDataset()->getNDimensions());
+  const int n = data.getNSamples();
+  if (n == 0) {
+    warnOfMissingData(_getTargetsBox(), getOutputDataset()->getNDimensions());
     return;
   }
-  auto system = std::make_unique<NgmKrigingSystemDual>(data.getNSamples(), 1, false, false, 0);
+  NgcKrigingNeighbors neighbors(*this);
+  neighbors.setSource(data, n);
+  QVector<double> means;
+  for (int variable = 0; variable < getNVariables(); ++variable)
+    means << getSimpleKrigingMean(variable);
+  const NgmKrigingSamples &samples =
+      neighbors.take(n, hasMeansOfTargetsOnly() ? nullptr : means.constData());
+
+  auto system = std::make_unique<NgmKrigingSystemDual>(n, getNVariables(), isSimpleKriging(),
+                                                       isRescaledCokriging(), getNDriftEquations());
+  NgcKrigingSystems::configure(*this, *system);
   // One thread: another factorization, and other bits, come with the parallel path.
-  system->buildSystem(_model, *data.getCoordinates(0), *data.getCoordinates(1),
-                      *data.getCoordinates(2),
-                      data.getDataTableConst().getVarsNumeric(Nbd::Role::V), 1, {});
+  system->buildSystem(_model, samples, 1);
+  if (system->hasDriftError())
+    throw NbeUserError(system->getDriftError());
   _systemDual = std::move(system);
+  if (!isSimpleKriging() && getOutputDataset()->hasVariablesWithRole(Nbd::Role::WEIGHT_OF_MEAN))
+    _buildCompanionSystem(samples);
+}
+
+/// Its failure is told for each target.
+void NgcAKriging::_buildCompanionSystem(const NgmKrigingSamples &samples)
+{
+  auto system = std::make_unique<NgmKrigingSystemDual>(samples.n, getNVariables(), true, false, 0);
+  NgcKrigingSystems::configureCompanion(*this, *system);
+  try {
+    system->buildSystem(_model, samples, 1);
+  } catch (const NbeUserError &) {
+    return;
+  }
+  _companionDual = std::move(system);
 }

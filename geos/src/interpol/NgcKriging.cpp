@@ -1,6 +1,6 @@
 #include "geos/interpol/NgcKriging.h"
 
-#include "interpol/private/NgcAKrigingWorker.h"
+#include "geos/interpol/NgcAKrigingWorker.h"
 
 #include <QObject>
 
@@ -20,7 +20,8 @@ void NgcKriging::_preProcessing()
 void NgcKriging::_preLaunchThreads()
 {
   NgcAKriging::_preLaunchThreads();
-  _setProgressMessageDetail(QObject::tr("Kriging Target Points..."));
+  _setProgressMessageDetail(isBlockInterpolation() ? QObject::tr("Kriging Target Blocks...")
+                                                   : QObject::tr("Kriging Target Points..."));
 }
 
 void NgcKriging::_postProcessing()

@@ -3,6 +3,26 @@
 #include "basic/data/NbdAVariableNumeric.h"
 #include "basic/geom/NbgEDimension.h"
 
+namespace {
+
+QVector<double> valuesOf(const NbdDataTable &table, const QString &role)
+{
+  QVector<double> values;
+  if (const NbdAVariableNumeric *variable = table.getVarNumeric(role)) {
+    values.reserve(variable->getNValues());
+    for (int sample = 0; sample < variable->getNValues(); ++sample)
+      values << variable->getValue(sample);
+  }
+  return values;
+}
+
+double valueAt(const QVector<double> &values, int sample, double absent)
+{
+  return values.isEmpty() ? absent : values[sample];
+}
+
+}  // namespace
+
 NgmLgsNeighborhoodMoving::NgmLgsNeighborhoodMoving(const NgmNeighborhoodMoving &parameters)
     : NgmNeighborhoodMoving(parameters)
 {
@@ -60,19 +80,33 @@ void NgmLgsNeighborhoodMoving::setAnglesConvention(bool use, int conventionId)
 
 void NgmLgsNeighborhoodMoving::registerVariables(const NbdDataTable &targets)
 {
+  const QString factors[] = {getRoleRadiusFactor(), getRoleRadiusFactorU(), getRoleRadiusFactorV(),
+                             getRoleRadiusFactorW()};
+  const QString angles[] = {getRoleRot1(), getRoleRot2(), getRoleRot3()};
   _baseSize = getEllipseSize();
   _baseRotation = getEllipseRotation();
   _table.clearTable();
-  for (const QString &role :
-       {getRoleRadiusFactor(), getRoleRadiusFactorU(), getRoleRadiusFactorV(),
-        getRoleRadiusFactorW(), getRoleRot1(), getRoleRot2(), getRoleRot3()}) {
-    if (const NbdAVariableNumeric *variable = targets.getVarNumeric(role))
-      _table.addVariable(role, *variable);
-  }
-  _hasRadius = _table.hasRole(getRoleRadiusFactor()) || _table.hasRole(getRoleRadiusFactorU()) ||
-               _table.hasRole(getRoleRadiusFactorV()) || _table.hasRole(getRoleRadiusFactorW());
-  _hasRotation = _table.hasRole(getRoleRot1());
+  for (const QString &role : factors)
+    _register(role, targets);
+  for (const QString &role : angles)
+    _register(role, targets);
   _fixRadiusFactor();
+
+  _hasRadius = _hasRotation = false;
+  for (int i = 0; i < 4; ++i) {
+    _radiusFactors[i] = valuesOf(_table, factors[i]);
+    _hasRadius |= _table.hasRole(factors[i]);
+  }
+  for (int i = 0; i < 3; ++i) {
+    _angles[i] = valuesOf(_table, angles[i]);
+    _hasRotation |= _table.hasRole(angles[i]);
+  }
+}
+
+void NgmLgsNeighborhoodMoving::_register(const QString &role, const NbdDataTable &targets)
+{
+  if (const NbdAVariableNumeric *variable = targets.getVarNumeric(role))
+    _table.addVariable(role, *variable);
 }
 
 void NgmLgsNeighborhoodMoving::_fixRadiusFactor()
@@ -98,14 +132,22 @@ bool NgmLgsNeighborhoodMoving::patchNeighborhood(int sample)
   return true;
 }
 
+void NgmLgsNeighborhoodMoving::unpatchNeighborhood()
+{
+  if (!needPatching())
+    return;
+  setEllipseSize(_baseSize);
+  setEllipseRotation(_baseRotation);
+}
+
 void NgmLgsNeighborhoodMoving::_patchRadiusFactor(int sample)
 {
   if (!_hasRadius)
     return;
-  const double all = _value(getRoleRadiusFactor(), sample, 1.);
-  const NbgVector3D factors(_value(getRoleRadiusFactorU(), sample, 1.),
-                            _value(getRoleRadiusFactorV(), sample, 1.),
-                            _value(getRoleRadiusFactorW(), sample, 1.));
+  const double all = valueAt(_radiusFactors[0], sample, 1.);
+  const NbgVector3D factors(valueAt(_radiusFactors[1], sample, 1.),
+                            valueAt(_radiusFactors[2], sample, 1.),
+                            valueAt(_radiusFactors[3], sample, 1.));
   setEllipseSize((all * _baseSize).componentsProduct(factors));
 }
 
@@ -113,8 +155,8 @@ void NgmLgsNeighborhoodMoving::_patchRotations(int sample)
 {
   if (!_hasRotation)
     return;
-  const NbgVector3D angles(_value(getRoleRot1(), sample, 0.), _value(getRoleRot2(), sample, 0.),
-                           _value(getRoleRot3(), sample, 0.));
+  const NbgVector3D angles(valueAt(_angles[0], sample, 0.), valueAt(_angles[1], sample, 0.),
+                           valueAt(_angles[2], sample, 0.));
   if (!angles.isDefined()) {
     setEllipseRotation(_baseRotation);
     return;
@@ -123,12 +165,6 @@ void NgmLgsNeighborhoodMoving::_patchRotations(int sample)
   if (_force2D || _nDimensions < 3)
     rotation.setDimension(NbgEDimension::DIM_2D);
   setEllipseRotation(rotation);
-}
-
-double NgmLgsNeighborhoodMoving::_value(const QString &role, int sample, double absent) const
-{
-  const NbdAVariableNumeric *variable = _table.getVarNumeric(role);
-  return variable ? variable->getValue(sample) : absent;
 }
 
 QString NgmLgsNeighborhoodMoving::debug(int level) const

@@ -2,6 +2,9 @@
 
 #include <QDataStream>
 
+#include <array>
+#include <limits>
+
 // The stream of the parameters.
 
 namespace {
@@ -52,6 +55,22 @@ void writeCap(QDataStream &stream, bool active, const NgcECutoffMode &mode, doub
   stream << quint32(active);
   if (active)
     stream << quint32(mode.getValue()) << threshold << distance.x() << distance.y() << distance.z();
+}
+
+/// Both pairs with their values, where a value may not have been written: what a stream misses at
+/// its end because of that is 0. Anything else missing is a stream cut short.
+std::array<int, 4> readCodeNumberPairs(QDataStream &stream)
+{
+  std::array<int, 4> pairs = {};
+  int count = 0;
+  for (; count < 4 && !stream.atEnd(); ++count)
+    pairs[count] = readInt(stream);
+  const bool hasNoValue = count == 2 && pairs[0] == 0 && pairs[1] == 0;
+  const bool hasFirstValue = count == 3 && pairs[0] != 0 && pairs[2] == 0;
+  const bool hasSecondValue = count == 3 && pairs[0] == 0 && pairs[1] != 0;
+  if (count < 4 && !hasNoValue && !hasFirstValue && !hasSecondValue)
+    stream.setStatus(QDataStream::ReadPastEnd);
+  return pairs;
 }
 
 }  // namespace
@@ -200,8 +219,12 @@ void NgmNeighborhoodMoving::_readCodeRules(QDataStream &stream, unsigned int ver
 
   // Files depend on this: both pairs end in the rule of the maximum, and their values are looked
   // for under the flag of the rule above.
-  for (int pair = 0; pair < 2; ++pair) {
-    const bool active = readFlag(stream);
-    setRuleMaximumCodeNumber(active, _ruleMaximumPerCode ? readInt(stream) : 1);
+  if (_ruleMaximumPerCode) {
+    const std::array<int, 4> pairs = readCodeNumberPairs(stream);
+    setRuleMaximumCodeNumber(pairs[0] != 0, pairs[1]);
+    setRuleMaximumCodeNumber(pairs[2] != 0, pairs[3]);
+    return;
   }
+  for (int pair = 0; pair < 2; ++pair)
+    setRuleMaximumCodeNumber(readFlag(stream), 1);
 }

@@ -1,6 +1,9 @@
 #include "geos/matrix/NgmLinearSystem.h"
 
+#include "matrix/private/NgmSymmetricPivots.h"
+
 #include <algorithm>
+#include <cmath>
 
 NgmLinearSystem::NgmLinearSystem() : NgmLinearSystem(1, 1, true) {}
 
@@ -41,9 +44,20 @@ int NgmLinearSystem::solve()
 {
   _factor.copyDeep(_lhs);
   _results.copyDeep(_rhs);
-  const int info = _factor.resolveEquat(_results, _pivots.data(), 1);
+  int info = _factor.resolveEquat(_results, _pivots.data(), 1);
+  if (info == 0 && _lhs.mustBeSymmetrical())
+    info = _findNullPivot();
   _solved = info == 0;
   return info;
+}
+
+int NgmLinearSystem::_findNullPivot()
+{
+  const int n = _lhs.getNRows();
+  _growth.resize(std::size_t(n));
+  for (int i = 0; i < n; ++i)
+    _growth[std::size_t(i)] = std::abs(_lhs(i, i));
+  return findNullPivot(n, _factor.constElements(), _pivots.data(), _growth.data());
 }
 
 QString NgmLinearSystem::debug(int level) const

@@ -53,6 +53,12 @@ void NgcAStat::saveStat(std::unique_ptr<NgaIAdditive> partial)
     _incrementCounter(1);
 }
 
+void NgcAStat::_saveStat(qint64 rank, std::unique_ptr<NgaIAdditive> partial)
+{
+  QMutexLocker lock(&_accumulatorMutex);
+  _partials.add(rank, std::move(partial));
+}
+
 void NgcAStat::_checkDatasets()
 {
   if (!_getDataset(Nbd::Dataset::INPUT))

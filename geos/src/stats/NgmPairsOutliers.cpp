@@ -14,10 +14,10 @@ void keepExtremes(Pairs &pairs, int n, bool upper)
     return std::make_tuple(upper ? -pair.getValue() : pair.getValue(), pair.getSampleNumber1(),
                            pair.getSampleNumber2());
   };
-  std::sort(pairs.begin(), pairs.end(),
-            [&key](const auto &a, const auto &b) { return key(a) < key(b); });
-  if (int(pairs.size()) > n)
-    pairs.erase(pairs.begin() + n, pairs.end());
+  const auto end = pairs.begin() + std::min(n, int(pairs.size()));
+  std::partial_sort(pairs.begin(), end, pairs.end(),
+                    [&key](const auto &a, const auto &b) { return key(a) < key(b); });
+  pairs.erase(end, pairs.end());
 }
 
 }  // namespace

@@ -65,5 +65,8 @@ void NgmVariogramCloud::doSum(const NgmVariogramCloud &other)
 
 void NgmVariogramCloud::doSum(const NgaIAdditive &other)
 {
-  doSum(dynamic_cast<const NgmVariogramCloud &>(other));
+  const auto *cloud = dynamic_cast<const NgmVariogramCloud *>(&other);
+  if (!cloud)
+    NBE_FAIL(QStringLiteral("not a variogram cloud"));
+  doSum(*cloud);
 }

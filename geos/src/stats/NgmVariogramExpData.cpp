@@ -265,6 +265,13 @@ const NbdDataTable &NgmVariogramExpData::_getTable(int dir, bool isCova, int i, 
   return tables[rank];
 }
 
+// Copies share tables: one that is to be changed is taken from them first.
+NbdDataTable &NgmVariogramExpData::_getOwnTable(int dir, bool isCova, int i, int j)
+{
+  _getTable(dir, isCova, i, j);
+  return (isCova ? _covas : _varios)[_tableRank(dir, i, j)];
+}
+
 template <class Curve>
 QList<NbdDataTable> NgmVariogramExpData::_newTables(const QList<Curve> &curves, bool isCova) const
 {
@@ -306,7 +313,7 @@ void NgmVariogramExpData::_checkColumn(int dir, bool isCova, int n) const
 void NgmVariogramExpData::setDistances(int dir, bool isCova, int i, int j, int n,
                                        const double *values)
 {
-  const NbdDataTable &table = _getTable(dir, isCova, i, j);
+  NbdDataTable &table = _getOwnTable(dir, isCova, i, j);
   _checkColumn(dir, isCova, n);
   std::copy_n(values, n, table.getVarDoubleRef(distanceRole()).getArray());
 }
@@ -314,7 +321,7 @@ void NgmVariogramExpData::setDistances(int dir, bool isCova, int i, int j, int n
 void NgmVariogramExpData::setNumberOfPairs(int dir, bool isCova, int i, int j, int n,
                                            const long long *values)
 {
-  const NbdDataTable &table = _getTable(dir, isCova, i, j);
+  NbdDataTable &table = _getOwnTable(dir, isCova, i, j);
   _checkColumn(dir, isCova, n);
   std::copy_n(values, n, table.getVarInt64Ref(Nbd::Role::NPAIRS).getArray());
 }
@@ -322,7 +329,7 @@ void NgmVariogramExpData::setNumberOfPairs(int dir, bool isCova, int i, int j, i
 void NgmVariogramExpData::_setColumn(int dir, bool isCova, const NbbAEnum &curve, int i, int j,
                                      int n, const double *values)
 {
-  const NbdDataTable &table = _getTable(dir, isCova, i, j);
+  NbdDataTable &table = _getOwnTable(dir, isCova, i, j);
   _checkColumn(dir, isCova, n);
   std::copy_n(values, n, table.getVarDoubleRef(getColumnKey(curve)).getArray());
 }

@@ -71,7 +71,8 @@ struct Configuration
   bool hasCollocated = false;
   bool forcesCollocated = false;
   std::vector<double> factors;  ///< per target: of the radii, with the local ellipsoid
-  std::vector<double> angles;
+  std::vector<double> factorsOfAxes[3];
+  std::vector<double> angles[3];
 
   static constexpr int nTargets = 5;
   std::vector<NbgVector3D> targets;
@@ -107,6 +108,8 @@ struct Answer
   int level = -1;
   std::vector<Selected> selected;
   std::vector<std::vector<double>> values;  ///< of the neighbors, per variable
+  int nCodes = 0;
+  std::vector<int> nCodesOf;  ///< where a variable is defined
   bool hasCollocatedTarget = false;
 };
 
@@ -138,6 +141,7 @@ public:
           (key == "NEIGH_BLOCK_ONLY" && level == int(_c.levels.size()))) {
         answer.level = level;
         answer.selected = _selected;
+        _countCodes(answer);
         _fillValues(answer, key == "NEIGH_SUCCESS" || key == "NEIGH_PROXIMITY");
         return answer;
       }
@@ -183,10 +187,19 @@ private:
       if (change.maximumPerSector >= 0)
         _p.setSectors(_p.getSectorsNumber(), change.maximumPerSector, _p.isSplitSectors());
     }
-    if (!_c.factors.empty())
-      size = (NbbGlobal::isDefined(_c.factors[_index]) ? _c.factors[_index] : 0.) * size;
-    if (!_c.angles.empty() && NbbGlobal::isDefined(_c.angles[_index]))
-      _p.setEllipseRotation(NbgRotation(_c.angles[_index], 0., 0.));
+    const auto factorOf = [this](const std::vector<double> &factors) {
+      if (factors.empty())
+        return 1.;
+      return NbbGlobal::isDefined(factors[_index]) ? factors[_index] : 0.;
+    };
+    size = factorOf(_c.factors) * size;
+    for (int axis = 0; axis < 3; ++axis)
+      size[axis] = size[axis] * factorOf(_c.factorsOfAxes[axis]);
+    NbgVector3D angles;
+    for (int i = 0; i < 3 && !_c.angles[i].empty(); ++i)
+      angles[i] = _c.angles[i][_index];
+    if (!_c.angles[0].empty() && angles.isDefined())
+      _p.setEllipseRotation(NbgRotation(angles.x(), angles.y(), angles.z()));
     _p.setEllipseSize(size);
   }
 
@@ -248,6 +261,10 @@ private:
     const NbgVector3D half = fromBlock ? 0.5 * _c.block->getSize() : size;
     const NbgRotation boxRotation = fromBlock ? _c.block->getRotation() : _p.getEllipseRotation();
 
+    bool isNull = false;
+    for (int axis = 0; axis < _c.nDimensions; ++axis)
+      isNull = isNull || size[axis] == 0.;
+
     std::vector<Candidate> more;
     for (int id = 0; id < _nMain() + int(_c.moreLocations.size()); ++id) {
       if (!_isMain(id) && !_c.moreEnabled[id - _nMain()])
@@ -287,11 +304,11 @@ private:
       }
       if (isInBox && _c.block && _p.isRuleBlockKeepAll() &&
           _isWithin(b, 0.5 * _c.block->getSize())) {
-        _selected.push_back({id, _sector(l), e});
+        _selected.push_back({id, _sector(l, q), e});
         continue;
       }
-      if (a < radius * radius) {
-        const Candidate candidate = {id, _p.isRuleAnisotropicDistances() ? a : e, e, _sector(l)};
+      if (a < radius * radius && !isNull) {
+        const Candidate candidate = {id, _p.isRuleAnisotropicDistances() ? a : e, e, _sector(l, q)};
         (_isMain(id) ? _candidates : more).push_back(candidate);
       }
     }
@@ -404,7 +421,7 @@ private:
     return (radii.x() == 0. && radii.y() == 0. && radii.z() == 0.) || sum >= 1.;
   }
 
-  int _sector(const NbgVector3D &l) const
+  int _sector(const NbgVector3D &l, const NbgVector3D &q) const
   {
     const int n = _p.getSectorsNumber();
     int sector = 0;
@@ -416,7 +433,7 @@ private:
       if (sector >= n)
         sector = 0;
     }
-    return _p.isSplitSectors() && l.z() < 0. ? sector + n : sector;
+    return _p.isSplitSectors() && !(q.z() >= 0.) ? sector + n : sector;
   }
 
   int _code(int id) const
@@ -513,6 +530,19 @@ private:
     return (consecutive ? longest : nEmpty) > _p.getMaximumEmptySectors();
   }
 
+  void _countCodes(Answer &answer) const
+  {
+    answer.nCodes = int(_selectedCodes().size());
+    for (int v = 0; v < int(_c.values.size()); ++v) {
+      std::set<int> codes;
+      for (const Selected &s : _selected) {
+        if (_code(s.sample) != -99 && _defined(s.sample, v))
+          codes.insert(_code(s.sample));
+      }
+      answer.nCodesOf.push_back(int(codes.size()));
+    }
+  }
+
   void _fillValues(Answer &answer, bool withCaps) const
   {
     answer.values.resize(_c.values.size());
@@ -598,7 +628,7 @@ inline void Configuration::_drawVolume()
   parameters.setIsRectangular(_oneIn(10));
   parameters.setRuleAnisotropicDistances(_draw(2) == 0);
   const int nSectors = _draw(2) ? 1 : 1 + _draw(8);
-  const int perSector = _oneIn(8) ? 300 : 1 + _draw(12);
+  const int perSector = _oneIn(8) ? 300 : 1 + _draw(_oneIn(3) ? 2 : 12);
   parameters.setSectors(nSectors, perSector, nDimensions == 3 && _oneIn(3));
   const int capacity = parameters.getSplittedSectorsNumber() * perSector;
   parameters.setRuleMinimumNumber(true, _draw(std::min(8, capacity + 1)));
@@ -643,7 +673,13 @@ inline void Configuration::_drawRules()
     reject.mode = NgcERejectionMode::fromValue(_draw(3));
     reject.option = NgcERejectionAuxVarOption::fromValue(_draw(3));
     reject.variable = _draw(int(values.size()));
-    reject.partition.setCuboidSize(box(40.));
+    reject.partition.setShape(NgcESolidShape::fromValue(_draw(3)));
+    if (reject.partition.getShape() == NgcESolidShape::SHAPE_CUBOID)
+      reject.partition.setCuboidSize(box(40.));
+    else if (reject.partition.getShape() == NgcESolidShape::SHAPE_ELLIPSOID)
+      reject.partition.setEllipsoidSize(box(20.));
+    else
+      reject.partition.setEllipticCylinderSize(_uniform(0., 20.), _uniform(0., 20.), undefined);
     reject.partition.setRotation(NbgRotation(15. * _draw(24), 0., 0.));
     rejection = reject;
     return;
@@ -687,7 +723,8 @@ inline void Configuration::_drawExtras()
 inline void Configuration::_drawTargets()
 {
   const bool isLocal = _oneIn(8);
-  const bool turns = isLocal && nDimensions > 1 && _draw(2);
+  const bool isPerAxis = isLocal && _oneIn(2);
+  const int nAngles = isLocal && nDimensions > 1 && _draw(2) ? (nDimensions > 2 ? 3 : 1) : 0;
   for (int k = 0; k < nTargets; ++k) {
     const int rank = !locations.empty() && (rejection ? _draw(5) > 0 : _oneIn(4))
                          ? _draw(int(locations.size()))
@@ -697,10 +734,13 @@ inline void Configuration::_drawTargets()
     if (rank < 0 && _oneIn(10))
       targets.back() += NbgVector3D(500., 0., 0.);
     targetValues.push_back(_oneIn(5) ? undefined : _uniform());
-    if (isLocal)
-      factors.push_back(_oneIn(6) ? undefined : 0.5 + 0.5 * _draw(4));
-    if (turns)
-      angles.push_back(_oneIn(4) ? undefined : 15. * _draw(24));
+    const auto drawFactor = [this] { return _oneIn(6) ? undefined : 0.5 + 0.5 * _draw(4); };
+    if (isLocal && !isPerAxis)
+      factors.push_back(drawFactor());
+    for (int axis = 0; axis < 3 && isPerAxis; ++axis)
+      factorsOfAxes[axis].push_back(drawFactor());
+    for (int i = 0; i < nAngles; ++i)
+      angles[i].push_back(_oneIn(8) ? undefined : 15. * _draw(24));
   }
 }
 

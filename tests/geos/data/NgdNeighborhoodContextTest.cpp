@@ -51,8 +51,10 @@ public:
     QMap<int, NbdAVariableNumeric *> collocated;
     if (_configuration.hasCollocated)
       collocated[0] = targets.getDataTableConst().getVarNumeric(Nbd::Role::COLLOCATED);
-    context.initialize(moving, !_configuration.factors.empty(), false, 0, false,
-                       targets.getDataTableConst(), variables, collocated);
+    const bool isLocal =
+        !_configuration.factors.empty() || !_configuration.factorsOfAxes[0].empty();
+    context.initialize(moving, isLocal, false, 0, false, targets.getDataTableConst(), variables,
+                       collocated);
     context.setForceCollocated(_configuration.forcesCollocated);
     if (_configuration.block)
       context.setTargetBlock(*_configuration.block);
@@ -133,7 +135,13 @@ private:
     };
     add(Nbd::Role::COLLOCATED, _configuration.targetValues);
     add(NgmLgsNeighborhoodMoving::getRoleRadiusFactor(), _configuration.factors);
-    add(NgmLgsNeighborhoodMoving::getRoleRot1(), _configuration.angles);
+    using Lgs = NgmLgsNeighborhoodMoving;
+    add(Lgs::getRoleRadiusFactorU(), _configuration.factorsOfAxes[0]);
+    add(Lgs::getRoleRadiusFactorV(), _configuration.factorsOfAxes[1]);
+    add(Lgs::getRoleRadiusFactorW(), _configuration.factorsOfAxes[2]);
+    add(Lgs::getRoleRot1(), _configuration.angles[0]);
+    add(Lgs::getRoleRot2(), _configuration.angles[1]);
+    add(Lgs::getRoleRot3(), _configuration.angles[2]);
     table.adjustNSamples();
   }
 
@@ -165,6 +173,9 @@ void expectAnswer(const Configuration &configuration, const NgdNeighborhoodConte
     ASSERT_EQ(context.getSectors()[i], expected.selected[i].sector);
     ASSERT_EQ(context.getSquaredDistances()[i], expected.selected[i].squaredDistance);
   }
+  ASSERT_EQ(context.getNSelectedCodes(), expected.nCodes);
+  for (std::size_t v = 0; v < expected.nCodesOf.size(); ++v)
+    ASSERT_EQ(context.getNSelectedCodesByVar(int(v)), expected.nCodesOf[v]);
   ASSERT_EQ(context.getCollocatedRank(), expected.hasCollocatedTarget ? n : -1);
   ASSERT_EQ(context.getNNeighbors(), n + expected.hasCollocatedTarget);
 
@@ -190,6 +201,7 @@ TEST(NgdNeighborhoodContext, SelectsWhatTheRulesSay)
 {
   std::map<std::string, int> outcomes;
   qint64 nNearest = 0;
+  qint64 nNearestInSectors = 0;
   int nLevels = 0;
   for (std::uint64_t seed = 1; seed <= 4000; ++seed) {
     SCOPED_TRACE(seed);
@@ -211,6 +223,8 @@ TEST(NgdNeighborhoodContext, SelectsWhatTheRulesSay)
       nLevels += level > 0;
     }
     nNearest += context.getNNearestSearches();
+    if (configuration.parameters.getSplittedSectorsNumber() > 1)
+      nNearestInSectors += context.getNNearestSearches();
   }
   // Every outcome occurs, and both roads.
   EXPECT_EQ(outcomes.size(), 9u);
@@ -218,6 +232,7 @@ TEST(NgdNeighborhoodContext, SelectsWhatTheRulesSay)
     EXPECT_GT(count, 20) << key;
   EXPECT_GT(nLevels, 300);
   EXPECT_GT(nNearest, 2000);
+  EXPECT_GT(nNearestInSectors, 100);
 }
 
 TEST(NgdNeighborhoodContext, AnswersTheSameFromEightThreads)
@@ -269,7 +284,10 @@ Configuration twoSamples()
   configuration.moreValues.clear();
   configuration.moreEnabled.clear();
   configuration.factors.clear();
-  configuration.angles.clear();
+  for (int i = 0; i < 3; ++i) {
+    configuration.factorsOfAxes[i].clear();
+    configuration.angles[i].clear();
+  }
   return configuration;
 }
 
@@ -373,6 +391,156 @@ TEST(NgdNeighborhoodContext, RefusesWhatDoesNotGoTogether)
   EXPECT_EQ(testsupport::errorOf([&] { fresh.addAlternativeParameters({}); }),
             QStringLiteral("NgdNeighborhoodMoving::addAlternativeParameters: setParameters method "
                            "not called before"));
+}
+
+TEST(NgdNeighborhoodContext, TurnsToTheEllipsoidOfEachTarget)
+{
+  // Radius 5: the samples stand 0 and 5 from the target.
+  Configuration configuration = twoSamples();
+  configuration.factors = {2., 1., NbbGlobal::D_FFFF, -2.};
+  const Search search(configuration);
+  NgdNeighborhoodContext context;
+  search.prepare(context);
+  const auto countAt = [&](int targetIndex) {
+    int level = 7;
+    const NgcENeighborhoodErrorCode &outcome =
+        context.setTargetLocation(NbgVector3D(), targetIndex, NbbGlobal::I64_FFFF, &level);
+    EXPECT_EQ(context.getNNeighbors() > 0, outcome == NgcENeighborhoodErrorCode::NEIGH_SUCCESS);
+    EXPECT_EQ(level, context.getNNeighbors() > 0 ? 0 : -1);
+    return context.getNNeighbors();
+  };
+  EXPECT_EQ(countAt(0), 2);
+  EXPECT_EQ(countAt(1), 1);
+  EXPECT_EQ(countAt(2), 0);
+  EXPECT_EQ(countAt(3), 0);
+
+  // Targets that the data do not hold, and one that is not of the data.
+  EXPECT_EQ(countAt(0), 2);
+  int level = 7;
+  EXPECT_EQ(context.setTargetLocation(NbgVector3D(), 5, NbbGlobal::I64_FFFF, &level),
+            NgcENeighborhoodErrorCode::NEIGH_UNDEF_LGS);
+  EXPECT_EQ(level, -1);
+  EXPECT_EQ(context.getNNeighbors(), 0);
+  EXPECT_EQ(countAt(0), 2);
+  EXPECT_EQ(countAt(-1), 1);
+
+  // The next buffer of targets acts on the parameters, not on the ellipsoid of the last target.
+  EXPECT_EQ(countAt(0), 2);
+  NbdDataTable next;
+  next.createVariableNumeric(NgmLgsNeighborhoodMoving::getRoleRadiusFactor())->setValues({0.9});
+  next.adjustNSamples();
+  context.setTargetData(next, {});
+  EXPECT_EQ(countAt(0), 1);
+  EXPECT_EQ(context.getCurrentParams().getEllipseSize(), NbgVector3D(4.5, 4.5, 4.5));
+}
+
+TEST(NgdNeighborhoodContext, KeepsToItsSideOfTheFaults)
+{
+  // Two square fault polygons and a line between the target's surroundings and what is east.
+  Configuration configuration = twoSamples();
+  enum { IN_FIRST, IN_SECOND, WEST, EAST, ON_BORDER };
+  configuration.locations = {NbgVector3D(12., 15.), NbgVector3D(35., 15.), NbgVector3D(5., 15.),
+                             NbgVector3D(55., 15.), NbgVector3D(20., 12.)};
+  configuration.values = {{1., 2., 3., 4., 5.}};
+  configuration.codes = {1., 1., 1., 1., 1.};
+  configuration.lines = {1, 1, 1, 1, 1};
+  configuration.parameters.setEllipseSize(NbgVector3D(100., 100., 100.));
+  const Search search(configuration);
+  NbgGeomPolylineSet lines;
+  lines.add(NbgGeomPolyline(
+      {NbgVector3D(10., 10.), NbgVector3D(20., 10.), NbgVector3D(20., 20.), NbgVector3D(10., 20.)},
+      true));
+  lines.add(NbgGeomPolyline({NbgVector3D(50., 0.), NbgVector3D(50., 40.)}));
+  lines.add(NbgGeomPolyline(
+      {NbgVector3D(30., 10.), NbgVector3D(40., 10.), NbgVector3D(40., 20.), NbgVector3D(30., 20.)},
+      true));
+  const NgmNeighborhoodFaultSet faults(std::make_unique<NgmFaultSetPolylines>(lines));
+
+  const auto seenFrom = [&](const NgcEFaultsMode &mode, const NbgVector3D &target) {
+    NgdNeighborhoodContext context;
+    context.setFaultsEnabled(true);
+    context.setFaultsData(faults);
+    context.setFaultsMode(mode);
+    context.initialize(search.moving, search.variables);
+    int level = 0;
+    context.setTargetLocation(target, &level);
+    std::vector<int> ranks = context.getRanks();
+    std::sort(ranks.begin(), ranks.end());
+    return ranks;
+  };
+  using Ranks = std::vector<int>;
+  using Mode = NgcEFaultsMode;
+  const NbgVector3D inside(15., 15.), outside(25., 15.);
+  // From inside, the border of the own polygon hides nothing; that of another one does.
+  EXPECT_EQ(seenFrom(Mode::CALCULATE_INSIDE, inside), (Ranks{IN_FIRST, ON_BORDER}));
+  EXPECT_EQ(seenFrom(Mode::CALCULATE_INSIDE_IGNORING_POLYGON, inside),
+            (Ranks{IN_FIRST, WEST, ON_BORDER}));
+  EXPECT_EQ(seenFrom(Mode::DO_NOT_CALCULATE_INSIDE, inside), Ranks());
+  EXPECT_EQ(seenFrom(Mode::IGNORE_POYGONAL_STATUS, inside), (Ranks{IN_FIRST}));
+  // From outside every border hides what it touches or what is behind it.
+  for (const int value : {0, 1, 2, 3})
+    EXPECT_EQ(seenFrom(Mode::fromValue(value), outside), Ranks()) << value;
+  // Within the second polygon, from its border too.
+  EXPECT_EQ(seenFrom(Mode::CALCULATE_INSIDE, NbgVector3D(30., 15.)), (Ranks{IN_SECOND}));
+  EXPECT_EQ(seenFrom(Mode::IGNORE_POYGONAL_STATUS, NbgVector3D(5., 30.)), (Ranks{WEST}));
+  EXPECT_EQ(seenFrom(Mode::CALCULATE_INSIDE, NbgVector3D(55., 30.)), (Ranks{EAST}));
+}
+
+TEST(NgdNeighborhoodContext, TakesNumbersThatTheBlockModeDoesNotCheck)
+{
+  // Around a block nothing is checked; a target without block is searched in the ellipsoid.
+  Configuration configuration = twoSamples();
+  configuration.parameters.setMovingNeighborhoodMode(NgcEMovNeighMode::FROM_BLOCK);
+  configuration.parameters.setRuleMinimumNumber(false, 0);
+  configuration.block.reset();
+  for (const int sectors : {-3, 0, 1, 4}) {
+    for (const int perSector : {-2, 0, 1}) {
+      SCOPED_TRACE(testing::Message() << sectors << " sectors of " << perSector);
+      configuration.parameters.setSectors(sectors, perSector, sectors == 4);
+      configuration.parameters.setRuleMaximumNumber(perSector < 0, perSector);
+      const Search search(configuration);
+      NgdNeighborhoodContext context;
+      context.initialize(search.moving, search.variables);
+      int level = 0;
+      EXPECT_EQ(context.setTargetLocation(NbgVector3D(1., 1., 0.), &level),
+                NgcENeighborhoodErrorCode::NEIGH_SUCCESS);
+      EXPECT_EQ(context.getNNeighbors(), perSector < 1 ? 0 : sectors == 4 ? 2 : 1);
+    }
+  }
+}
+
+TEST(NgdNeighborhoodContext, CapsVariablesOfAnyNumericType)
+{
+  const auto provider = QSharedPointer<NbpMemoryProviderPointsW>::create(NbgEDimension::DIM_1D, 3);
+  provider->addXVariable({0., 1., 2.});
+  NgdDataSetPoints dataSet;
+  dataSet.setDataProvider(provider);
+  const QString id =
+      provider->addVariable(QStringLiteral("grade"), std::vector<float>{1.f, 90.f, -5.f});
+  for (const QString &role : {Nbd::Role::V, Nbd::Role::LARGE_CUTOFF, Nbd::Role::SMALL_CUTOFF})
+    dataSet.assignVariable(role, id);
+  dataSet.openAllVariables();
+  NgmNeighborhoodMoving parameters;
+  const NgcECutoffMode &replace = NgcECutoffMode::CUTOFF_REPLACE;
+  parameters.setRuleCutLarge(true, replace, 10., NbgVector3D(0.5, 0.5, 0.5));
+  parameters.setRuleCutSmall(true, replace, 0., NbgVector3D(0.5, 0.5, 0.5));
+  NgdNeighborhoodMoving moving(Nbd::Role::V);
+  moving.setDataset(&dataSet);
+  moving.setParameters(parameters);
+  moving.loadData();
+  NgdNeighborhoodContext context;
+  context.initialize(moving, moving.getAllData().getDataTableConst().getVarsNumeric(Nbd::Role::V));
+  int level = 0;
+  const auto valuesAround = [&](double x) {
+    context.setTargetLocation(NbgVector3D(x, 0., 0.), &level);
+    const NbdAVariableNumeric &values = *context.getNumericVariable(Nbd::Role::V);
+    std::map<int, double> byRank;
+    for (int i = 0; i < context.getNNeighbors(); ++i)
+      byRank[context.getRanks()[i]] = values.getValue(i);
+    return byRank;
+  };
+  EXPECT_EQ(valuesAround(0.), (std::map<int, double>{{0, 1.}, {1, 10.}, {2, 0.}}));
+  EXPECT_EQ(valuesAround(1.), (std::map<int, double>{{0, 1.}, {1, 90.}, {2, 0.}}));
 }
 
 TEST(NgdNeighborhoodMoving, LoadsWhatTheCuboidHoldsAndFindsItByBox)

@@ -35,6 +35,8 @@ TEST(NgmLgsNeighborhoodMoving, PatchesRadiiAndRotation)
   EXPECT_TRUE(isotropic.patchNeighborhood(1));
   EXPECT_EQ(isotropic.getEllipseSize(), NbgVector3D());
   EXPECT_FALSE(isotropic.patchNeighborhood(2));
+  isotropic.unpatchNeighborhood();
+  EXPECT_EQ(isotropic.getEllipseSize(), parameters.getEllipseSize());
   // The data of the targets are left as they are.
   EXPECT_TRUE(one.getVarNumericRef(Lgs::getRoleRadiusFactor()).isUndefined(1));
 

@@ -261,6 +261,22 @@ TEST(NgmNeighborhoodMoving, IsReadAsWritten)
   EXPECT_TRUE(read.isRuleMaximumCodeNb());
   EXPECT_EQ(read.getMaximumCodeNb(), 1);
 
+  // Under that flag a pair without value ends the stream early.
+  n = everyRule();
+  n.setRuleMinimumCodeNumber(false, 1);
+  n.setRuleMaximumCodeNumber(false, 1);
+  const QByteArray bytes = test::toBytes(n);
+  test::fromBytes(bytes, read);
+  EXPECT_EQ(read, n);
+  for (int length = 0; length < bytes.size(); ++length)
+    EXPECT_THROW(test::fromBytes(bytes.left(length), read), NbeUserError) << length;
+  n.setRuleMinimumCodeNumber(true, 2);
+  test::fromBytes(test::toBytes(n), read);
+  EXPECT_FALSE(read.isRuleMinimumCodeNb());
+  EXPECT_FALSE(read.isRuleMaximumCodeNb());
+  EXPECT_EQ(read.getMaximumPerCode(), 7);
+  EXPECT_THROW(test::fromBytes(test::toBytes(n).chopped(4), read), NbeUserError);
+
   NgmNeighborhoodMoving plain;
   plain.setIsRectangular(true);
   test::fromBytes(test::toBytes(plain), read);

@@ -102,3 +102,31 @@ TEST(NgmLinearSystem, SingularSystemsAreNotSolved)
   EXPECT_FALSE(system.isSolved());
   EXPECT_TRUE(system.debug(0).startsWith(QStringLiteral("Linear system\nSolved: false\nLHS\n")));
 }
+
+TEST(NgmLinearSystem, TellsSingularSystemsFromThoseThatAreNot)
+{
+  for (const int n : {5, 17, 40, 127, 128, 200}) {
+    for (int trial = 0; trial < 10; ++trial) {
+      SCOPED_TRACE(QStringLiteral("%1 rows, trial %2").arg(n).arg(trial).toStdString());
+      // Indefinite, of full rank; a large and a small unit in two of the rows.
+      NgmMatrix matrix = randomSymmetric(std::uint64_t(4000 + 20 * n + trial), n);
+      for (int i = 0; i < n; ++i) {
+        matrix.setElement(0, i, matrix(0, i) * 1e9);
+        matrix.setElement(n - 1, i, matrix(n - 1, i) * 1e-9);
+      }
+      NgmLinearSystem system(n, 1, true);
+      system.getLHS().copyDeep(matrix);
+      EXPECT_EQ(system.solve(), 0);
+
+      // One row, and column, twice.
+      const int copy = n / 2;
+      for (int i = 0; i < n; ++i)
+        if (i != copy)
+          matrix.setElement(copy, i, matrix(1, i));
+      matrix.setElement(copy, copy, matrix(1, copy));
+      system.getLHS().copyDeep(matrix);
+      EXPECT_NE(system.solve(), 0);
+      EXPECT_FALSE(system.isSolved());
+    }
+  }
+}

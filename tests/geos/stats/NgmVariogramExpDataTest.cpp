@@ -1,7 +1,9 @@
 #include "geos/stats/NgmVariogramExpData.h"
 
 #include "basic/base/NbbGlobal.h"
+#include "basic/data/NbdAVariableNumeric.h"
 #include "basic/geom/NbgAngle.h"
+#include "geos/stats/NgmPairsVariogramCloud.h"
 #include "support/Errors.h"
 #include "support/SerializationFuzz.h"
 
@@ -97,6 +99,21 @@ TEST(NgmVariogramExpData, TablesAreFoundByDirectionAndPairWhateverTheOrderOfTheP
   EXPECT_EQ(simple.getVarioColumn(1, Vario::VARIOGRAM, 2, 2)[0], 900.);
   expectAssertion(SOURCE, QStringLiteral("Cross variograms are not computed."),
                   [&] { simple.getVariogramData(0, 0, 1); });
+}
+
+TEST(NgmVariogramExpData, CopiesAreIndependent)
+{
+  const NgmVariogramExpData data = makeData(2, true);
+  NgmVariogramExpData copy = data;
+  const double values[] = {-1., -2.};
+  const long long nPairs[] = {7, 8};
+  copy.setDistances(0, false, 0, 1, 2, values);
+  copy.setNumberOfPairs(0, false, 0, 1, 2, nPairs);
+  copy.setVarioValues(0, Vario::VARIOGRAM, 0, 1, 2, values);
+  EXPECT_EQ(copy.getVarioColumn(0, Vario::VARIOGRAM, 0, 1), QVector<double>({-1., -2.}));
+  EXPECT_EQ(data.getVarioColumn(0, Vario::VARIOGRAM, 0, 1), QVector<double>({200., 201.}));
+  EXPECT_EQ(data.getDistances(0, false, 0, 1), QVector<double>({1., 11.}));
+  EXPECT_EQ(data.getNumberOfPairs(0, false, 0, 1), QVector<qint64>({5, 0}));
 }
 
 TEST(NgmVariogramExpData, LagsWithoutPairsAreMaskedButNotTheOriginOfCovariances)
@@ -195,6 +212,27 @@ TEST(NgmVariogramExpData, ExtractingVariablesKeepsTheirTablesAndSills)
   EXPECT_EQ(data.getVarioPseudoSill(NgmEVarioExp::MADOGRAM, 1), 3.);
   EXPECT_EQ(data.getC00()(1, 1), 3.);
   EXPECT_NE(errorOf([&] { data.extractFromVariables({2}); }), QStringLiteral("nothing thrown"));
+}
+
+TEST(NgmVariogramExpData, CloudsBelongToDirectionsAndPairsOfVariables)
+{
+  NgmVariogramExpData data = makeData(2, true);
+  EXPECT_FALSE(data.hasVarioCloud());
+  EXPECT_NE(errorOf([&] { data.getCloudTable(0, false, 0, 0); }), QStringLiteral("nothing thrown"));
+  data.createCloudTables(false, true);
+  EXPECT_FALSE(data.hasVarioCloud());
+  NgmVariogramCloudDensity density;
+  density.initializeCloudDensity(3, 2, 0., 1., 0., 1.);
+  data.setVariogramCloudVariables(1, true, 1, 1, {{4., 2., 7, 9}});
+  data.setCloudDensity(1, true, 1, 1, density);
+  data.compressAllTables();
+  EXPECT_EQ(data.getCloudTable(1, true, 1, 1).toString(),
+            QStringLiteral("DISTANCE\tCOVARIANCE\tSample number of point 1\t"
+                           "Sample number of point 2\n2\t4\t7\t9\n"));
+  data.extractFromVariables({1});
+  EXPECT_EQ(data.getCloudVariable(1, true, 0, 0, Nbd::Role::SN2).getValue(0), 9.);
+  EXPECT_EQ(data.getCloudDensity(1, true, 0, 0).getNx(), 3);
+  EXPECT_TRUE(data.getCloudDensity(0, true, 0, 0).isEmpty());
 }
 
 TEST(NgmVariogramExpData, StreamsGiveBackTheSameResultsOrAreRefused)

@@ -13,4 +13,10 @@ enum InterpolError {
   INTERPOL_ERROR_TRANSFORMATION = 4  ///< transformation of values
 };
 
+/// Where the known means of simple kriging come from.
+enum SimpleKrigingOption {
+  SIMPLE_KRIGING_CONSTANT_MEAN = 0,  ///< one constant per variable
+  SIMPLE_KRIGING_LOCAL_MEAN = 1      ///< one variable per variable, known at samples and targets
+};
+
 }  // namespace Ngc

@@ -62,8 +62,9 @@ protected:
   void _resetRun();
 
   /// Takes the next buffer with samples and, if it has a selection, with a selected sample; null at
-  /// the end. `nSkipped` is how many were left out on the way. The caller holds the calculator's
-  /// mutex and owns the buffer.
+  /// the end. `nSkipped` is how many were left out on the way, `nSkippedSamples` the samples that
+  /// they hold. The caller holds the calculator's mutex and owns the buffer.
+  NbdAData *_takeNextBuffer(int &nSkipped, qint64 &nSkippedSamples);
   NbdAData *_takeNextBuffer(int &nSkipped);
 
   /// Rank, in the order of hand-out of this run, of the buffer that the calling thread took last;

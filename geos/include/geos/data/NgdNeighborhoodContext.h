@@ -167,8 +167,8 @@ private:
   void _prepareSamples();
   void _prepareCodes();
   void _prepareCaps();
-  const double *_findCapValues(const QString &role, int &mainIndex, const QString &notFound,
-                               const QString &notMain) const;
+  const double *_findCapValues(const QString &role, int &mainIndex, std::vector<double> &copy,
+                               const QString &notFound, const QString &notMain) const;
   void _prepareRejection();
   void _setCollocated(const QMap<int, NbdAVariableNumeric *> &collocated);
   void _refreshVolumes();

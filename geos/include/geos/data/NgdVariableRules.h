@@ -47,6 +47,11 @@ public:
   void setLinkTo(const QString &id, const QString &role, const QString &refId,
                  const QString &refRole);
 
+  bool isRegistered(const QString &id, const QString &role) const;
+
+  /// Whether setLinkTo() was called for the role.
+  bool isLinked(const QString &id, const QString &role) const;
+
   Nbd::ELoopPolicy getLoopPolicy() const;
   int getNIndicesForLoop() const;
 

@@ -3,6 +3,8 @@
 #include "basic/data/NbdDataTable.h"
 #include "geos/interpol/NgmNeighborhoodMoving.h"
 
+#include <QVector>
+
 /// A moving neighborhood whose ellipsoid varies from target to target: factors of its radii (one
 /// for all, or one per axis U, V, W) and its rotation come from variables of the target data.
 class NgmLgsNeighborhoodMoving : public NgmNeighborhoodMoving
@@ -41,6 +43,9 @@ public:
   /// undefined angle keeps the rotation of the parameters. False when there is no such target.
   bool patchNeighborhood(int sample);
 
+  /// Radii and rotation of the parameters again, for a target without position in the data.
+  void unpatchNeighborhood();
+
   /// Radii and rotation that are patched.
   const NbgVector3D &getLgsEllipsoidSize() const { return _baseSize; }
   const NbgRotation &getLgsEllipsoidRotation() const { return _baseRotation; }
@@ -51,10 +56,10 @@ public:
   QString debug(int level) const override;
 
 private:
+  void _register(const QString &role, const NbdDataTable &targets);
   void _fixRadiusFactor();
   void _patchRadiusFactor(int sample);
   void _patchRotations(int sample);
-  double _value(const QString &role, int sample, double absent) const;
 
   int _nDimensions = 3;
   bool _useConvention = false;
@@ -63,6 +68,8 @@ private:
   bool _hasRadius = false;
   bool _hasRotation = false;
   NbdDataTable _table;
+  QVector<double> _radiusFactors[4];  ///< for all axes, then U, V, W; empty when not registered
+  QVector<double> _angles[3];
   NbgVector3D _baseSize;
   NbgRotation _baseRotation;
 };

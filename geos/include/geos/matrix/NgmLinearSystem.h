@@ -27,7 +27,9 @@ public:
   /// that of the identity and its right-hand sides zero, so its unknowns come out as zero.
   void setNullEquation(int i);
 
-  /// Solves on one thread; returns LAPACK's info (0 = solved).
+  /// Solves on one thread; returns LAPACK's info (0 = solved). A symmetric system is singular also
+  /// when a pivot is nothing but the rounding of what it was computed from: then the info is its
+  /// number.
   int solve();
 
   bool isSolved() const { return _solved; }
@@ -36,10 +38,13 @@ public:
   QString debug(int level) const override;
 
 private:
+  int _findNullPivot();
+
   bool _solved;
   NgmMatrix _lhs;
   NgmMatrix _rhs;
   NgmMatrix _results;
   std::vector<int> _pivots;
   NgmMatrix _factor;
+  std::vector<double> _growth;
 };

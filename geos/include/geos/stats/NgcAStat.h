@@ -21,6 +21,9 @@ public:
 
   void setInputDataSet(const NgdADataSet &dataSet);
 
+  /// The role of the variables.
+  const QString &getRoleV() const { return _roleV; }
+
   /// Number of variables bound to the role; 0 without data set.
   int getRoleVCount() const;
 
@@ -46,8 +49,13 @@ protected:
   /// The sums of all buffers handed in so far. For _postProcessing().
   NgaIAdditive &_getAccumulator();
 
+  /// Takes the partial sums of a part of the work; every rank once, and in order of ranks they are
+  /// added. Does not count progress. Thread-safe.
+  void _saveStat(qint64 rank, std::unique_ptr<NgaIAdditive> partial);
+
   /// Progress counts the partial results handed in (by default) or the buffers taken.
   void _setCountProgressInSave(bool inSave) { _countProgressInSave = inSave; }
+  bool _isProgressCountedInSave() const { return _countProgressInSave; }
 
 private:
   QString _roleV;

@@ -238,6 +238,7 @@ private:
   int _pairRank(int i, int j) const;
   int _tableRank(int dir, int i, int j) const;
   const NbdDataTable &_getTable(int dir, bool isCova, int i, int j) const;
+  NbdDataTable &_getOwnTable(int dir, bool isCova, int i, int j);
   int _cloudRank(int dir, bool isCova, int i, int j) const;
   QList<_Cloud> _newClouds(bool isCova) const;
   void _checkColumn(int dir, bool isCova, int n) const;

@@ -64,6 +64,7 @@ void NgdANeighborhood::_loadSamples(NbdDataPoints &data) const
     _dataSet->loadInBufferFromCuboid(_filteringCuboid, data);
   else if (_dataSet->getNSamples() > 0)
     _dataSet->loadAllPointsInBuffer(data);
+  data.setNDimensions(_dataSet->getNDimensions());
   data.ensureCoordinates();
   if (!_useFilteringCuboid || readsCuboid)
     return;

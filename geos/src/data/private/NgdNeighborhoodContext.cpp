@@ -8,22 +8,19 @@
 #include "basic/error/NbeAssertion.h"
 #include "basic/error/NbeUserError.h"
 #include "basic/geom/NbgBox.h"
+#include "data/private/NgdNeighborhoodLevel.h"
 #include "data/private/NgdNeighborhoodSearch.h"
 #include "geos/NgmEnumGlobal.h"
 #include "geos/data/NgdNeighborhoodUnique.h"
 #include "geos/interpol/NgmBlock.h"
 
 #include <QObject>
-#include <QSet>
 
 #include <algorithm>
 #include <cmath>
 #include <numeric>
 
 namespace {
-
-/// A sample at that squared distance from the target stands at it.
-constexpr double collocatedDistance = 1e-6;
 
 bool usesBlock(const NgmNeighborhoodMoving &parameters)
 {
@@ -33,7 +30,7 @@ bool usesBlock(const NgmNeighborhoodMoving &parameters)
 
 int toCode(double value)
 {
-  if (!NbbGlobal::isDefined(value) || !(std::abs(value) < 2147483647.))
+  if (!NbbGlobal::isDefined(value) || !(std::abs(value) < 2147483647.5))
     return NbbGlobal::I32_FFFF;
   return int(std::lround(value));
 }
@@ -49,17 +46,11 @@ int octreeDepth(int nSamples, int nDimensions)
 
 }  // namespace
 
-struct NgdNeighborhoodContext::_Level
-{
-  NgmLgsNeighborhoodMoving parameters;
-  int code;
-  QString name;
-  NgdSearchVolume pointVolume;
-  NgdSearchVolume blockVolume;
-};
-
 NgdNeighborhoodContext::NgdNeighborhoodContext()
-    : _target(&_pointTarget), _rejectionTargetValue(NbbGlobal::D_FFFF), _selected(&_neighbors)
+    : _target(&_pointTarget),
+      _search(std::make_unique<NgdNeighborhoodSearch>()),
+      _rejectionTargetValue(NbbGlobal::D_FFFF),
+      _selected(&_neighbors)
 {
 }
 
@@ -88,7 +79,7 @@ void NgdNeighborhoodContext::initialize(const NgdANeighborhood &neighborhood,
   _moving = moving;
   _mainVariables = mainVariables;
   _checkParameters();
-  _search = std::make_unique<NgdNeighborhoodSearch>(_moving->getSortedData());
+  _search->setIndex(_moving->getSortedData());
   _setCollocated(collocated);
   _prepareLevels();
   _prepareColumns();
@@ -123,8 +114,10 @@ void NgdNeighborhoodContext::setTargetData(const NbdDataTable &targets,
 {
   _setCollocated(collocated);
   for (_Level &level : _levels) {
-    if (level.parameters.needPatching())
-      level.parameters.registerVariables(targets);
+    if (!level.parameters.needPatching())
+      continue;
+    level.parameters.unpatchNeighborhood();
+    level.parameters.registerVariables(targets);
   }
 }
 
@@ -142,7 +135,7 @@ void NgdNeighborhoodContext::setTargetBlock(const NgmABlock &block)
 void NgdNeighborhoodContext::setAdditionalInput(const NbdAData *data, const QString &role,
                                                 int maximum)
 {
-  if (!_search)
+  if (!_moving)
     NBE_FAIL(QStringLiteral("Moving neighborhood not initialized"));
   if (_moving->isRejectionActive())
     NBE_FAIL(QStringLiteral("Rejection not allowed with additional input data"));
@@ -183,14 +176,12 @@ void NgdNeighborhoodContext::setFaultsEnabled(bool enabled)
 
 void NgdNeighborhoodContext::setFaultsData(const NgmNeighborhoodFaultSet &faults)
 {
-  if (_search)
-    _search->faults.set = faults;
+  _search->faults.set = faults;
 }
 
 void NgdNeighborhoodContext::setFaultsMode(const NgcEFaultsMode &mode)
 {
-  if (_search)
-    _search->faults.mode = mode;
+  _search->faults.mode = mode;
 }
 
 // Preparation.
@@ -289,18 +280,18 @@ void NgdNeighborhoodContext::_prepareSamples()
   samples.y = data.getCoordinates(1)->getArrayConst();
   samples.z = data.getCoordinates(2)->getArrayConst();
   samples.nVariables = _mainVariables.size();
-  samples.defined.resize(std::size_t(n) * samples.nVariables);
 
   const bool needsAll = _levels.front().parameters.isRuleIsotopicSearch();
   samples.usable.assign(n, needsAll);
-  unsigned char *defined = samples.defined.data();
+  if (samples.nVariables > 1)
+    samples.defined.reserve(std::size_t(n) * samples.nVariables);
   for (const NbdAVariableNumeric *variable : _mainVariables) {
-    for (int rank = 0; rank < n; ++rank, ++defined) {
-      *defined = !variable->isUndefined(rank);
-      if (needsAll)
-        samples.usable[rank] &= *defined;
-      else
-        samples.usable[rank] |= *defined;
+    for (int rank = 0; rank < n; ++rank) {
+      const bool isDefined = !variable->isUndefined(rank);
+      samples.usable[rank] =
+          needsAll ? samples.usable[rank] && isDefined : samples.usable[rank] || isDefined;
+      if (samples.nVariables > 1)
+        samples.defined.push_back(isDefined);
     }
   }
 }
@@ -314,6 +305,7 @@ void NgdNeighborhoodContext::_prepareCodes()
       NBE_FAIL(QStringLiteral("Code variable not found"));
     return;
   }
+  _search->samples.hasCodes = true;
   std::vector<int> &sampleCodes = _search->samples.codes;
   sampleCodes.resize(_search->samples.n);
   for (int rank = 0; rank < _search->samples.n; ++rank)
@@ -326,32 +318,39 @@ void NgdNeighborhoodContext::_prepareCaps()
   NgdNeighborhoodSearch::Samples &samples = _search->samples;
   if (parameters.isRuleCutLarge())
     samples.largeValues =
-        _findCapValues(Nbd::Role::LARGE_CUTOFF, _largeCapVariable,
+        _findCapValues(Nbd::Role::LARGE_CUTOFF, _largeCapVariable, samples.largeCopy,
                        QStringLiteral("Large cutoff variable not found"),
                        QStringLiteral("Large cutoff variable not found in main variables"));
   if (parameters.isRuleCutSmall())
     samples.smallValues =
-        _findCapValues(Nbd::Role::SMALL_CUTOFF, _smallCapVariable,
+        _findCapValues(Nbd::Role::SMALL_CUTOFF, _smallCapVariable, samples.smallCopy,
                        QStringLiteral("Small cutoff variable not found"),
                        QStringLiteral("Small cutoff variable not found in main variables"));
 }
 
-/// Values of the variable of a role, which also is a main one, by its name.
+/// Values of the variable of a role, which also is a main one, by its name. `copy` holds them when
+/// they are no doubles.
 const double *NgdNeighborhoodContext::_findCapValues(const QString &role, int &mainIndex,
+                                                     std::vector<double> &copy,
                                                      const QString &notFound,
                                                      const QString &notMain) const
 {
   const NbdDataTable &table = _moving->getAllData().getDataTableConst();
-  const NbdVariableDouble *variable = table.getVarDouble(role);
+  const NbdAVariableNumeric *variable = table.getVarNumeric(role);
   if (!variable)
     NBE_FAIL(notFound);
-  for (int index = 0; index < _mainVariables.size(); ++index) {
-    if (_mainVariables[index]->getName() == variable->getName()) {
-      mainIndex = index;
-      return variable->getArrayConst();
-    }
-  }
-  NBE_FAIL(notMain);
+  const auto isTheSame = [variable](const NbdAVariableNumeric *main) {
+    return main->getName() == variable->getName();
+  };
+  const auto found = std::find_if(_mainVariables.begin(), _mainVariables.end(), isTheSame);
+  if (found == _mainVariables.end())
+    NBE_FAIL(notMain);
+  mainIndex = int(found - _mainVariables.begin());
+  if (const auto *doubles = dynamic_cast<const NbdVariableDouble *>(variable))
+    return doubles->getArrayConst();
+  for (int rank = 0; rank < _search->samples.n; ++rank)
+    copy.push_back(variable->getValue(rank));
+  return copy.data();
 }
 
 void NgdNeighborhoodContext::_checkRejection() const
@@ -480,6 +479,7 @@ bool NgdNeighborhoodContext::_isInForbiddenPolygon()
   if (!faults.active || faults.mode == NgcEFaultsMode::IGNORE_POYGONAL_STATUS)
     return false;
   faults.targetPolygon = faults.set.isInsideFaultId(_target->getCenter());
+  _currentLevel = 0;
   return faults.targetPolygon >= 0 && faults.mode == NgcEFaultsMode::DO_NOT_CALCULATE_INSIDE;
 }
 
@@ -489,7 +489,7 @@ const NgcENeighborhoodErrorCode &NgdNeighborhoodContext::_searchLevels(int targe
   const NgcENeighborhoodErrorCode *outcome = &NgcENeighborhoodErrorCode::NEIGH_NO_SAMPLE;
   for (_currentLevel = 0;; ++_currentLevel) {
     _Level &level = _levels[_currentLevel];
-    if (targetIndex >= 0 && level.parameters.needPatching() && !_patch(level, targetIndex))
+    if (level.parameters.needPatching() && !_patch(level, targetIndex))
       return NgcENeighborhoodErrorCode::NEIGH_UNDEF_LGS;
     outcome = &_search->run(level.parameters,
                             _target->isBlock() ? level.blockVolume : level.pointVolume, *_target);
@@ -504,214 +504,16 @@ const NgcENeighborhoodErrorCode &NgdNeighborhoodContext::_searchLevels(int targe
   }
 }
 
-/// Gives a level the ellipsoid of a target.
+/// Gives a level the ellipsoid of a target; without index that of its parameters.
 bool NgdNeighborhoodContext::_patch(_Level &level, int targetIndex)
 {
-  if (!level.parameters.patchNeighborhood(targetIndex))
+  if (targetIndex < 0)
+    level.parameters.unpatchNeighborhood();
+  else if (!level.parameters.patchNeighborhood(targetIndex))
     return false;
   const bool isBlock = _target->isBlock();
   const auto *block = isBlock ? dynamic_cast<const NgmBlock *>(&_target->getBlock()) : nullptr;
   (isBlock ? level.blockVolume : level.pointVolume) =
       NgdSearchVolume(level.parameters, _moving->getFrame(), _search->samples.nDimensions, block);
   return true;
-}
-
-// Neighbors.
-
-void NgdNeighborhoodContext::_takeOver()
-{
-  _ranks.clear();
-  _squaredDistances.clear();
-  _sectors.clear();
-  for (const NgdNeighborhoodSearch::Selected &selected : _search->getSelected()) {
-    _ranks.push_back(selected.sample);
-    _squaredDistances.push_back(selected.squaredDistance);
-    _sectors.push_back(selected.sector);
-  }
-  _collocatedRank = -1;
-  _copySelected();
-}
-
-void NgdNeighborhoodContext::_copySelected()
-{
-  _count = int(_ranks.size());
-  if (_neighbors.getNSamples() != _count)
-    _neighbors.setResizedTo(_count);
-  if (_search->additional.data) {
-    _copyAdditional();
-    return;
-  }
-  for (const _Column &column : _columns) {
-    if (column.toDouble) {
-      double *to = column.toDouble->getArray();
-      for (int i = 0; i < _count; ++i)
-        to[i] = column.doubles[_ranks[i]];
-    } else if (column.toInt64) {
-      auto *to = column.toInt64->getArray();
-      for (int i = 0; i < _count; ++i)
-        to[i] = column.integers[_ranks[i]];
-    } else {
-      for (int i = 0; i < _count; ++i)
-        column.to->copyValuesFrom(*column.from, _ranks[i], i, 1);
-    }
-  }
-  const int rejected = _search->rejection.variable;
-  if (!_search->rejection.active || rejected < 0)
-    return;
-  for (int i = 0; i < _count; ++i) {
-    if (_search->isRejected(_ranks[i]))
-      _mainColumns[rejected]->setToUndefined(i);
-  }
-}
-
-/// The same when some of the selected samples belong to the additional input: these bring their
-/// location and their main variables.
-void NgdNeighborhoodContext::_copyAdditional()
-{
-  const NgdNeighborhoodSearch::Additional &additional = _search->additional;
-  const int n = _search->samples.n;
-  for (int i = 0; i < _count; ++i) {
-    const int position = _ranks[i] - n;
-    for (const _Column &column : _columns) {
-      if (position < 0)
-        column.to->copyValuesFrom(*column.from, _ranks[i], i, 1);
-      else
-        column.to->setToUndefined(i);
-    }
-    if (position < 0)
-      continue;
-    _neighbors.setCoordValues(i, additional.locations[position]);
-    for (std::size_t v = 0; v < std::min(_mainColumns.size(), additional.variables.size()); ++v)
-      _mainColumns[v]->copyValuesFrom(*additional.variables[v], position, i, 1);
-  }
-}
-
-void NgdNeighborhoodContext::_applyCaps()
-{
-  const NgmNeighborhoodMoving &p = _levels[_currentLevel].parameters;
-  if (p.isRuleCutLarge())
-    _applyCap(true, p.getCutLargeMode(), p.getCutLargeThreshold(), _largeCapVariable);
-  if (p.isRuleCutSmall())
-    _applyCap(false, p.getCutSmallMode(), p.getCutSmallThreshold(), _smallCapVariable);
-}
-
-void NgdNeighborhoodContext::_applyCap(bool top, const NgcECutoffMode &mode, double threshold,
-                                       int mainIndex)
-{
-  if (mode == NgcECutoffMode::CUTOFF_REMOVE)
-    return;
-  NbdAVariableNumeric &values = *_mainColumns[mainIndex];
-  for (int i = 0; i < _count; ++i) {
-    if (!_search->isCapped(_ranks[i], top) || values.isUndefined(i))
-      continue;
-    if (mode == NgcECutoffMode::CUTOFF_REPLACE)
-      values.setValue(i, threshold);
-    else
-      values.setToUndefined(i);
-  }
-}
-
-void NgdNeighborhoodContext::_appendCollocatedTarget(int targetIndex)
-{
-  if (!_forceCollocated && (_collocated.isEmpty() || _isTargetCollocated()))
-    return;
-  _collocatedRank = _neighbors.appendSample(_target->getCenter());
-  _count = _neighbors.getNSamples();
-  if (targetIndex < 0)
-    return;
-  for (auto it = _collocated.constBegin(); it != _collocated.constEnd(); ++it)
-    _mainColumns[it.key()]->copyValuesFrom(*it.value(), targetIndex, _collocatedRank, 1);
-}
-
-bool NgdNeighborhoodContext::_isTargetCollocated() const
-{
-  return std::any_of(_squaredDistances.begin(), _squaredDistances.end(),
-                     [](double distance) { return distance <= collocatedDistance; });
-}
-
-// Results.
-
-int NgdNeighborhoodContext::getMaximumCount() const
-{
-  return _unique ? _count : _moving->getMaximumNeighborsCount();
-}
-
-const double *NgdNeighborhoodContext::getMainValues(int index) const
-{
-  return _mainDoubles[index] ? _mainDoubles[index]->getArrayConst() : nullptr;
-}
-
-QList<NbdAVariableNumeric *> NgdNeighborhoodContext::getNumericVariables(const QString &role) const
-{
-  return _selected->getDataTableConst().getVarsNumeric(role);
-}
-
-QList<NbdVariableAlpha *> NgdNeighborhoodContext::getAlphaVariables(const QString &role) const
-{
-  return _selected->getDataTableConst().getVarsAlpha(role);
-}
-
-NbdAVariableNumeric *NgdNeighborhoodContext::getNumericVariable(const QString &role) const
-{
-  return _selected->getDataTableConst().getVarNumeric(role);
-}
-
-int NgdNeighborhoodContext::getNestedNeighIndex(int level) const
-{
-  return level < 0 ? NgmENeighborhoodNestedCode::FAILED.getValue() : _levels[level].code;
-}
-
-QString NgdNeighborhoodContext::getNestedNeighName(int level) const
-{
-  return level < 0 ? NgmENeighborhoodNestedCode::FAILED.getLabel() : _levels[level].name;
-}
-
-int NgdNeighborhoodContext::getNSelectedCodes() const
-{
-  return getNSelectedCodesByVar(-1);
-}
-
-int NgdNeighborhoodContext::getNSelectedCodesByVar(int index) const
-{
-  if (!_search || _search->samples.codes.empty())
-    return 0;
-  QSet<int> codes;
-  for (std::size_t i = 0; i < _ranks.size(); ++i) {
-    if (_ranks[i] >= _search->samples.n || (index >= 0 && _mainColumns[index]->isUndefined(int(i))))
-      continue;
-    const int code = _search->samples.codes[_ranks[i]];
-    if (code != NbbGlobal::I32_FFFF)
-      codes << code;
-  }
-  return codes.size();
-}
-
-const NgmNeighborhoodMoving &NgdNeighborhoodContext::getMovingParams(int level) const
-{
-  return _moving->getLevels()[level].parameters;
-}
-
-const NgmNeighborhoodMoving &NgdNeighborhoodContext::getCurrentParams() const
-{
-  return _levels[_currentLevel].parameters;
-}
-
-int NgdNeighborhoodContext::getRejectionTargetRank() const
-{
-  return _search ? _search->rejection.targetRank : -1;
-}
-
-int NgdNeighborhoodContext::getRejectionMainVarIndex() const
-{
-  return _search ? _search->rejection.variable : -1;
-}
-
-qint64 NgdNeighborhoodContext::getNSearches() const
-{
-  return _search ? _search->getNSearches() : 0;
-}
-
-qint64 NgdNeighborhoodContext::getNNearestSearches() const
-{
-  return _search ? _search->getNNearestSearches() : 0;
 }

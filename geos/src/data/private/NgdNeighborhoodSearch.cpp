@@ -3,10 +3,10 @@
 #include "basic/base/NbbGlobal.h"
 #include "basic/data/NbdAData.h"
 #include "basic/data/NbdAVariableNumeric.h"
-#include "basic/error/NbeAssertion.h"
 #include "geos/interpol/NgmBlock.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
@@ -16,9 +16,17 @@ constexpr double collocated = 1e-6;
 /// Beyond these numbers sorting all candidates is cheaper than keeping the best in order.
 constexpr int mostNearest = 512;
 constexpr int mostBestPerSector = 64;
+constexpr int mostPlaces = 65536;
 
 /// A filtered search for the nearest ends in a listing when it has to look at so many.
 constexpr int mostProposals = 4096;
+
+/// Nearest samples that fill the sectors of most targets, per place in a sector.
+constexpr int nearestPerPlace = 3;
+
+/// With sectors, listing is cheaper when the ellipsoid holds fewer than so many times the nearest
+/// asked for (measured).
+constexpr double cheapListing = 4.;
 
 bool isWithin(const NbgVector3D &offset, const NbgVector3D &halfExtents)
 {
@@ -46,11 +54,11 @@ void NgdNeighborhoodSearch::_prepare()
   const NgmNeighborhoodMoving &p = *_parameters;
   _block = _target->isBlock() ? &_target->getBlock() : nullptr;
   _nSectors = std::max(1, p.getSplittedSectorsNumber());
-  _perSector = p.getMaximumNumberPerSector();
+  _perSector = std::max(0, p.getMaximumNumberPerSector());
   _keysAreAnisotropic = p.isRuleAnisotropicDistances();
   _testsRejection = rejection.active && rejection.targetRank >= 0;
   _testsFaults = faults.active;
-  _testsCodes = p.isRulePerCode() && !samples.codes.empty();
+  _testsCodes = p.isRulePerCode() && samples.hasCodes;
   _removesByCaps = (p.isRuleCutLarge() && p.getCutLargeMode() == NgcECutoffMode::CUTOFF_REMOVE) ||
                    (p.isRuleCutSmall() && p.getCutSmallMode() == NgcECutoffMode::CUTOFF_REMOVE);
   _prepareRoad();
@@ -75,17 +83,27 @@ void NgdNeighborhoodSearch::_prepareRoad()
   _looksAroundTarget = p.isRuleProximity() || p.isRuleBlockKeepAll();
   _hasPlainRules = !_looksAroundTarget && !_testsRejection && !_testsFaults && !_removesByCaps &&
                    !p.isRectangular();
-  _takesNearest = _nSectors < 2 && !comparesCandidates && !_looksAroundTarget &&
-                  !p.isRectangular() && _volume->isSphereInFrame &&
-                  (_keysAreAnisotropic || _volume->isUniform) && _perSector <= mostNearest;
-  _keepsBestPerSector =
-      _nSectors >= 2 && !comparesCandidates && !additional.data && _perSector <= mostBestPerSector;
+  _keysFollowFrame = _keysAreAnisotropic || _volume->isUniform;
+  const bool canTakeNearest =
+      !comparesCandidates && !_looksAroundTarget && !p.isRectangular() && _volume->isSphereInFrame;
+  const qint64 capacity = qint64(_nSectors) * _perSector;
+  _keepsBestPerSector = _nSectors >= 2 && !comparesCandidates && !additional.data &&
+                        _perSector > 0 && _perSector <= mostBestPerSector && capacity <= mostPlaces;
+  _takesNearest =
+      canTakeNearest && capacity <= mostNearest && (_nSectors < 2 || _keepsBestPerSector);
+  const int nOwn = _testsRejection ? 1 : 0;  // a rejected target is among the nearest
+  _fewestNearest = int(_nSectors < 2 ? capacity + 1 : nearestPerPlace * capacity) + nOwn;
+  _mostNearest = mostProposals;
+  if (_takesNearest && _nSectors > 1) {
+    // A sector that those do not fill is nearly empty as far as the ellipsoid reaches: asking for
+    // more seldom helps (measured).
+    const double estimate = _tree->estimateWithin(_volume->squaredReach);
+    _mostNearest = estimate >= cheapListing * _fewestNearest ? _fewestNearest : 0;
+  }
   _keepsAllThatFit = _nSectors < 2 && !comparesCandidates &&
                      !p.isRuleMaximumDistanceWithoutAnySample() && !p.isRuleMaximumEmptySectors() &&
                      !p.isRuleCutLarge() && !p.isRuleCutSmall();
 }
-
-// Candidates.
 
 const NgcENeighborhoodErrorCode &NgdNeighborhoodSearch::_parse()
 {
@@ -112,6 +130,21 @@ const NgcENeighborhoodErrorCode &NgdNeighborhoodSearch::_parse()
 /// False when a sample was selected alone.
 bool NgdNeighborhoodSearch::_collect()
 {
+  _hasNearest = _takesNearest && _collectNearest();
+  if (!_hasNearest) {
+    _forgetCandidates();
+    if (!_collectAll())
+      return false;
+  }
+  if (additional.data && !_collectAdditional())
+    return false;
+  if (_keepsBestPerSector)
+    _mergeSectors();
+  return true;
+}
+
+void NgdNeighborhoodSearch::_forgetCandidates()
+{
   _nCandidates = 0;
   if (_keepsBestPerSector) {
     _candidates.resize(std::size_t(_nSectors) * _perSector);
@@ -121,51 +154,60 @@ bool NgdNeighborhoodSearch::_collect()
   } else {
     _candidates.clear();
   }
-  const bool goesOn = _takesNearest ? _collectNearest() : _collectAll();
-  if (!goesOn || (additional.data && !_collectAdditional()))
-    return false;
-  if (_keepsBestPerSector)
-    _mergeSectors();
-  return true;
 }
 
 /// The samples that filters leave of the nearest ones are the nearest of those that they leave of
-/// all: one more than is kept tells that the ellipsoid holds more than that.
+/// all: one more than is kept tells that the ellipsoid holds more than that, and full sectors hold
+/// their nearest. False when all candidates have to be seen.
 bool NgdNeighborhoodSearch::_collectNearest()
 {
-  for (int wanted = _perSector + 1; wanted <= mostProposals; wanted *= 4) {
-    _tree.proposeNearest(_center, wanted, _volume->squaredReach, samples.usable.data(), _proposals);
-    for (int i = 0; i < _proposals.count; ++i) {
-      const int rank = _proposals.ranks[i];
-      __builtin_prefetch(samples.x + rank);
-      __builtin_prefetch(samples.y + rank);
-      __builtin_prefetch(samples.z + rank);
-    }
-    bool isComplete = _proposals.count < wanted;
-    int nSurvivors = 0;
-    _candidates.clear();
-    _nCandidates = 0;
-    for (int i = 0; i < _proposals.count; ++i) {
-      const int rank = _proposals.ranks[i];
-      const NbgVector3D location(samples.x[rank], samples.y[rank], samples.z[rank]);
-      const _Verdict verdict =
-          _hasPlainRules ? _measurePlain(rank, location) : _measureWithRules(rank, location);
-      isComplete |= verdict == OUTSIDE;
-      nSurvivors += verdict == KEPT && i < wanted;
-    }
-    if (isComplete || nSurvivors > _perSector) {
+  for (int wanted = _fewestNearest; wanted <= _mostNearest; wanted *= 4) {
+    if (_measureNearest(wanted)) {
       ++_nNearest;
       return true;
     }
   }
-  _candidates.clear();
-  _nCandidates = 0;
-  return _collectAll();
+  return false;
+}
+
+/// Measures that many of the nearest samples; true when no other one can count.
+bool NgdNeighborhoodSearch::_measureNearest(int wanted)
+{
+  if (_keysFollowFrame)
+    _tree->proposeNearest(_center, wanted, _volume->squaredReach, samples.usable.data(),
+                          _proposals);
+  else
+    _tree->proposeNearestUnscaled(_center, wanted, _volume->squaredReach, samples.usable.data(),
+                                  _proposals);
+  for (int i = 0; i < _proposals.count; ++i) {
+    const int rank = _proposals.ranks[i];
+    __builtin_prefetch(samples.x + rank);
+    __builtin_prefetch(samples.y + rank);
+    __builtin_prefetch(samples.z + rank);
+  }
+  bool isComplete = _proposals.count < wanted;
+  _forgetCandidates();
+  for (int i = 0; i < _proposals.count; ++i) {
+    // Behind those wanted stand the ones that may tie with the last of them.
+    if (i == wanted)
+      isComplete |= _hasEnough();
+    const int rank = _proposals.ranks[i];
+    const NbgVector3D location(samples.x[rank], samples.y[rank], samples.z[rank]);
+    const _Verdict verdict =
+        _hasPlainRules ? _measurePlain(rank, location) : _measureWithRules(rank, location);
+    isComplete |= verdict == OUTSIDE && _keysFollowFrame;
+  }
+  return isComplete || (_proposals.count == wanted && _hasEnough());
+}
+
+bool NgdNeighborhoodSearch::_hasEnough() const
+{
+  return _nSectors > 1 ? _nFullBest == _nSectors : _nCandidates > _perSector;
 }
 
 bool NgdNeighborhoodSearch::_collectAll()
 {
-  _tree.proposeWithin(_center, _volume->squaredReach, _proposals);
+  _tree->proposeWithin(_center, _volume->squaredReach, _proposals);
   if (_looksAroundTarget)
     std::sort(_proposals.ranks.begin(), _proposals.ranks.begin() + _proposals.count);
   for (int i = 0; i < _proposals.count; ++i) {
@@ -258,7 +300,8 @@ NgdNeighborhoodSearch::_Verdict NgdNeighborhoodSearch::_tryAroundTarget(int samp
                                                                         const NbgVector3D &local)
 {
   const NbgVector3D inBlock = _block ? _block->getRotation().worldToLocal(offset) : offset;
-  if (_parameters->isRuleProximity() && isWithin(inBlock, _parameters->getProximitySize())) {
+  const NbgVector3D &proximity = _parameters->getProximitySize();
+  if (_parameters->isRuleProximity() && isWithin(inBlock, proximity.maximum(-1. * proximity))) {
     _selected.clear();
     _sectorCounts.assign(_nSectors, 0);
     _codeCounts.clear();
@@ -353,17 +396,20 @@ bool NgdNeighborhoodSearch::_isUsable(int sample) const
 {
   const bool needsAll = _parameters->isRuleIsotopicSearch();
   for (int variable = 0; variable < samples.nVariables; ++variable) {
-    if (_isDefined(sample, variable) != needsAll)
+    if (isDefined(sample, variable) != needsAll)
       return !needsAll;
   }
   return needsAll;
 }
 
-bool NgdNeighborhoodSearch::_isDefined(int sample, int variable) const
+bool NgdNeighborhoodSearch::isDefined(int sample, int variable) const
 {
-  if (sample < samples.n)
-    return samples.defined[std::size_t(variable) * samples.n + sample] &&
-           !(variable == rejection.variable && isRejected(sample));
+  if (sample < samples.n) {
+    const bool isKnown = samples.nVariables == 1
+                             ? samples.usable[sample]
+                             : samples.defined[std::size_t(variable) * samples.n + sample];
+    return isKnown && !(variable == rejection.variable && isRejected(sample));
+  }
   return variable < int(additional.variables.size()) &&
          !additional.variables[variable]->isUndefined(sample - samples.n);
 }
@@ -383,7 +429,8 @@ int NgdNeighborhoodSearch::_sectorOf(const NbgVector3D &local) const
     if (sector >= n)
       sector = 0;
   }
-  return _parameters->isSplitSectors() && !(local.z() >= 0.) ? sector + n : sector;
+  const bool isUpper = local.z() * _volume->scaling.z() >= 0.;
+  return _parameters->isSplitSectors() && !isUpper ? sector + n : sector;
 }
 
 /// Keeps a candidate; where the best of each sector are enough, one that its sector has no place
@@ -432,7 +479,7 @@ void NgdNeighborhoodSearch::_mergeSectors()
 
 void NgdNeighborhoodSearch::_sort()
 {
-  if (!_takesNearest || additional.data) {
+  if (!_hasNearest || _nSectors > 1 || additional.data) {
     std::sort(_candidates.begin(), _candidates.end(), _isBefore);
     return;
   }
@@ -444,210 +491,4 @@ void NgdNeighborhoodSearch::_sort()
       _candidates[j] = _candidates[j - 1];
     _candidates[j] = candidate;
   }
-}
-
-// Selection.
-
-const NgcENeighborhoodErrorCode &NgdNeighborhoodSearch::_check(
-    const NgcENeighborhoodErrorCode &parsed)
-{
-  if (parsed == NgcENeighborhoodErrorCode::NEIGH_SUCCESS) {
-    _taken.assign(_candidates.size(), 0);
-    if (_parameters->isRuleHeterotopicSearch())
-      _takeForVariables();
-    if (_keepsAllThatFit) {
-      _takeAll();
-    } else {
-      _takePerSector();
-      if (_hasTooManyEmptySectors())
-        return _fail(NgcENeighborhoodErrorCode::NEIGH_EMPTY_SECT);
-    }
-  } else if (parsed != NgcENeighborhoodErrorCode::NEIGH_BLOCK_ONLY) {
-    return parsed;
-  }
-
-  if (_parameters->isRuleMaximumDistanceWithoutAnySample() && !_selected.empty()) {
-    const double distance = _parameters->getMaximumDistanceWithoutAnySample();
-    if (std::none_of(_selected.begin(), _selected.end(), [=](const Selected &selected) {
-          return selected.squaredDistance < distance * distance;
-        }))
-      return _fail(NgcENeighborhoodErrorCode::NEIGH_TOO_FAR);
-  }
-  if (int(_selected.size()) < _parameters->getMinimumNumber())
-    return _fail(NgcENeighborhoodErrorCode::NEIGH_NOT_ENOUGH);
-  if (_testsCodes && _parameters->isRuleMinimumCodeNb() &&
-      int(_codeCounts.size()) < _parameters->getMinimumCodeNb())
-    return _fail(NgcENeighborhoodErrorCode::NEIGH_NOT_ENOUGH_CODES);
-  return parsed;
-}
-
-const NgcENeighborhoodErrorCode &NgdNeighborhoodSearch::_fail(const NgcENeighborhoodErrorCode &code)
-{
-  _selected.clear();
-  return code;
-}
-
-void NgdNeighborhoodSearch::_takeAll()
-{
-  for (const _Candidate &candidate : _candidates)
-    _select(candidate.sample, 0, candidate.squaredDistance);
-}
-
-/// The heterotopic search: per sector, a sample for each variable that no selected one informs.
-void NgdNeighborhoodSearch::_takeForVariables()
-{
-  _marked.assign(_candidates.size(), 0);
-  for (int sector = 0; sector < _nSectors; ++sector) {
-    bool hasMarked = false;
-    for (int variable = 0; variable < samples.nVariables; ++variable)
-      hasMarked |= _markForVariable(sector, variable);
-    if (!hasMarked)
-      continue;
-    for (std::size_t i = 0; i < _candidates.size(); ++i) {
-      if (!_marked[i])
-        continue;
-      _select(_candidates[i].sample, sector, _candidates[i].squaredDistance);
-      _taken[i] = 1;
-      _marked[i] = 0;
-    }
-  }
-}
-
-bool NgdNeighborhoodSearch::_markForVariable(int sector, int variable)
-{
-  for (const Selected &selected : _selected) {
-    if (selected.sector == sector && _isDefined(selected.sample, variable))
-      return false;
-  }
-  for (std::size_t i = 0; i < _candidates.size(); ++i) {
-    const _Candidate &candidate = _candidates[i];
-    if (_taken[i] || candidate.sector != sector || !_isDefined(candidate.sample, variable) ||
-        !_passesTests(candidate))
-      continue;
-    _marked[i] = 1;
-    return true;
-  }
-  return false;
-}
-
-/// Takes sorted candidates until every sector is full or the maximum number is reached.
-void NgdNeighborhoodSearch::_takePerSector()
-{
-  if (_testsCodes && _parameters->isRuleOptimumPerCode() && _parameters->getOptimumPerCode() >= 1)
-    _takePass(true);
-  _takePass(false);
-}
-
-void NgdNeighborhoodSearch::_takePass(bool testsOptimum)
-{
-  const int perSector = _perSector;
-  const std::size_t maximum = _parameters->isRuleMaximumNumber()
-                                  ? std::size_t(_parameters->getMaximumNumber())
-                                  : std::numeric_limits<std::size_t>::max();
-  int nFull = int(std::count_if(_sectorCounts.begin(), _sectorCounts.end(),
-                                [=](int count) { return count >= perSector; }));
-  for (std::size_t i = 0; i < _candidates.size(); ++i) {
-    if (nFull == _nSectors || _selected.size() >= maximum)
-      return;
-    const _Candidate &candidate = _candidates[i];
-    if (_taken[i] || _sectorCounts[candidate.sector] >= perSector || !_passesTests(candidate) ||
-        (testsOptimum && !_passesOptimum(candidate.sample)))
-      continue;
-    _select(candidate.sample, candidate.sector, candidate.squaredDistance);
-    _taken[i] = 1;
-    nFull += _sectorCounts[candidate.sector] == perSector;
-  }
-}
-
-bool NgdNeighborhoodSearch::_passesTests(const _Candidate &candidate) const
-{
-  return _passesGap(candidate.sample) && (!_testsCodes || _passesMaximumCodes(candidate.sample));
-}
-
-bool NgdNeighborhoodSearch::_passesGap(int sample) const
-{
-  if (!_parameters->isRuleMinimumGap())
-    return true;
-  const double squaredGap = _parameters->getMinimumGap() * _parameters->getMinimumGap();
-  const NbgVector3D location = _location(sample);
-  return std::none_of(_selected.begin(), _selected.end(), [&](const Selected &selected) {
-    return (_location(selected.sample) - location).squaredNorm() < squaredGap;
-  });
-}
-
-bool NgdNeighborhoodSearch::_passesOptimum(int sample) const
-{
-  if (!_hasCode(sample))
-    return true;
-  const _CodeCount *known = _findCode(samples.codes[sample]);
-  return !known || known->count < _parameters->getOptimumPerCode();
-}
-
-bool NgdNeighborhoodSearch::_passesMaximumCodes(int sample) const
-{
-  if (!_hasCode(sample))
-    return true;
-  if (const _CodeCount *known = _findCode(samples.codes[sample]))
-    return !_parameters->isRuleMaximumPerCode() || known->count < _parameters->getMaximumPerCode();
-  return !_parameters->isRuleMaximumCodeNb() ||
-         int(_codeCounts.size()) < _parameters->getMaximumCodeNb();
-}
-
-bool NgdNeighborhoodSearch::_hasCode(int sample) const
-{
-  return sample < samples.n && samples.codes[sample] != NbbGlobal::I32_FFFF;
-}
-
-const NgdNeighborhoodSearch::_CodeCount *NgdNeighborhoodSearch::_findCode(int code) const
-{
-  for (const _CodeCount &known : _codeCounts) {
-    if (known.code == code)
-      return &known;
-  }
-  return nullptr;
-}
-
-void NgdNeighborhoodSearch::_select(int sample, int sector, double squaredDistance)
-{
-  _selected.push_back({sample, sector, squaredDistance});
-  if (sector >= 0)
-    ++_sectorCounts[sector];
-  if (!_testsCodes || !_hasCode(sample))
-    return;
-  const int code = samples.codes[sample];
-  for (_CodeCount &known : _codeCounts) {
-    if (known.code == code) {
-      ++known.count;
-      return;
-    }
-  }
-  _codeCounts.push_back({code, 1});
-}
-
-bool NgdNeighborhoodSearch::_hasTooManyEmptySectors() const
-{
-  if (!_parameters->isRuleMaximumEmptySectors())
-    return false;
-  const int allowed = _parameters->getMaximumEmptySectors();
-  if (!_parameters->isRuleMaximumEmptySectorsConsecutive())
-    return std::count(_sectorCounts.begin(), _sectorCounts.end(), 0) > allowed;
-  const int nPerHalf = std::max(1, _parameters->getSectorsNumber());
-  for (int first = 0; first < _nSectors; first += nPerHalf) {
-    if (_longestEmptyRun(first) > allowed)
-      return true;
-  }
-  return false;
-}
-
-/// Empty sectors in a row around the half that begins with sector `first`.
-int NgdNeighborhoodSearch::_longestEmptyRun(int first) const
-{
-  const int n = std::max(1, _parameters->getSectorsNumber());
-  int longest = 0;
-  int run = 0;
-  for (int i = 0; i < 2 * n; ++i) {
-    run = _sectorCounts[first + i % n] == 0 ? run + 1 : 0;
-    longest = std::max(longest, std::min(run, n));
-  }
-  return longest;
 }

@@ -28,12 +28,16 @@ public:
     const double *y = nullptr;
     const double *z = nullptr;
     int nVariables = 0;
-    std::vector<unsigned char> defined;   ///< variable v is defined in sample i: [v * n + i]
     std::vector<unsigned char> usable;    ///< passes the test of variables
-    std::vector<int> codes;               ///< I32_FFFF without code; empty without code variable
+    std::vector<unsigned char> defined;   ///< variable v is defined in sample i: [v * n + i]; empty
+                                          ///< for a single variable, of which `usable` tells it
+    bool hasCodes = false;                ///< there is a code variable
+    std::vector<int> codes;               ///< I32_FFFF without code
     std::vector<qint64> lines;            ///< I64_FFFF without line; empty unless needed
     const double *largeValues = nullptr;  ///< values compared to the thresholds of the caps
     const double *smallValues = nullptr;
+    std::vector<double> largeCopy;  ///< the same where the samples hold no doubles
+    std::vector<double> smallCopy;
   };
 
   /// Rejection around targets that are samples.
@@ -74,7 +78,8 @@ public:
     double squaredDistance;
   };
 
-  explicit NgdNeighborhoodSearch(const NgdSortedDataKdTree &tree) : _tree(tree) {}
+  /// The index of the loaded samples; to be set before a search.
+  void setIndex(const NgdSortedDataKdTree &tree) { _tree = &tree; }
 
   /// Selects. Failures leave no sample, except too many in the block.
   const NgcENeighborhoodErrorCode &run(const NgmNeighborhoodMoving &parameters,
@@ -88,6 +93,9 @@ public:
   {
     return !_rejectedFlags.empty() && sample < samples.n && _rejectedFlags[sample];
   }
+
+  /// A variable of a sample is defined and, in the search that ran last, not rejected.
+  bool isDefined(int sample, int variable) const;
 
   /// Whether the top (bottom) cap takes hold of a sample in the search that ran last.
   bool isCapped(int sample, bool top) const;
@@ -127,7 +135,10 @@ private:
   void _prepareRoad();
   const NgcENeighborhoodErrorCode &_parse();
   bool _collect();
+  void _forgetCandidates();
   bool _collectNearest();
+  bool _measureNearest(int wanted);
+  bool _hasEnough() const;
   bool _collectAll();
   bool _collectAdditional();
   void _keepNearestAdditional(std::size_t first);
@@ -140,7 +151,6 @@ private:
   bool _isRemovedByCaps(int sample, const NbgVector3D &local) const;
   bool _isCapped(int sample, const NbgVector3D &local, bool top) const;
   bool _isUsable(int sample) const;
-  bool _isDefined(int sample, int variable) const;
   NbgVector3D _location(int sample) const;
   int _sectorOf(const NbgVector3D &local) const;
   void _offerToSector(const NbgVector3D &local, _Candidate candidate);
@@ -164,7 +174,7 @@ private:
   bool _hasTooManyEmptySectors() const;
   int _longestEmptyRun(int first) const;
 
-  const NgdSortedDataKdTree &_tree;
+  const NgdSortedDataKdTree *_tree = nullptr;
   const NgmNeighborhoodMoving *_parameters = nullptr;
   const NgdSearchVolume *_volume = nullptr;
   const NgmTarget *_target = nullptr;
@@ -179,12 +189,16 @@ private:
   bool _testsFaults = false;
   bool _testsCodes = false;
   bool _removesByCaps = false;
-  bool _looksAroundTarget = false;   ///< proximity or block rules
-  bool _hasPlainRules = false;       ///< nothing but distance decides on a candidate
-  bool _takesNearest = false;        ///< the nearest candidates are enough
+  bool _looksAroundTarget = false;  ///< proximity or block rules
+  bool _hasPlainRules = false;      ///< nothing but distance decides on a candidate
+  bool _keysFollowFrame = false;    ///< sorting distances have the order of those in the index
+  bool _takesNearest = false;       ///< the nearest samples may be enough
+  int _fewestNearest = 1;           ///< how many of them are asked for at first, and at most
+  int _mostNearest = 1;
   bool _keepsBestPerSector = false;  ///< the nearest candidates of each sector are enough
   bool _keepsAllThatFit = false;     ///< no rule asks for an order of candidates
 
+  bool _hasNearest = false;  ///< candidates are the nearest that the index proposed
   NgdSortedDataKdTree::Proposals _proposals;
   QVector<int> _additionalPositions;
   std::vector<_Candidate> _candidates;

@@ -114,8 +114,12 @@ void NgdSearchVolume::_setEllipsoid(const NgmNeighborhoodMoving &parameters)
   const NbgVector3D &size = parameters.getEllipseSize();
   halfExtents = size;
   boxRotation = parameters.getEllipseRotation();
-  radius = size.maximum();
-  squaredRadius = radius * radius;
+  radius = std::max(0., size.maximum());
+  // Factors of the radii may leave nothing of the ellipsoid.
+  bool isNull = false;
+  for (int axis = 0; axis < nDimensions; ++axis)
+    isNull |= !(size[axis] > 0.);
+  squaredRadius = isNull ? 0. : radius * radius;
   if (radius > 0.)
     scaling = NbgVector3D(radius / size.x(), nDimensions > 1 ? radius / size.y() : 0.,
                           nDimensions > 2 ? radius / size.z() : 0.);

@@ -15,10 +15,15 @@ inline double dotProduct(int n, const double *x, const double *y)
   return ((sums[0] + sums[1]) + (sums[2] + sums[3])) + ((sums[4] + sums[5]) + (sums[6] + sums[7]));
 }
 
+/// Rounding may leave less than 0 of a variance. NaN stays.
+inline double floorVariance(double variance)
+{
+  return variance < 0. ? 0. : variance;
+}
+
 /// Variance of a kriging error, floored at 0: c00 - sum over all equations of weight * right-hand
 /// side.
 inline double krigingVariance(double c00, int n, const double *weights, const double *rhs)
 {
-  const double variance = c00 - dotProduct(n, weights, rhs);
-  return variance < 0. ? 0. : variance;
+  return floorVariance(c00 - dotProduct(n, weights, rhs));
 }

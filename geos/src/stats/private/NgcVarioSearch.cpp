@@ -101,6 +101,8 @@ void NgcVarioSearch::_flush(Workspace &workspace) const
   _processPairs(workspace);
   for (int i = 0; i < workspace._sums->getCount(); ++i)
     workspace._accumulators[i].flushInto(workspace._sums->at(i));
+  for (int i = 0; workspace._sums->hasClouds() && i < workspace._sums->getCount(); ++i)
+    workspace._sums->getCloud(i).finishSorting();
 }
 
 void NgcVarioSearch::_processBlocks(int first, int second, Workspace &workspace) const

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "app/study/KrigingRequest.h"
+
+#include <QStringList>
+
+namespace orvenal {
+
+class JobObject;
+
+/// A column of a table, with its transform.
+QStringList columnKeys();
+Column readColumn(const JobObject &object);
+
+QStringList krigingKeys();
+
+/// What an object of a job says of kriging: `nVariables` counts the covariates, `nStructures` is
+/// that of the model.
+KrigingRequest readKriging(const JobObject &object, int nDimensions, int nVariables,
+                           int nStructures);
+
+}  // namespace orvenal

@@ -1,0 +1,56 @@
+#include "app/plot/Picture.h"
+
+#include "app/plot/PlotStyle.h"
+
+#include <QBuffer>
+#include <QSvgGenerator>
+
+namespace orvenal {
+
+Picture::Picture(std::unique_ptr<QCustomPlot> plot, const QSize &size)
+    : _plot(std::move(plot)), _size(size)
+{
+}
+
+Picture::Picture(Picture &&) noexcept = default;
+Picture &Picture::operator=(Picture &&) noexcept = default;
+Picture::~Picture() = default;
+
+QImage Picture::toImage() const
+{
+  return _plot->toPixmap(_size.width(), _size.height(), pixelRatio).toImage();
+}
+
+QByteArray Picture::toPng() const
+{
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::WriteOnly);
+  toImage().save(&buffer, "PNG");
+  return bytes;
+}
+
+QByteArray Picture::toSvg() const
+{
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::WriteOnly);
+  QSvgGenerator generator;
+  generator.setOutputDevice(&buffer);
+  generator.setSize(_size);
+  generator.setViewBox(QRect(QPoint(0, 0), _size));
+  QCPPainter painter;
+  painter.begin(&generator);
+  painter.setMode(QCPPainter::pmVectorized);
+  painter.setMode(QCPPainter::pmNoCaching);
+  _plot->toPainter(&painter, _size.width(), _size.height());
+  painter.end();
+  return bytes;
+}
+
+QByteArray Picture::toBytes(const QString &file) const
+{
+  return file.endsWith(QLatin1String(".svg"), Qt::CaseInsensitive) ? toSvg() : toPng();
+}
+
+}  // namespace orvenal

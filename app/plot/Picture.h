@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+#include <QSize>
+#include <QString>
+
+#include <memory>
+
+class QCustomPlot;
+
+namespace orvenal {
+
+/// A finished picture, which can be had in several formats. Needs a QApplication; no display.
+class Picture
+{
+public:
+  /// A plot, drawn at a size in units of its layout.
+  Picture(std::unique_ptr<QCustomPlot> plot, const QSize &size);
+  Picture(Picture &&) noexcept;
+  Picture &operator=(Picture &&) noexcept;
+  ~Picture();
+
+  QImage toImage() const;
+  QByteArray toPng() const;
+  QByteArray toSvg() const;
+
+  /// In the format of the file's ending: PNG, or SVG for ".svg".
+  QByteArray toBytes(const QString &file) const;
+
+private:
+  std::unique_ptr<QCustomPlot> _plot;
+  QSize _size;
+};
+
+}  // namespace orvenal

@@ -1,0 +1,112 @@
+#include "app/plot/PlotStyle.h"
+
+#include <QFontMetricsF>
+#include <QLocale>
+#include <QObject>
+
+#include <algorithm>
+#include <cmath>
+
+namespace orvenal {
+
+namespace {
+
+/// Breaks a text between words into lines of a width; a word that is too long is cut.
+QString wrapped(const QString &text, const QFont &font, double width)
+{
+  const QFontMetricsF metrics(font);
+  QStringList lines;
+  for (const QString &word : text.split(' ', Qt::SkipEmptyParts)) {
+    const QString longer = lines.isEmpty() ? word : lines.last() + ' ' + word;
+    if (!lines.isEmpty() && metrics.horizontalAdvance(longer) <= width)
+      lines.last() = longer;
+    else
+      lines << metrics.elidedText(word, Qt::ElideRight, width);
+  }
+  constexpr int mostLines = 3;
+  return QStringList(lines.mid(0, mostLines)).join('\n');
+}
+
+double tickStepOf(QCPAxis &axis)
+{
+  QVector<double> ticks;
+  axis.ticker()->generate(axis.range(), QLocale::c(), QLatin1Char('g'), 6, ticks, nullptr, nullptr);
+  return ticks.size() > 1 ? ticks[1] - ticks[0] : axis.range().size();
+}
+
+/// Decimals that write multiples of a step exactly.
+int decimalsOf(double step)
+{
+  constexpr int most = 12;
+  double scaled = step;
+  for (int decimals = 0; decimals < most; ++decimals, scaled *= 10.) {
+    if (scaled >= 0.5 && std::abs(scaled - std::round(scaled)) < 1e-6 * scaled)
+      return decimals;
+  }
+  return most;
+}
+
+}  // namespace
+
+QFont fontOf(int points, bool bold)
+{
+  QFont font(QStringLiteral("DejaVu Sans"), points);
+  font.setBold(bold);
+  return font;
+}
+
+QString axisLabel(const QString &name, const QString &unit)
+{
+  return unit.isEmpty() ? name : QStringLiteral("%1 [%2]").arg(name, unit);
+}
+
+void styleAxis(QCPAxis &axis, const QString &label)
+{
+  axis.setTickLabelFont(fontOf(9));
+  axis.setLabelFont(fontOf(10));
+  axis.setLabel(label);
+  axis.setTicks(true);
+  axis.setTickLabels(true);
+  axis.setTickLengthOut(4);
+  axis.setTickLengthIn(0);
+  axis.setSubTicks(false);
+  axis.grid()->setPen(QPen(QColor(225, 225, 225), 0.8));
+  axis.grid()->setZeroLinePen(Qt::NoPen);
+}
+
+void setTicks(QCPAxis &axis, double length, double roomPerTick)
+{
+  axis.ticker()->setTickCount(std::max(2, int(length / roomPerTick)));
+  axis.setNumberFormat(QStringLiteral("f"));
+  axis.setNumberPrecision(decimalsOf(tickStepOf(axis)));
+}
+
+void closeFrame(QCustomPlot &plot)
+{
+  plot.axisRect()->setupFullAxesBox();
+  for (QCPAxis *axis : {plot.xAxis2, plot.yAxis2}) {
+    axis->setTicks(false);
+    axis->setTickLabels(false);
+  }
+}
+
+void addText(QCustomPlot &plot, const QString &text, const QFont &font, double width)
+{
+  if (text.isEmpty())
+    return;
+  const int row = plot.plotLayout()->rowCount() - 1;
+  plot.plotLayout()->insertRow(row);
+  auto *element = new QCPTextElement(&plot, wrapped(text, font, width), font);
+  element->setMargins(QMargins(4, row == 0 ? 6 : 0, 4, 4));
+  plot.plotLayout()->addElement(row, 0, element);
+}
+
+QSize sizeFor(QCustomPlot &plot, const QSizeF &area)
+{
+  const QSize trial(int(area.width()) + 200, int(area.height()) + 160);
+  plot.setViewport(QRect(QPoint(0, 0), trial));
+  plot.replot(QCustomPlot::rpImmediateRefresh);
+  return trial + QSize(int(area.width()), int(area.height())) - plot.axisRect()->size();
+}
+
+}  // namespace orvenal

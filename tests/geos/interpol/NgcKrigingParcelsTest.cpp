@@ -1,0 +1,68 @@
+// Kriging of a grid in parcels, some of which have no sample in reach.
+
+#include "KrigingRun.h"
+#include "geos/interpol/NgmNeighborhoodMoving.h"
+#include "support/Errors.h"
+#include "support/TestData.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+using namespace krigingtest;
+
+namespace {
+
+/// 60 samples in the western third of a grid of 30 x 10 cells.
+std::vector<double> krige(bool moving, bool parcels, QStringList &warnings)
+{
+  const auto points =
+      samples(testsupport::uniformValues(1, 60, 0., 100.),
+              testsupport::uniformValues(2, 60, 0., 100.), testsupport::normalValues(3, 60));
+  const auto grid = testsupport::makeGrid2D(30, 10);
+  NgcKriging kriging(QStringLiteral("KRIGING"));
+  kriging.setInputDataSet(input(points));
+  kriging.setOutputDataSet(output<NgdDataSetGrid>(grid));
+  kriging.setVarioModel(sphericalModel(0.1, 0.9, NbgVector3D(80., 80., 80.)));
+  NgmNeighborhoodMoving neighborhood;
+  neighborhood.setEllipseSize({50., 50., 50.});
+  neighborhood.setSectors(1, 8, false);
+  kriging.setUsingMovingNeighborhood(neighborhood);
+  if (!moving)
+    kriging.setUsingUniqueNeighborhood();
+  if (parcels)
+    kriging.setParcelling({10, 4, 1}, {50., 50., 0.});
+  kriging.setNThread(2);
+  const testsupport::PrintedMessages messages;
+  EXPECT_EQ(kriging.execute(), NbcAProgress::COMPLETED) << qPrintable(kriging.getErrorMessage());
+  EXPECT_EQ(kriging.getNumberOfInterpolErrors(), 0);
+  warnings = messages.texts;
+  return gridValues(*grid, QStringLiteral("estimate"));
+}
+
+}  // namespace
+
+TEST(NgcKriging, GivesSameBitsInParcelsThatReachAllNeighbors)
+{
+  QStringList warnings;
+  const std::vector<double> whole = krige(true, false, warnings);
+  EXPECT_EQ(krige(true, true, warnings), whole);
+  EXPECT_TRUE(warnings.isEmpty());
+  EXPECT_TRUE(NbbGlobal::isDefined(whole.front()));
+  EXPECT_FALSE(NbbGlobal::isDefined(whole.back()));
+}
+
+TEST(NgcKriging, GoesOnWithoutSamplesInAParcelOfAUniqueNeighborhood)
+{
+  QStringList warnings;
+  const std::vector<double> estimates = krige(false, true, warnings);
+  for (std::size_t rank = 0; rank < estimates.size(); ++rank)
+    ASSERT_EQ(NbbGlobal::isDefined(estimates[rank]), rank < 200)
+        << rank;  // 50 m into the second third
+
+  // One warning for each parcel of the eastern third, with its corners.
+  ASSERT_EQ(warnings.size(), 3);
+  EXPECT_TRUE(warnings[1].contains(QStringLiteral("Lower Left Corner: 200, 40<br>")))
+      << qPrintable(warnings[1]);
+  EXPECT_TRUE(warnings[1].contains(QStringLiteral("Upper Right Corner: 300, 80<br>")));
+}
