@@ -14,6 +14,7 @@ using namespace fitcases;
 
 void fit(benchmark::State &state)
 {
+  NgcACalculator::initMKLThreading();
   NbbAMessage::setSink([](const NbbAMessage::Record &) {});
   const int nVariables = int(state.range(0));
   const Layout layout = inPlane(int(state.range(1)));
@@ -46,6 +47,8 @@ BENCHMARK(fit)
     ->Args({1, 4})
     ->Args({2, 3})
     ->Args({4, 3})
+    ->UseRealTime()
+    ->MeasureProcessCPUTime()
     ->Unit(benchmark::kMillisecond);
 
 BENCHMARK_MAIN();

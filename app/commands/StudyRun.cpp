@@ -10,10 +10,12 @@
 #include "app/io/VariogramCsvWriter.h"
 #include "app/plot/CrossValidationPicture.h"
 #include "app/plot/MapPicture.h"
+#include "app/plot/VariogramMapPicture.h"
 #include "app/plot/VariogramPicture.h"
 #include "app/report/Describe.h"
 #include "app/report/StudyReport.h"
 #include "app/study/Statistics.h"
+#include "app/study/VariogramMap.h"
 #include "basic/provider/NbpMemoryProviderPointsW.h"
 #include "geos/data/NgdDataSetPoints.h"
 
@@ -101,6 +103,24 @@ void StudyRun::_computeVariograms()
   _endStep(QObject::tr("Variograms"));
 }
 
+/// Map and cloud, where they are wanted.
+void StudyRun::_drawVariogramMap(const VariogramStyle &style)
+{
+  const Job &job = _result.job;
+  if (!job.output.variogramMap.isEmpty()) {
+    const Picture picture =
+        drawVariogramMap(computeVariogramMap(job, _result.samples, _samples, _context), style);
+    _result.variogramMap = picture.toPng();
+    _writePicture(job.output.variogramMap, picture);
+  }
+  if (!job.output.variogramCloud.isEmpty()) {
+    const Picture picture =
+        drawVariogramCloud(computeVariogramCloud(job, _result.samples, _samples, _context), style);
+    _result.variogramCloud = picture.toPng();
+    _writePicture(job.output.variogramCloud, picture);
+  }
+}
+
 void StudyRun::_crossValidate()
 {
   _result.crossValidation = crossValidate(_result.job, _result.samples, _context);
@@ -134,8 +154,7 @@ void StudyRun::_krige()
 void StudyRun::_drawVariograms()
 {
   const Job &job = _result.job;
-  if (!_isToDo(Step::VARIOGRAM) ||
-      (job.output.variogramPicture.isEmpty() && job.output.report.isEmpty()))
+  if (!_isToDo(Step::VARIOGRAM))
     return;
   VariogramStyle style;
   style.title = job.title;
@@ -146,6 +165,7 @@ void StudyRun::_drawVariograms()
   const Picture picture = drawVariograms(_result.variography, style);
   _result.variogramPicture = picture.toPng();
   _writePicture(job.output.variogramPicture, picture);
+  _drawVariogramMap(style);
   _endStep(QObject::tr("Picture of the variograms"));
 }
 
@@ -168,7 +188,7 @@ void StudyRun::_drawMaps()
   _writePicture(job.output.estimateMap, estimate);
   Interruption::check();
   style.valueLabel = Describe::deviationLabel(job);
-  style.colors = ColorScale::CIVIDIS;
+  style.isDeviation = true;
   style.coloredSamples = false;
   const Picture deviation = drawMap(grid.geometry, grid.deviation, _result.samples, style);
   _result.deviationMap = deviation.toPng();

@@ -9,6 +9,8 @@
 
 namespace orvenal {
 
+struct VariogramStyle;
+
 /// A study, or some steps of it: reads the data of a job, prints statistics, computes what the
 /// steps say and writes their files.
 class StudyRun
@@ -25,6 +27,7 @@ private:
   void _computeStatistics();
   void _computeVariograms();
   void _drawVariograms();
+  void _drawVariogramMap(const VariogramStyle &style);
   void _crossValidate();
   void _drawCrossValidation();
   void _krige();

@@ -243,20 +243,41 @@ void readKrigingFiles(const JobObject &object, const QDir &folder, const Job &jo
   output.deviationMap = readMap(maps, key("deviation"), folder, job.getNDimensions());
 }
 
-/// Table and picture of a step.
-void readStepFiles(const JobObject &object, const char *step, bool isThere, const QDir &folder,
-                   QString &table, QString &picture)
+/// Files of a step by their keys, each with its endings and its place.
+struct StepFile
 {
-  const QString name = key(step);
-  require(isThere, object, name, step);
-  if (!object.has(name))
+  const char *name;
+  QStringList endings;
+  QString *path;
+};
+
+void readStepFiles(const JobObject &object, const char *step, bool isThere, const QDir &folder,
+                   const QList<StepFile> &files)
+{
+  require(isThere, object, key(step), step);
+  if (!object.has(key(step)))
     return;
-  const JobObject files = object.object(name, {key("table"), key("picture")});
-  if (files.has(key("table")))
-    table = readOutputFile(files, key("table"), files.text(key("table")), folder, {key("csv")});
-  if (files.has(key("picture")))
-    picture =
-        readOutputFile(files, key("picture"), files.text(key("picture")), folder, pictureEndings());
+  QStringList names;
+  for (const StepFile &file : files)
+    names << key(file.name);
+  const JobObject given = object.object(key(step), names);
+  for (const StepFile &file : files) {
+    if (given.has(key(file.name)))
+      *file.path =
+          readOutputFile(given, key(file.name), given.text(key(file.name)), folder, file.endings);
+  }
+}
+
+void readVariogramFiles(const JobObject &object, const QDir &folder, const Job &job,
+                        JobOutput &output)
+{
+  readStepFiles(object, "variogram", job.variogram.has_value(), folder,
+                {{"table", {key("csv")}, &output.variogramTable},
+                 {"picture", pictureEndings(), &output.variogramPicture},
+                 {"map", pictureEndings(), &output.variogramMap},
+                 {"cloud", pictureEndings(), &output.variogramCloud}});
+  if (!output.variogramMap.isEmpty() && job.getNDimensions() > 2)
+    object.fail(key("variogram.map"), QObject::tr("a map needs samples of two dimensions"));
 }
 
 JobOutput readOutput(const JobObject &root, const QDir &jobFolder, const Job &job)
@@ -267,10 +288,10 @@ JobOutput readOutput(const JobObject &root, const QDir &jobFolder, const Job &jo
   const QDir folder(jobFolder.absoluteFilePath(object.text(key("directory"), key("."))));
   JobOutput output;
   readKrigingFiles(object, folder, job, output);
-  readStepFiles(object, "variogram", job.variogram.has_value(), folder, output.variogramTable,
-                output.variogramPicture);
+  readVariogramFiles(object, folder, job, output);
   readStepFiles(object, "crossValidation", job.crossValidation.has_value(), folder,
-                output.crossValidationTable, output.crossValidationPicture);
+                {{"table", {key("csv")}, &output.crossValidationTable},
+                 {"picture", pictureEndings(), &output.crossValidationPicture}});
   if (object.has(key("report")))
     output.report = readOutputFile(object, key("report"), object.text(key("report")), folder,
                                    {key("html"), key("htm")});

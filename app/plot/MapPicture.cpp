@@ -1,6 +1,7 @@
 #include "app/plot/MapPicture.h"
 
 #include "app/console/Progress.h"
+#include "app/plot/ColorScales.h"
 #include "app/plot/MapRaster.h"
 #include "app/plot/PlotStyle.h"
 #include "app/study/Samples.h"
@@ -23,23 +24,6 @@ namespace {
 constexpr double longSide = 620.;      // of the plot area, in units of the layout
 constexpr double shortestSide = 240.;  // narrower areas hold no labels
 constexpr int mostCells = 1500;
-
-/// Matplotlib's viridis (Smith and van der Walt, 2015) and cividis (Nunez et al., 2018).
-QCPColorGradient gradientOf(ColorScale scale)
-{
-  static const QStringList viridis = {"#440154", "#482878", "#3e4989", "#31688e", "#26828e",
-                                      "#1f9e89", "#35b779", "#6ece58", "#b5de2b", "#fde725"};
-  static const QStringList cividis = {"#00224e", "#123570", "#3b496c", "#575d6d", "#707173",
-                                      "#8a8678", "#a59c74", "#c3b369", "#e1cc55", "#fee838"};
-  const QStringList &colors = scale == ColorScale::VIRIDIS ? viridis : cividis;
-  QCPColorGradient gradient;
-  gradient.clearColorStops();
-  for (int i = 0; i < colors.size(); ++i)
-    gradient.setColorStopAt(double(i) / (colors.size() - 1), QColor(colors[i]));
-  gradient.setColorInterpolation(QCPColorGradient::ciRGB);
-  gradient.setNanHandling(QCPColorGradient::nhTransparent);
-  return gradient;
-}
 
 /// Least and largest defined value; a constant gets some room.
 QCPRange rangeOf(const std::vector<double> &values)
@@ -212,38 +196,6 @@ void fillColorMap(QCPColorMap &map, const MapRaster &raster)
   map.setTightBoundary(false);
 }
 
-QCPColorScale &addColorScale(QCustomPlot &plot, const MapStyle &style)
-{
-  auto *scale = new QCPColorScale(&plot);
-  plot.plotLayout()->addElement(plot.plotLayout()->rowCount() - 1, 1, scale);
-  scale->setType(QCPAxis::atRight);
-  scale->setBarWidth(16);
-  scale->setLabel(style.valueLabel);
-  scale->axis()->setLabelFont(fontOf(10));
-  scale->axis()->setTickLabelFont(fontOf(9));
-  scale->axis()->setNumberFormat(QStringLiteral("g"));
-  scale->axis()->setNumberPrecision(6);
-  scale->setMargins(QMargins(10, 0, 0, 0));
-  auto *group = new QCPMarginGroup(&plot);
-  plot.axisRect()->setMarginGroup(QCP::msBottom | QCP::msTop, group);
-  scale->setMarginGroup(QCP::msBottom | QCP::msTop, group);
-  return *scale;
-}
-
-/// Exactly one scale: the range of the axis with room to spare is widened.
-void equalizeScales(QCustomPlot &plot, const QSize &size)
-{
-  plot.setViewport(QRect(QPoint(0, 0), size));
-  plot.replot(QCustomPlot::rpImmediateRefresh);
-  const QSize area = plot.axisRect()->size();
-  const double xScale = plot.xAxis->range().size() / area.width();
-  const double yScale = plot.yAxis->range().size() / area.height();
-  if (xScale < yScale)
-    plot.xAxis->setScaleRatio(plot.yAxis, 1.);
-  else
-    plot.yAxis->setScaleRatio(plot.xAxis, 1.);
-}
-
 }  // namespace
 
 Picture drawMap(const NbgGeomGrid &grid, const std::vector<double> &values, const Samples &samples,
@@ -253,7 +205,8 @@ Picture drawMap(const NbgGeomGrid &grid, const std::vector<double> &values, cons
   const NbgVector3D low = extent.getLowerLeftCorner();
   const NbgVector3D high = extent.getUpperRightCorner();
   const QSizeF area = areaFor(high.x() - low.x(), high.y() - low.y());
-  const QCPColorGradient gradient = gradientOf(style.colors);
+  const QCPColorGradient gradient =
+      gradientOf(style.isDeviation ? ColorScale::CIVIDIS : ColorScale::VIRIDIS);
   const QCPRange range = rangeOf(values);
 
   auto plot = std::make_unique<QCustomPlot>();
@@ -273,7 +226,7 @@ Picture drawMap(const NbgGeomGrid &grid, const std::vector<double> &values, cons
 
   auto *map = new QCPColorMap(plot->xAxis, plot->yAxis);
   fillColorMap(*map, rasterize(grid, values, mostCells));
-  map->setColorScale(&addColorScale(*plot, style));
+  map->setColorScale(&addColorScale(*plot, style.valueLabel));
   map->setGradient(gradient);
   map->setDataRange(range);
   auto *marks = new SampleMarks(

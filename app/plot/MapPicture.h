@@ -12,17 +12,14 @@ namespace orvenal {
 
 struct Samples;
 
-/// Colour scales that keep their order for colour-blind eyes and in grey.
-enum class ColorScale { VIRIDIS, CIVIDIS };
-
 /// What a map shows besides its values.
 struct MapStyle
 {
   QString title;
-  QString subtitle;    ///< what the marks of the samples mean is added to it
-  QString valueLabel;  ///< beside the colour scale, with the unit
-  QString lengthUnit;  ///< of the axes; may be empty
-  ColorScale colors = ColorScale::VIRIDIS;
+  QString subtitle;             ///< what the marks of the samples mean is added to it
+  QString valueLabel;           ///< beside the colour scale, with the unit
+  QString lengthUnit;           ///< of the axes; may be empty
+  bool isDeviation = false;     ///< has colours of its own
   bool coloredSamples = false;  ///< samples are filled by their value on the same scale
 };
 

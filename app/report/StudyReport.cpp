@@ -177,7 +177,10 @@ QString variograms(const StudyResult &result)
 {
   const Variography &variography = result.variography;
   return figure(result.variogramPicture, variography.curveName) +
-         headedTable(variogramRows(variography, result.job)) +
+         QStringLiteral("<div class=\"maps\">\n") +
+         figure(result.variogramMap, QObject::tr("Variogram map")) +
+         figure(result.variogramCloud, QObject::tr("Variogram cloud")) +
+         QStringLiteral("</div>\n") + headedTable(variogramRows(variography, result.job)) +
          paragraph(QObject::tr("Lag %1. Lags without pairs are left out.")
                        .arg(Describe::length(variography.lag, result.job.lengthUnit)),
                    QStringLiteral("lead"));

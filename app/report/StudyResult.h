@@ -20,9 +20,11 @@ struct StudyResult
   Job job;
   Samples samples;
   NbcStatMono sampleStatistics;
-  qint64 nMaskOutside = 0;          ///< points of the mask's file outside the grid
-  Variography variography;          ///< empty without that step
-  QByteArray variogramPicture;      ///< PNG, as all pictures
+  qint64 nMaskOutside = 0;      ///< points of the mask's file outside the grid
+  Variography variography;      ///< empty without that step
+  QByteArray variogramPicture;  ///< PNG, as all pictures
+  QByteArray variogramMap;      ///< where they were asked for
+  QByteArray variogramCloud;
   CrossValidation crossValidation;  ///< empty without that step
   QByteArray crossValidationPicture;
   std::optional<Estimation> estimation;

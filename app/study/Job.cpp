@@ -10,8 +10,9 @@ QString JobVariable::getLabel() const
 QStringList JobOutput::getFiles() const
 {
   QStringList files = grids;
-  for (const QString &file : {variogramTable, variogramPicture, crossValidationTable,
-                              crossValidationPicture, estimateMap, deviationMap, report}) {
+  for (const QString &file :
+       {variogramTable, variogramPicture, variogramMap, variogramCloud, crossValidationTable,
+        crossValidationPicture, estimateMap, deviationMap, report}) {
     if (!file.isEmpty())
       files << file;
   }
@@ -38,6 +39,8 @@ void Job::keepOutputsOf(const Steps &steps)
   if (steps.count(Step::VARIOGRAM)) {
     kept.variogramTable = output.variogramTable;
     kept.variogramPicture = output.variogramPicture;
+    kept.variogramMap = output.variogramMap;
+    kept.variogramCloud = output.variogramCloud;
   }
   if (steps.count(Step::CROSS_VALIDATION)) {
     kept.crossValidationTable = output.crossValidationTable;

@@ -47,6 +47,8 @@ struct JobOutput
   QString deviationMap;
   QString variogramTable;
   QString variogramPicture;
+  QString variogramMap;
+  QString variogramCloud;
   QString crossValidationTable;
   QString crossValidationPicture;
   QString report;

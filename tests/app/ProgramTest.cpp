@@ -321,11 +321,12 @@ TEST(Program, ComputesVariograms)
   const apptest::Folder folder;
   MeuseJob job;
   job.set("variogram", json("{\"lag\": 100, \"lags\": 15}"));
-  job.set("output.variogram", json("{\"table\": \"v.csv\", \"picture\": \"v.svg\"}"));
+  job.set("output.variogram", json("{\"table\": \"v.csv\", \"picture\": \"v.svg\","
+                                   " \"map\": \"m.png\", \"cloud\": \"c.svg\"}"));
   const Outcome outcome =
       runProgram({"variogram", "--quiet", job.writeTo(folder)}, folder.path(""));
   ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
-  EXPECT_EQ(folder.list("out"), (QStringList{"out/v.csv", "out/v.svg"}));
+  EXPECT_EQ(folder.list("out"), (QStringList{"out/c.svg", "out/m.png", "out/v.csv", "out/v.svg"}));
 
   const testsupport::CsvFile reference("meuse/vario_centred_omni.csv");
   CsvReader table(folder.path("out/v.csv"), "v.csv", CsvFormat());

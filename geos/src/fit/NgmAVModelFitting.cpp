@@ -124,8 +124,7 @@ void NgmAVModelFitting::_doRun()
   _fittedModel->makeAuthorized();
   _converged = _optimizer->hasConverged();
   _postProcessing();
-  printBetweenRules(
-      QObject::tr("Variogram Model Automatic Fitting Ends : %1").arg(QObject::tr("Success")));
+  printBetweenRules(QObject::tr("Variogram Model Automatic Fitting Ends : Success"));
 }
 
 void NgmAVModelFitting::_cleanup()

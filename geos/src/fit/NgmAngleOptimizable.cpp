@@ -4,6 +4,7 @@
 #include "basic/error/NbeUserError.h"
 #include "basic/geom/NbgVector3D.h"
 #include "geos/fit/NgmIAngleGrid.h"
+#include "geos/matrix/NgmMatrix.h"
 
 #include <QObject>
 
@@ -75,15 +76,25 @@ QVector<double> NgmAngleOptimizable::_determineWeights() const
   return weights;
 }
 
-/// The fit starts from the neighbor with the largest weight.
+/// The fit starts from the principal axis of the neighbors, which no sense of theirs changes.
 void NgmAngleOptimizable::_initParams()
 {
-  const QVector<double> &weights = getWeights();
-  const auto largest = std::max_element(weights.cbegin(), weights.cend()) - weights.cbegin();
-  const NgmAngleOptimizableObject &start = _neighbors[std::size_t(largest)].angles;
+  NgmMatrix tensor(3, 3, true);
+  for (std::size_t k = 0; k < _neighbors.size(); ++k) {
+    const NbgVector3D u = directionOf(_neighbors[k].angles);
+    for (int i = 0; i < 3; ++i) {
+      for (int j = 0; j <= i; ++j)
+        tensor.setElement(i, j, tensor(i, j) + getWeights()[int(k)] * u[i] * u[j]);
+    }
+  }
+  NgmMatrix values;
+  NgmMatrix vectors;
+  tensor.eigenValues(values, vectors, true, true, 1);
+  const double azimuth = std::atan2(vectors(0, 2), vectors(1, 2));
+  const double dip = -std::atan2(vectors(2, 2), std::hypot(vectors(0, 2), vectors(1, 2)));
   const NbiIntervalData free = NbiIntervalData::Infinite();
-  _addToParams(NgmOptParam(idOf(0), start.azimuth * DEGREE, free, QObject::tr("Azimuth")));
-  _addToParams(NgmOptParam(idOf(1), start.dip * DEGREE, free, QObject::tr("Dip")));
+  _addToParams(NgmOptParam(idOf(0), azimuth, free, QObject::tr("Azimuth")));
+  _addToParams(NgmOptParam(idOf(1), dip, free, QObject::tr("Dip")));
 }
 
 NgmAngleOptimizableObject NgmAngleOptimizable::_applyParams(const NgmOptParamList &params) const

@@ -88,7 +88,7 @@ bool NgmOptimizerFoxleg::_step()
     _calculateGaussNewtonStep();
   }
   _defineExtensions(params);
-  if (_isStepAccepted && !_suppressUnusedConstraints()) {
+  if (_isStepAccepted && !_hasRoomToMove()) {
     _newScore = _score;
     return false;
   }
@@ -226,7 +226,7 @@ void NgmOptimizerFoxleg::_defineExtensions(const NgmOptParamList &params)
 }
 
 /// False when every parameter is held on both sides.
-bool NgmOptimizerFoxleg::_suppressUnusedConstraints() const
+bool NgmOptimizerFoxleg::_hasRoomToMove() const
 {
   return std::any_of(_extensions.begin(), _extensions.end(), [](const _Extension &extension) {
     return extension.down > NULL_EXTENSION || extension.up > NULL_EXTENSION;
@@ -352,6 +352,6 @@ void NgmOptimizerFoxleg::_logEnd(int nbMaxIteration)
         << QObject::tr("Move Stopping Criterion  = %1/%2").arg(_moveStop).arg(SMALLEST_DELTA);
   if (std::fabs(_predicted) < NULL_PREDICTION)
     _logs << QObject::tr("Minimization score becomes too small. Optimization stopped!");
-  if (!_suppressUnusedConstraints())
+  if (!_hasRoomToMove())
     _logs << QObject::tr("No more constraints. Optimization stopped!");
 }

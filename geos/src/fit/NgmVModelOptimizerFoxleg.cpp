@@ -6,6 +6,15 @@
 
 #include <QObject>
 
+namespace {
+
+constexpr double PERFECT_SCORE = 1e-5;
+
+// Factors of the ranges, by structure.
+const QVector<QVector<double>> OTHER_STARTS{{0.4, 1., 2.}, {2., 0.4, 0.7}};
+
+}  // namespace
+
 NgmVModelOptimizerFoxleg::NgmVModelOptimizerFoxleg(const QString &name) : NgmOptimizerFoxleg(name)
 {
 }
@@ -42,13 +51,59 @@ bool NgmVModelOptimizerFoxleg::_doOptimization(int nbMaxIteration)
   // One criterion for both steps.
   vModel.setSillWeights(NgmVModelOptimizable::SillWeights::Squared);
   const QVector<NgmOptParamId> filters = _filters;
-  bool isDone = _fitAll(nbMaxIteration);
+  bool isDone = _fitFromSeveralStarts(nbMaxIteration);
   while (isDone && filters.isEmpty() && vModel.reduceModel(_verbose)) {
     _countAll();
     isDone = _fitAll(nbMaxIteration);
   }
   _filters = filters;
   return isDone;
+}
+
+/// The best of what the current parameters lead to and of what they lead to with other automatic
+/// ranges; only the former when it is a perfect fit.
+bool NgmVModelOptimizerFoxleg::_fitFromSeveralStarts(int nbMaxIteration)
+{
+  const NgmOptParamList start = _optimizable->_getParamsRef();
+  bool isDone = _fitAll(nbMaxIteration);
+  _Outcome best{_score, _converged, _optimizable->_getParamsRef()};
+  for (const QVector<double> &factors : OTHER_STARTS) {
+    if (!isDone || !_filters.isEmpty() || best.score < PERFECT_SCORE)
+      break;
+    const NgmOptParamList other = _withOtherRanges(start, factors);
+    if (other.isEmpty())
+      break;
+    _optimizable->acceptParams(other);
+    isDone = _fitAll(nbMaxIteration);
+    if (isDone && _score < best.score)
+      best = {_score, _converged, _optimizable->_getParamsRef()};
+  }
+  if (!isDone)
+    return false;
+  _optimizable->acceptParams(best.params);
+  _score = best.score;
+  _converged = best.isConverged;
+  _calculateCriteria();
+  return true;
+}
+
+/// The automatic ranges times a factor by structure, in turns; empty when there are none.
+NgmOptParamList NgmVModelOptimizerFoxleg::_withOtherRanges(const NgmOptParamList &params,
+                                                           const QVector<double> &factors) const
+{
+  const NgmVModelToBeOptimized &model = _vModel().getInitialModel();
+  NgmOptParamList changed = params;
+  bool isChanged = false;
+  for (NgmOptParam &param : changed) {
+    const NgmOptParamId &id = param.getId();
+    if (id.type != NgmVModelToBeOptimized::RANGE ||
+        !model.isAutomatic(id.structure, id.type, id.index1, id.index2))
+      continue;
+    param.setValue(
+        param.getBounds().fit(param.getValue() * factors[id.structure % factors.size()]));
+    isChanged = true;
+  }
+  return isChanged ? changed : NgmOptParamList();
 }
 
 /// The sills first; then everything, and where sills are more than numbers, ranges and rotations

@@ -585,9 +585,11 @@ QStringList NgmVModelToBeOptimized::_globalSummary(int digits) const
   if (_hasKnownNugget && getNVariables() > 1)
     lines << QObject::tr("- Known nugget matrix:")
           << getNuggetMatrix().toString(-1, digits, QStringLiteral(" "));
+  else if (_hasKnownNugget)
+    lines
+        << QObject::tr("- Known nugget                  = %1").arg(number(getNugget(0, 0), digits));
   else
-    lines << QObject::tr("- Known nugget                  = %1")
-                 .arg(_hasKnownNugget ? number(getNugget(0, 0), digits) : QObject::tr("no"));
+    lines << QObject::tr("- Known nugget                  = no");
   return lines;
 }
 

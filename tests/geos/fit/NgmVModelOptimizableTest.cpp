@@ -82,6 +82,9 @@ TEST(NgmVModelOptimizable, ListsTheParametersThatOptionsLeaveFree)
   solid.setLockIso2D(true);
   solid.setLockRot2D(true);
   solid.setConstraint(Model::LOCKED, 1, Model::STRUCT, 0, 0);
+  // The known rotation of the locked structure is that of all.
+  EXPECT_EQ(paramsOf(solid, inSpace()), textList("0:Sill(0,0) 0:Range(0,0) 0:Range(2,0)"));
+  solid.setLockSameRot(false);
   EXPECT_EQ(paramsOf(solid, inSpace()),
             textList("0:Sill(0,0) 0:Range(0,0) 0:Range(2,0) 0:Rot(0,0)"));
 

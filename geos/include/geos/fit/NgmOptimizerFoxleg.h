@@ -63,7 +63,7 @@ private:
   void _calculateGradients(const NgmOptParamList &params);
   void _calculateGaussNewtonStep();
   void _defineExtensions(const NgmOptParamList &params);
-  bool _suppressUnusedConstraints() const;
+  bool _hasRoomToMove() const;
   void _minimizeUnderConstraints();
   double _getQuadraticMinimizationScore() const;
   _Move _shiftParameters(NgmOptParamList &params, const std::vector<double> &move) const;

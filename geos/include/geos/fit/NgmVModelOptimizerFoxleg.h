@@ -11,7 +11,7 @@ class NgmVModelOptimizable;
 /// after each move the sills are fitted again to the new ranges and rotations
 /// (NgmOptimizerGoulard), which keeps every matrix of sills positive semi-definite. Structures that
 /// turn out negligible are discarded, as far as the initial model allows, and the rest fitted
-/// again.
+/// again. The first fit is made from several automatic ranges, the best is kept.
 class NgmVModelOptimizerFoxleg : public NgmOptimizerFoxleg
 {
 public:
@@ -27,6 +27,16 @@ protected:
   void _patchParams(NgmOptParamList &params) override;
 
 private:
+  struct _Outcome
+  {
+    double score;
+    bool isConverged;
+    NgmOptParamList params;
+  };
+
+  bool _fitFromSeveralStarts(int nbMaxIteration);
+  NgmOptParamList _withOtherRanges(const NgmOptParamList &params,
+                                   const QVector<double> &factors) const;
   NgmVModelOptimizable &_vModel() const;
   QVector<NgmOptParamId> _ids(bool sills) const;
   void _prepareGoulard();

@@ -18,7 +18,13 @@ constexpr double RADIAN = 57.29577951308232;
 constexpr int MAXIMUM_DIRECTIONS = 8;
 constexpr int GRID_POINTS = 250;
 constexpr int GRID_POINTS_3D = 64;
-constexpr int SWEEPS = 60;
+constexpr int SWEEPS = 25;
+constexpr double SETTLED = 1e-3;  // change of a sill, in units of the mean of the curve
+
+// A structure that a start leaves without sill would not be found again, so one with all alive is
+// taken unless it is so much worse.
+constexpr double ALIVE = 0.03;
+constexpr double WORSE = 3.;
 
 bool isAutomatic(const ToBeOptimized &model, int k, ToBeOptimized::ParamType type, int index)
 {
@@ -50,7 +56,7 @@ double solveSills(const std::vector<double> &gram, const std::vector<double> &rh
       change = std::max(change, std::fabs(sill - sills[a]));
       sills[a] = sill;
     }
-    if (change < 1e-4)
+    if (change < SETTLED)
       break;
   }
   double value = 0.;
@@ -281,6 +287,19 @@ bool NgmVModelStart::_isRedundant(const NgmVModelToBeOptimized &model,
   return false;
 }
 
+/// Every structure has a share in the sill of some variable.
+bool NgmVModelStart::_areAlive(const std::vector<std::vector<double>> &sills, std::size_t first)
+{
+  for (std::size_t k = first; k < sills.front().size(); ++k) {
+    const bool isAlive =
+        std::any_of(sills.begin(), sills.end(),
+                    [k](const std::vector<double> &variable) { return variable[k] > ALIVE; });
+    if (!isAlive)
+      return false;
+  }
+  return true;
+}
+
 void NgmVModelStart::_search(const NgmVModelToBeOptimized &model, const _Frame &frame,
                              _Best &best) const
 {
@@ -314,6 +333,9 @@ void NgmVModelStart::_search(const NgmVModelToBeOptimized &model, const _Frame &
       for (std::size_t v = 0; v < products.size(); ++v)
         score +=
             products[v].squares + solveSills(products[v].gram, products[v].rhs, columns, sills[v]);
+      score = std::max(score, 0.) + 1e-12;
+      if (!_areAlive(sills, model.getFitNugget() ? 1 : 0))
+        score *= WORSE;
       if (score < best.score)
         best = {score, frame, choice, sills};
     }

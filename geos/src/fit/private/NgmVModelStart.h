@@ -57,6 +57,7 @@ private:
   void _chooseRanges(int nStructures, bool is3D);
   std::unique_ptr<NgmAVStruct> _structureAt(const NgmVModelToBeOptimized &model, int k,
                                             const _Frame &frame, double range) const;
+  static bool _areAlive(const std::vector<std::vector<double>> &sills, std::size_t first);
   void _search(const NgmVModelToBeOptimized &model, const _Frame &frame, _Best &best) const;
   bool _isRedundant(const NgmVModelToBeOptimized &model, const std::vector<int> &choice) const;
   void _applyGeometry(NgmVModelToBeOptimized &model, const _Best &best) const;
