@@ -390,6 +390,36 @@ TEST(NgmVModelAutoFitting, KeepsConstraints)
   EXPECT_TRUE(isotropic.isIsotropic2D());
 }
 
+TEST(NgmVModelAutoFitting, KeepsTotalSillsAndProportions)
+{
+  NgmVModel truth = emptyModel(2);
+  truth.addStructure(QStringLiteral("Spherical"), randomSills(2, 31));
+  truth.addStructure(QStringLiteral("Exponential"), randomSills(2, 32));
+  truth.setRangeIsotropic(0, 40.);
+  truth.setRangeIsotropic(1, 110.);
+  const NgmVariogramExpData data = dataOf(truth, inPlane(3), 0.05, 33);
+  NgmVModelToBeOptimized request = plainRequest(truth);
+  request.setAuthCompress(false);
+  const double total = 1.1 * truth.getC0IJ(1, 1);
+  request.setSillCumulativeConstraint(1, total);
+  const NgmVModel kept = fitted(data, request, truth.getC00Matrix());
+  EXPECT_NEAR(kept.getC0IJ(1, 1) / total, 1., 1e-12);
+  expectAdmissible(kept);
+
+  request.setSillCumulativeConstraint(1, NbbGlobal::D_FFFF);
+  request.setWantIntrinsic(true);
+  const NgmVModel intrinsic = fitted(data, request, truth.getC00Matrix());
+  expectAdmissible(intrinsic);
+  // All matrices have the same correlation.
+  const auto correlation = [&](const NgmMatrix &sills) {
+    return sills(0, 1) / std::sqrt(sills(0, 0) * sills(1, 1));
+  };
+  EXPECT_NEAR(correlation(intrinsic.getCoregionalisationMatrix(0)),
+              correlation(intrinsic.getCoregionalisationMatrix(1)), 1e-10);
+  EXPECT_NEAR(correlation(intrinsic.getNuggetMatrix()),
+              correlation(intrinsic.getCoregionalisationMatrix(1)), 1e-10);
+}
+
 TEST(NgmVModelAutoFitting, DiscardsWhatIsNotThere)
 {
   NgmVModel truth = emptyModel(1);
