@@ -115,12 +115,12 @@ bool NgmOptimizerGoulard::_doOptimization(int nbMaxIteration)
   _printGoulardHeader();
   _converged = _hasTotals ? _optimizeWithConstraints(nbMaxIteration)
                           : _optimizeWithoutConstraints(nbMaxIteration);
+  if (_converged && isRunning())
+    _refine(nbMaxIteration);
   if (_mustStop()) {
     _logs << QObject::tr("Optimization interrupted!");
     return false;
   }
-  if (_converged && isRunning())
-    _refine(nbMaxIteration);
   _assignSills(&vModel, _sills);
   _gof = 2. * _score;
   _printGoulardResults(nbMaxIteration);

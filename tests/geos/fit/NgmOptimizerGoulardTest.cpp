@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "geos/base/NgcACalculator.h"
+#include "geos/fit/NgmVModelAutoFitting.h"
 #include "geos/fit/NgmVModelOptimizable.h"
 #include "support/Errors.h"
 #include "support/FitCases.h"
@@ -175,7 +176,7 @@ double bestOfOneVariable(const SillFit &fit)
   return best;
 }
 
-/// Projected gradient of the whole problem, which is convex.
+/// Projected gradient of the whole problem, which is convex, from the sills to be improved.
 double bestOfSeveralVariables(const SillFit &fit)
 {
   QVector<NgmMatrix> sills = fit.sills;
@@ -213,26 +214,26 @@ TEST(NgmOptimizerGoulard, FindsTheSillsOfKnownModels)
   }
 }
 
-// The rule that stops a fit leaves 1e-4 of the criterion per iteration.
+// Steps below 1e-8 of the criterion end the descent: some 1e-6 may be left. Cross variograms have
+// other numbers of pairs, so that weights differ between pairs of variables.
 TEST(NgmOptimizerGoulard, IsAsGoodAsAnExhaustiveSearch)
 {
-  double worst = 0.;
   for (int seed = 0; seed < 16; ++seed) {
     const int nVariables = seed < 10 ? 1 : seed < 13 ? 2 : 3;
     const NgmVModel truth = truthOf(nVariables, std::uint64_t(100 * seed + 7));
-    const SillFit fit(dataOf(truth, inPlane(2, 8), 0.1, std::uint64_t(seed)), requestOf(truth),
-                      truth.getC00Matrix());
+    NgmVariogramExpData data = dataOf(truth, inPlane(2, 8), 0.1, std::uint64_t(seed));
+    const long long counts[] = {3, 900, 30, 400, 5, 20, 600, 10};
+    for (int i = 1; i < nVariables; ++i)
+      data.setNumberOfPairs(0, false, i, 0, 8, counts);
+    const SillFit fit(data, requestOf(truth), truth.getC00Matrix());
     const double best = nVariables == 1 ? bestOfOneVariable(fit) : bestOfSeveralVariables(fit);
     EXPECT_NEAR(fit.score(fit.sills), fit.optimizer.getScore(), 1e-12);
     EXPECT_NEAR(fit.optimizer.getGOF(), 2. * fit.optimizer.getScore(), 1e-18);
     EXPECT_TRUE(fit.optimizer.hasConverged());
-    EXPECT_LE(fit.optimizer.getScore(), best + 1e-5) << seed;
-    worst = std::max(worst, fit.optimizer.getScore() / best - 1.);
+    EXPECT_LE(fit.optimizer.getScore(), best * (1. + 1e-5)) << seed;
     for (const NgmMatrix &sills : fit.sills)
       expectAdmissible(sills);
   }
-  RecordProperty("worst", QString::number(worst).toStdString());
-  std::cout << "worst relative excess " << worst << std::endl;
 }
 
 TEST(NgmOptimizerGoulard, KeepsWhatIsLockedOrDoesNotShow)
@@ -286,7 +287,7 @@ TEST(NgmOptimizerGoulard, KeepsTotalSills)
       expectAdmissible(sills);
     EXPECT_NEAR(fit.score(fit.sills), fit.optimizer.getScore(), 1e-12);
     if (isExact) {
-      EXPECT_LT(largestDifference(truth, fit.optimizable.getOptimizedModel(), layout), 5e-3)
+      EXPECT_LT(largestDifference(truth, fit.optimizable.getOptimizedModel(), layout), 1e-3)
           << seed;
     }
   }
@@ -311,7 +312,7 @@ TEST(NgmOptimizerGoulard, IsAsGoodAsASearchOfShares)
         best = std::min(best, fit.score(sills));
       }
     }
-    EXPECT_LE(fit.optimizer.getScore(), best + 1e-5) << seed;
+    EXPECT_LE(fit.optimizer.getScore(), best * (1. + 1e-6)) << seed;
   }
 
   for (int seed = 0; seed < 3; ++seed) {
@@ -341,7 +342,7 @@ TEST(NgmOptimizerGoulard, IsAsGoodAsASearchOfShares)
         }
       }
     }
-    EXPECT_LE(fit.optimizer.getScore(), best + 1e-5) << seed;
+    EXPECT_LE(fit.optimizer.getScore(), best * (1. + 1e-6)) << seed;
   }
 }
 
@@ -469,4 +470,33 @@ TEST(NgmOptimizerGoulard, KeepsTheSillsWhenInterrupted)
   EXPECT_EQ(stopped.getLogs(), QStringList(QStringLiteral("Optimization interrupted!")));
   const NgmMatrix start = requestOf(truth).getNuggetMatrix();
   EXPECT_TRUE((fit.optimizable.getOptimizedModel().getNuggetMatrix() - start).isNull(1e-12));
+}
+
+// Ranges and sills together.
+TEST(NgmVModelOptimizerFoxleg, KeepsTotalSillsAndProportions)
+{
+  NgcACalculator::initMKLThreading();
+  const NgmVModel truth = truthOf(2, 21);
+  Model totals = plainRequest(truth);
+  totals.setSillCumulativeConstraint(0, 1.2 * truth.getC0IJ(0, 0));
+  Model intrinsic = plainRequest(truth);
+  intrinsic.setWantIntrinsic(true);
+  for (Model *request : {&totals, &intrinsic}) {
+    NgmVModelAutoFitting fitting;
+    fitting.setVariogramExp(dataOf(truth, inPlane(2), 0.05), NgmEVarioExp::VARIOGRAM);
+    fitting.setInitialModel(*request);
+    fitting.setVarianceCovarianceMatrix(truth.getC00Matrix());
+    fitting.setShowGoulard(true);
+    testsupport::PrintedMessages printed;
+    fitting.fit(true);
+    ASSERT_TRUE(fitting.isCompleted()) << qPrintable(fitting.getErrorMessage());
+    EXPECT_TRUE(printed.texts.join(QString()).contains(QStringLiteral("Str-1(2-1)")));
+    const NgmVModel model = fitting.getFittedModel();
+    ASSERT_GT(model.getNStructures(), 0);
+    const NgmMatrix sills = model.getCoregionalisationMatrix(0);
+    if (request == &totals)
+      EXPECT_NEAR(model.getC0IJ(0, 0) / (1.2 * truth.getC0IJ(0, 0)), 1., 1e-12);
+    else
+      EXPECT_NEAR(sills(1, 0) / sills(0, 0), model.getC0IJ(1, 0) / model.getC0IJ(0, 0), 1e-12);
+  }
 }
