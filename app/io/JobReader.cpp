@@ -311,7 +311,7 @@ QString identityOf(const QString &path)
 void checkOutputs(const JobObject &root, const Job &job)
 {
   QStringList inputs = {identityOf(job.file), identityOf(job.data.file)};
-  for (const std::optional<JobTable> &table : {job.mask, job.gridValues}) {
+  for (const std::optional<JobTable> &table : {job.mask, job.gridValues, job.faults}) {
     if (table)
       inputs << identityOf(table->file);
   }
@@ -366,8 +366,21 @@ void checkGridColumns(const JobObject &root, const Job &job)
                   .arg(quotedList(columns)));
 }
 
+void readFaults(const JobObject &object, const QDir &folder, Job &job)
+{
+  if (!object.has(key("faults")))
+    return;
+  const JobObject faults =
+      object.object(key("faults"), tableKeys() << key("line") << key("inside"));
+  job.faults = readTable(faults, folder);
+  job.faultLine = faults.text(key("line"));
+  const QStringList inside = {key("estimate"), key("leave")};
+  job.estimatesInsideFaults =
+      faults.choice(key("inside"), inside, inside.first()) == inside.first();
+}
+
 /// Variant of kriging and neighborhood, for the grid and for cross-validation.
-void readKrigingParts(const JobObject &root, Job &job)
+void readKrigingParts(const JobObject &root, const QDir &folder, Job &job)
 {
   if (root.has(key("crossValidation")))
     job.crossValidation = readCrossValidation(
@@ -385,9 +398,12 @@ void readKrigingParts(const JobObject &root, Job &job)
   }
   if (!isKriged)
     return;
-  if (root.has(key("kriging")))
-    job.kriging = readKriging(root.object(key("kriging"), krigingKeys()), job.getNDimensions(),
-                              job.getNVariables(), job.model.getNStructures());
+  if (root.has(key("kriging"))) {
+    const JobObject object = root.object(key("kriging"), krigingKeys());
+    job.kriging =
+        readKriging(object, job.getNDimensions(), job.getNVariables(), job.model.getNStructures());
+    readFaults(object, folder, job);
+  }
   checkGridColumns(root, job);
   job.neighborhood =
       readNeighborhood(root.object(key("neighborhood"), neighborhoodKeys()), job.getNDimensions());
@@ -401,7 +417,7 @@ void readSteps(const JobObject &root, const QDir &folder, Job &job)
         readVariogram(root.object(key("variogram"), variogramKeys()), job.getNDimensions());
   if (root.has(key("grid")))
     readGrid(root, folder, job);
-  readKrigingParts(root, job);
+  readKrigingParts(root, folder, job);
 }
 
 }  // namespace

@@ -132,6 +132,43 @@ void readMeasurementError(const JobObject &object, KrigingRequest &request)
     request.measurementError = Column{object.text(key("measurementError"))};
 }
 
+void readSuperKriging(const JobObject &object, KrigingRequest &request)
+{
+  const QString name = key("superKriging");
+  if (!object.has(name))
+    return;
+  if (!request.block)
+    object.fail(name, QObject::tr("needs \"block\""));
+  const JobObject values = object.object(name, {key("production"), key("mean")});
+  request.productionVolume = values.number(key("production"), 0., JobObject::EXCLUDED);
+  request.theoreticalMean = values.number(key("mean"), 0., JobObject::EXCLUDED);
+}
+
+void readLocal(const JobObject &object, int nDimensions, KrigingRequest &request)
+{
+  const QString name = key("local");
+  if (!object.has(name))
+    return;
+  if (nDimensions > 2)
+    object.fail(name, QObject::tr("needs a grid of two dimensions"));
+  const JobObject local = object.object(name, {key("azimuth"), key("factor")});
+  if (local.has(key("azimuth")))
+    request.localAzimuth = Column{local.text(key("azimuth"))};
+  if (local.has(key("factor")))
+    request.localFactor = Column{local.text(key("factor"))};
+  if (!request.localAzimuth && !request.localFactor)
+    object.fail(name, QObject::tr("give \"azimuth\" or \"factor\""));
+}
+
+/// Some results belong to super kriging.
+void checkExtra(const JobObject &object, const ExtraOutput &extra, const KrigingRequest &request)
+{
+  const QStringList ofSuperKriging = {key("blockVariance"), key("specificVolume"),
+                                      key("coefficientOfVariation")};
+  if (ofSuperKriging.contains(extra.key) && request.productionVolume == 0.)
+    object.fail(key("extra"), QObject::tr("\"%1\" needs \"superKriging\"").arg(extra.key));
+}
+
 void readExtras(const JobObject &object, KrigingRequest &request)
 {
   if (!object.has(key("extra")))
@@ -144,6 +181,7 @@ void readExtras(const JobObject &object, KrigingRequest &request)
     if (index < 0)
       object.fail(key("extra"), QObject::tr("\"%1\" is not known%2; allowed: %3")
                                     .arg(name, didYouMean(name, keys), quotedList(keys)));
+    checkExtra(object, extraOutputs()[index], request);
     request.extras << extraOutputs()[index];
   }
 }
@@ -166,9 +204,10 @@ Column readColumn(const JobObject &object)
 
 QStringList krigingKeys()
 {
-  return {key("mode"),           key("means"), key("localMeans"),       key("degree"),
-          key("externalDrifts"), key("block"), key("measurementError"), key("collocated"),
-          key("filter"),         key("extra")};
+  return {key("mode"),   key("means"),        key("localMeans"),       key("degree"),
+          key("block"),  key("superKriging"), key("measurementError"), key("collocated"),
+          key("filter"), key("faults"),       key("externalDrifts"),   key("local"),
+          key("extra")};
 }
 
 KrigingRequest readKriging(const JobObject &object, int nDimensions, int nVariables,
@@ -185,6 +224,8 @@ KrigingRequest readKriging(const JobObject &object, int nDimensions, int nVariab
   readMeasurementError(object, request);
   readFilter(object, nStructures, request);
   readCollocated(object, nVariables, request);
+  readSuperKriging(object, request);
+  readLocal(object, nDimensions, request);
   readExtras(object, request);
   return request;
 }

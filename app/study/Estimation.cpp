@@ -8,6 +8,7 @@
 #include "basic/data/NbdVariableDouble.h"
 #include "basic/data/NbdVariableSelection.h"
 #include "basic/error/NbeUserError.h"
+#include "basic/geom/NbgRotationConventionGeologist.h"
 #include "basic/interval/NbiIntervalIntLarge.h"
 #include "basic/interval/NbiIntervalIntSmall.h"
 #include "basic/provider/NbpMemoryProviderGridW.h"
@@ -16,6 +17,8 @@
 #include "geos/data/NgdDataSetPoints.h"
 #include "geos/interpol/NgcKriging.h"
 #include "geos/interpol/NgmBlock.h"
+#include "geos/interpol/NgmLgsNeighborhoodMoving.h"
+#include "geos/vmodel/NgmLgsVModel.h"
 
 #include <QObject>
 
@@ -55,6 +58,22 @@ GridFile makeGridFile(const Job &job, const GridInput &input)
   return file;
 }
 
+/// Model and ellipsoid vary alike.
+void assignLocal(NgdDataSetGrid &output, const GridFile &file, const KrigingRequest &request)
+{
+  if (request.localAzimuth) {
+    assignColumns(output, NgmLgsNeighborhoodMoving::getRoleRot1(), *file.provider,
+                  {*request.localAzimuth});
+    assignColumns(output, NgmLgsVModel::getRoleRot1(), *file.provider, {*request.localAzimuth});
+  }
+  if (request.localFactor) {
+    assignColumns(output, NgmLgsNeighborhoodMoving::getRoleRadiusFactor(), *file.provider,
+                  {*request.localFactor});
+    assignColumns(output, NgmLgsVModel::getRoleRangeFactor(), *file.provider,
+                  {*request.localFactor});
+  }
+}
+
 NgdDataSetGrid makeOutput(const Job &job, const GridFile &file)
 {
   NgdDataSetGrid output;
@@ -67,6 +86,7 @@ NgdDataSetGrid makeOutput(const Job &job, const GridFile &file)
   assignColumns(output, Nbd::Role::EXTDRIFT, *file.provider, job.kriging.externalDrifts);
   assignColumns(output, Nbd::Role::LOCAL_MEAN, *file.provider, job.kriging.localMeans);
   assignColumns(output, Nbd::Role::COLLOCATED, *file.provider, job.kriging.collocated);
+  assignLocal(output, file, job.kriging);
   return output;
 }
 
@@ -88,6 +108,24 @@ void configureFilter(NgcKriging &kriging, const KrigingRequest &request)
     kriging.addFilterStructure(structure);
 }
 
+void configureSuperKriging(NgcKriging &kriging, const KrigingRequest &request)
+{
+  if (request.productionVolume == 0.)
+    return;
+  kriging.setSuperKriging(true);
+  kriging.setProductionVolume(request.productionVolume);
+  kriging.setTheoreticalMean(request.theoreticalMean);
+}
+
+void configureLocal(NgcKriging &kriging, const KrigingRequest &request)
+{
+  if (!request.localAzimuth && !request.localFactor)
+    return;
+  kriging.setEnableLGS(true);
+  kriging.setLGSNeighRotationConvention(true, NbgRotationConventionGeologist::ID);
+  kriging.setLGSModelRotationConvention(true, NbgRotationConventionGeologist::ID);
+}
+
 void configureCollocated(NgcKriging &kriging, const KrigingRequest &request)
 {
   for (int i = 0; i < request.collocated.size(); ++i)
@@ -103,6 +141,8 @@ void configure(NgcKriging &kriging, const Job &job,
   configureBlock(kriging, job);
   configureFilter(kriging, job.kriging);
   configureCollocated(kriging, job.kriging);
+  configureSuperKriging(kriging, job.kriging);
+  configureLocal(kriging, job.kriging);
   if (job.neighborhood)
     kriging.setUsingMovingNeighborhood(*job.neighborhood);
   else

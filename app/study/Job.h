@@ -80,6 +80,9 @@ struct Job
   std::optional<JobTable> mask;
   std::optional<JobTable> gridValues;  ///< points at the nodes with the columns that kriging needs
   KrigingRequest kriging;
+  std::optional<JobTable> faults;                     ///< points of fault lines
+  QString faultLine;                                  ///< their column with the numbers of lines
+  bool estimatesInsideFaults = true;                  ///< inside closed lines
   std::optional<NgmNeighborhoodMoving> neighborhood;  ///< empty for the unique one
   std::optional<CrossValidationRequest> crossValidation;
   JobOutput output;

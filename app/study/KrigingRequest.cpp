@@ -1,6 +1,7 @@
 #include "app/study/KrigingRequest.h"
 
 #include "basic/data/Nbd.h"
+#include "geos/interpol/NgcAKriging.h"
 
 #include <QObject>
 
@@ -30,7 +31,12 @@ QList<Column> KrigingRequest::getSampleColumns() const
 
 QList<Column> KrigingRequest::getGridColumns() const
 {
-  return distinct(localMeans + externalDrifts + collocated);
+  QList<Column> columns = localMeans + externalDrifts + collocated;
+  for (const std::optional<Column> &column : {localAzimuth, localFactor}) {
+    if (column)
+      columns << *column;
+  }
+  return distinct(columns);
 }
 
 QString constantErrorName()
@@ -56,6 +62,11 @@ const QList<ExtraOutput> &extraOutputs()
       {"weightOfMean", Nbd::Role::WEIGHT_OF_MEAN, QObject::tr("Weight of the mean")},
       {"lagrange", Nbd::Role::LAGRANGE, QObject::tr("Lagrange multiplier")},
       {"neighbors", Nbd::Role::NEIGH_NUMBER, QObject::tr("Number of neighbors")},
+      {"blockVariance", NgcAKriging::getRoleSSDV(),
+       QObject::tr("Kriging variance times the block's volume")},
+      {"specificVolume", NgcAKriging::getRoleSpecificVolume(), QObject::tr("Specific volume")},
+      {"coefficientOfVariation", NgcAKriging::getRoleCoeffOfVariation(),
+       QObject::tr("Coefficient of variation of the production volume")},
       {"meanDistance", Nbd::Role::NEIGH_MEAN_DIST, QObject::tr("Mean distance of the neighbors")},
   };
   return all;

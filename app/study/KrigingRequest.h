@@ -37,6 +37,10 @@ struct KrigingRequest
   bool filterNugget = false;
   QList<int> filteredStructures;
   bool filterDrift = false;
+  double productionVolume = 0.;  ///< of super kriging, with the mean; 0 without it
+  double theoreticalMean = 0.;
+  std::optional<Column> localAzimuth;  ///< of the grid: of the first axis of model and ellipsoid
+  std::optional<Column> localFactor;   ///< of the grid: of the ranges and radii
   QList<ExtraOutput> extras;
 
   /// Columns that are read besides variable and covariates.

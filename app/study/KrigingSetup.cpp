@@ -2,8 +2,10 @@
 
 #include "app/study/Job.h"
 #include "app/study/Samples.h"
+#include "basic/geom/NbgGeomPolylineSet.h"
 #include "basic/provider/NbpMemoryProviderPointsW.h"
 #include "geos/interpol/NgcAKriging.h"
+#include "geos/interpol/NgmFaultSetPolylines.h"
 #include "geos/vmodel/NgmDriftModel.h"
 #include "geos/vmodel/NgmExtDriftModel.h"
 
@@ -57,6 +59,16 @@ void configureDrifts(NgcAKriging &kriging, const Job &job)
   kriging.setExtDriftModel(externalDrift);
 }
 
+void configureFaults(NgcAKriging &kriging, const Job &job)
+{
+  if (!job.faults)
+    return;
+  kriging.setFaultsData(
+      NgmNeighborhoodFaultSet(std::make_unique<NgmFaultSetPolylines>(readFaults(job))),
+      job.estimatesInsideFaults ? NgcEFaultsMode::CALCULATE_INSIDE
+                                : NgcEFaultsMode::DO_NOT_CALCULATE_INSIDE);
+}
+
 }  // namespace
 
 NgdDataSetPoints makeSampleDataSet(const Job &job,
@@ -91,6 +103,7 @@ void configureKriging(NgcAKriging &kriging, const Job &job)
     kriging.addExcludedOutputVar(i + 1);
   if (const QString error = measurementErrorName(job.kriging); !error.isEmpty())
     kriging.setStDevMeasError(0, error);
+  configureFaults(kriging, job);
 }
 
 }  // namespace orvenal

@@ -5,6 +5,8 @@
 #include "basic/base/NbbGlobal.h"
 #include "basic/error/NbeUserError.h"
 #include "basic/geom/NbgEDimension.h"
+#include "basic/geom/NbgGeomPolyline.h"
+#include "basic/geom/NbgGeomPolylineSet.h"
 #include "basic/provider/NbpMemoryProviderPointsW.h"
 
 #include <QObject>
@@ -214,6 +216,26 @@ QMap<QString, std::vector<double>> readGridValues(const Job &job)
           readValue(reader, placed.index, placed.column.transform);
   }
   return values;
+}
+
+NbgGeomPolylineSet readFaults(const Job &job)
+{
+  CsvReader reader(job.faults->file, job.faults->shown, job.faults->format);
+  const std::array<int, 3> coordinates = findCoordinates(reader, *job.faults);
+  const int lineColumn = reader.findColumn(job.faultLine, job.faults->path + ".line");
+  QMap<double, QVector<NbgVector3D>> lines;
+  while (reader.next())
+    lines[reader.getNumber(lineColumn)] << readLocation(reader, coordinates);
+  NbgGeomPolylineSet faults;
+  for (QVector<NbgVector3D> points : lines) {
+    if (points.size() < 2)
+      throw NbeUserError(QObject::tr("%1: a line of a single point").arg(job.faults->shown));
+    const bool isClosed = points.size() > 3 && points.first() == points.last();
+    if (isClosed)
+      points.removeLast();
+    faults.add(NbgGeomPolyline(points, isClosed));
+  }
+  return faults;
 }
 
 std::vector<unsigned char> readMask(const Job &job, qint64 &nOutside)

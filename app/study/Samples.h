@@ -6,6 +6,7 @@
 
 #include <vector>
 
+class NbgGeomPolylineSet;
 class NbpMemoryProviderPointsW;
 
 namespace orvenal {
@@ -43,6 +44,10 @@ QString auxiliaryName(const QString &name);
 /// The columns that kriging needs at the nodes of the grid, in rank order; undefined where the
 /// file has no point in the cell of the node. A cell with two points is an error.
 QMap<QString, std::vector<double>> readGridValues(const Job &job);
+
+/// The fault lines of the job: points with the same number, in the order of the file, are a line; a
+/// line that ends where it begins is closed.
+NbgGeomPolylineSet readFaults(const Job &job);
 
 /// For each node of the grid, in rank order, whether a point of the mask's file lies in its cell;
 /// all nodes without a mask. `nOutside` counts the points outside the grid. A mask that leaves no

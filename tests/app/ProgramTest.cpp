@@ -96,13 +96,11 @@ Nodes runVariant(const QString &name, const apptest::Folder &folder)
                         apptest::readFile(ORVENAL_EXAMPLES "/meuse/variants/" + name + ".json"))
                         .object();
   const QString meuse = ORVENAL_EXAMPLES "/meuse/";
-  for (const char *table : {"data", "grid.mask", "grid.values"}) {
+  for (const char *table : {"data", "grid.mask", "grid.values", "kriging.faults"}) {
     const QStringList place = QString(table).split('.') << "file";
-    if (apptest::valueAt(job, place).isString())
-      job =
-          apptest::withValue(
-              job, place, QString(meuse + apptest::valueAt(job, place).toString().section('/', -1)))
-              .toObject();
+    const QString file = apptest::valueAt(job, place).toString();
+    if (!file.isEmpty())
+      job = apptest::withValue(job, place, QString(meuse + "variants/" + file)).toObject();
   }
   job = apptest::withValue(job, {"output", "directory"}, "out").toObject();
   const Outcome outcome =
@@ -180,7 +178,33 @@ TEST(Program, KrigesEveryVariantOfTheExamples)
   for (const auto &[place, node] : filtered)
     expectEqual(node.estimate, withErrors.at(place).estimate);
 
-  for (const char *name : {"rescaled", "collocated"}) {
+  // The block's own results, from variance, volume, mean and production.
+  const Nodes precise = runVariant("super-kriging", folder);
+  CsvReader table(folder.path("out/super-kriging.csv"), "super-kriging.csv", CsvFormat());
+  while (table.next()) {
+    const double variance = table.getNumber(4);
+    expectEqual(table.getNumber(5), variance * 1600.);
+    expectEqual(table.getNumber(6), variance * 1600. / (5.9 * 5.9));
+    expectEqual(table.getNumber(7), std::sqrt(variance * 1600. / (5.9 * 5.9) / 16000.));
+  }
+  EXPECT_EQ(precise.size(), blocks.size());
+
+  // Nodes inside the closed fault are left out, those far from the faults do not know of them.
+  const Nodes faulted = runVariant("faults", folder);
+  EXPECT_EQ(faulted.at({180300., 332060.}).estimate, NbbGlobal::D_FFFF);
+  const testsupport::CsvFile unfaulted("meuse/krige_ok_nmax16.csv");
+  int nEqual = 0, nDifferent = 0;
+  for (std::size_t i = 0; i < faulted.size(); ++i) {
+    const Node &node = faulted.at({unfaulted["x"][i], unfaulted["y"][i]});
+    if (node.estimate == NbbGlobal::D_FFFF)
+      continue;
+    const bool isEqual = std::abs(node.estimate - unfaulted["estimate"][i]) < 1e-9;
+    ++(isEqual ? nEqual : nDifferent);
+  }
+  EXPECT_GT(nEqual, 1000);
+  EXPECT_GT(nDifferent, 500);
+
+  for (const char *name : {"rescaled", "collocated", "local-means", "local-anisotropy"}) {
     for (const auto &[place, node] : runVariant(name, folder)) {
       EXPECT_TRUE(node.estimate > 4. && node.estimate < 8.) << name;
       EXPECT_TRUE(node.variance > 0. && node.variance < 0.7) << name;

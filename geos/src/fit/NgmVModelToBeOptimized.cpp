@@ -306,7 +306,10 @@ void NgmVModelToBeOptimized::setMinNugget(double nugget)
 
 void NgmVModelToBeOptimized::setMinNuggetMatrix(const NgmMatrix &nugget)
 {
-  _minNugget = NgmMatrix(_checkedNugget(nugget, "Wrong min nugget matrix."));
+  const NgmMatrix minimum = _checkedNugget(nugget, "Wrong min nugget matrix.");
+  for (int i = 0; i < getNVariables() && hasMaxNugget(); ++i)
+    check(minimum(i, i) <= _maxNugget(i, i), "Inconsistent min nugget matrix.");
+  _minNugget = minimum;
 }
 
 void NgmVModelToBeOptimized::setMaxNugget(double nugget)

@@ -2,6 +2,8 @@
 
 #include "basic/error/NbeAssertion.h"
 #include "basic/error/NbeProgrammingError.h"
+#include "geos/fit/NgmVModelAutoFitting.h"
+#include "geos/fit/NgmVModelToBeOptimized.h"
 #include "geos/interpol/NgmABlock.h"
 #include "geos/stats/NgmVariogramExpData.h"
 #include "geos/vmodel/NgmAVStruct.h"
@@ -18,6 +20,7 @@ namespace {
 
 constexpr int DEFAULT_LAG_COUNT = 20;
 constexpr double DEFAULT_RANGES = 1.25;
+constexpr double NULL_VARIOGRAM = 1e-6;  // in units of the variance
 
 /// Axes of the directions.
 NbgVector3D axisOf(const NbgRotation &rotation, int axis)
@@ -143,6 +146,26 @@ const NgmVariogramExpData &NgmPointToBlockVModel::getBlockVarioExp() const
   return *_varioExp;
 }
 
+const NgmVModel &NgmPointToBlockVModel::getBlockVarioModel() const
+{
+  check(isCompleted(), "NgmPointToBlockVModel::getBlockVarioModel: Result not yet computed");
+  return *_blockModel;
+}
+
+void NgmPointToBlockVModel::setNormalization(bool pointModel, bool blockModel)
+{
+  _normalizesPoints = pointModel;
+  _normalizesBlocks = blockModel;
+}
+
+void NgmPointToBlockVModel::setAdvancedParameter(int index, double value)
+{
+  double *const parameters[] = {&_nIterations, &_initialDelta, &_tolerance};
+  if (index < 0 || index > 2)
+    NBE_FAIL(QStringLiteral("invalid index of an advanced parameter"));
+  *parameters[index] = value;
+}
+
 QString NgmPointToBlockVModel::debug(int level) const
 {
   QString text = QStringLiteral("NgmPointToBlockVModel:\n");
@@ -152,7 +175,8 @@ QString NgmPointToBlockVModel::debug(int level) const
                          : QStringLiteral("Rotation extracted from the variogram model\n");
   if (!isCompleted())
     return text + QStringLiteral("Not yet computed\n");
-  return text + QStringLiteral("Result:\n") + _covariance->debug(level) + _varioExp->debug(level);
+  return text + QStringLiteral("Result:\n") + _covariance->debug(level) + _varioExp->debug(level) +
+         _blockModel->debug(level);
 }
 
 void NgmPointToBlockVModel::_doFinalChecks()
@@ -174,6 +198,8 @@ void NgmPointToBlockVModel::_doRun()
   _rescaleModel();
   _calcBlockCovariance();
   _pointToBlock();
+  _setProgressMessageDetail(QObject::tr("Block Variogram Fitting"));
+  _fitVarioExp();
 }
 
 void NgmPointToBlockVModel::_checkPointCovariance() const
@@ -189,11 +215,11 @@ void NgmPointToBlockVModel::_checkPointCovariance() const
 void NgmPointToBlockVModel::_rescaleModel()
 {
   _rescaled = _model ? std::make_unique<NgmVModel>(*_model) : nullptr;
-  if (!_rescaled || _pointCovariance.getNElements() == 0)
+  if (!_rescaled || (_pointCovariance.getNElements() == 0 && !_normalizesPoints))
     return;
-  QVector<double> variances;
-  for (int i = 0; i < _pointCovariance.getNRows(); ++i)
-    variances << _pointCovariance(i, i);
+  QVector<double> variances(_rescaled->getNVariables(), 1.);
+  for (int i = 0; i < variances.size() && !_normalizesPoints; ++i)
+    variances[i] = _pointCovariance(i, i);
   _rescaled->fitSillsToVariances(variances);
 }
 
@@ -235,7 +261,7 @@ void NgmPointToBlockVModel::_pointToBlock()
   varioExp->createTables({NgmEVarioExp::VARIOGRAM}, {}, true);
   for (int axis = 0; axis < lags.size(); ++axis) {
     _calcDirection(axis, lags[axis], counts[axis], *varioExp);
-    _setCounter(10 + 90 * (axis + 1) / lags.size());
+    _setCounter(10 + 80 * (axis + 1) / lags.size());
   }
   _varioExp = std::move(varioExp);
 }
@@ -283,4 +309,60 @@ void NgmPointToBlockVModel::_calcCovariance(const NbgVector3D &h, NgmMatrix &cov
 const NbgRotation &NgmPointToBlockVModel::_getRotation() const
 {
   return _isRotationSet ? _rotation : _model->getMajorRotation();
+}
+
+/// The structures to try, along the axes of the variogram, without nugget.
+NgmVModelToBeOptimized NgmPointToBlockVModel::_requestedModel() const
+{
+  QStringList labels = _labels;
+  for (int k = 0; k < _model->getNStructures() && _labels.isEmpty(); ++k)
+    labels << _model->getStructureLabel(k);
+  NgmVModelToBeOptimized request(_model->getNVariables());
+  NgmModelContext context(_model->getContext());
+  context.setNDimensions(_varioExp->getNDimensions());
+  request.setContext(context);
+  request.setFitNugget(false);
+  request.setAuthRotation(false);
+  request.setAuthCompress(_discards || _nMaxStructures >= 0);
+  request.setTolSigma(_discards ? _tolerance : 0.);
+  request.setNbMaxStruct(_nMaxStructures);
+  for (const QString &label : qAsConst(labels))
+    request.addStructure(label);
+  request.setGlobalRotation(_getRotation());
+  for (int i = 0; i < _covariance->getNRows() && _normalizesBlocks; ++i)
+    request.setSillCumulativeConstraint(i, (*_covariance)(i, i));
+  return request;
+}
+
+/// Every variable varies between blocks, and within the lags.
+bool NgmPointToBlockVModel::_hasVariogram() const
+{
+  for (int i = 0; i < _covariance->getNRows(); ++i) {
+    double largest = 0.;
+    for (int dir = 0; dir < _varioExp->getNDirections(); ++dir) {
+      for (double gamma : _varioExp->getVarioColumn(dir, NgmEVarioExp::EValue::VARIOGRAM, i, i))
+        largest = std::max(largest, gamma);
+    }
+    if (!(largest > NULL_VARIOGRAM * (*_covariance)(i, i)))
+      return false;
+  }
+  return true;
+}
+
+void NgmPointToBlockVModel::_fitVarioExp()
+{
+  _blockModel = std::make_unique<NgmVModel>(_model->getNVariables());
+  if (_hasVariogram() && (_model->getNStructures() > 0 || !_labels.isEmpty())) {
+    NgmMatrix covariance(*_covariance);
+    covariance.makeSymmetrical();
+    NgmVModelAutoFitting fitting;
+    fitting.setVariogramExp(*_varioExp, NgmEVarioExp::VARIOGRAM);
+    fitting.setInitialModel(_requestedModel());
+    fitting.setVarianceCovarianceMatrix(covariance);
+    fitting.setNbMaxIteration(int(_nIterations));
+    fitting.setInitialDelta(_initialDelta);
+    _runSubProgress(fitting, false, 10);
+    *_blockModel = fitting.getFittedModel();
+  }
+  _blockModel->setContext(_model->getContext());
 }

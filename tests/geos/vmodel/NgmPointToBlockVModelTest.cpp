@@ -48,8 +48,7 @@ TEST(NgmPointToBlockVModel, RegularizesOverASegment)
   regularization.setDiscretizationLags({0.4}, {10});
   ASSERT_EQ(regularization.execute(), NbcAProgress::COMPLETED)
       << qPrintable(regularization.getErrorMessage());
-  EXPECT_EQ(regularization.getProgressMessageDetail(),
-            QStringLiteral("Calculate Experimental Block Variogram."));
+  EXPECT_EQ(regularization.getProgressMessageDetail(), QStringLiteral("Block Variogram Fitting"));
   const double c0 = 2. * 2. * (L - 1. + std::exp(-L)) / (L * L);
   EXPECT_NEAR(regularization.getBlockCovariance()(0, 0), c0, 2e-4);
 
@@ -314,6 +313,34 @@ TEST(NgmPointToBlockVModel, StopsAndGivesTheSameAgain)
   regularization.setBlock(makeBlock(NbgVector3D(1., 2., 1.), NbgIntVector3D(3, 3, 1)));
   ASSERT_EQ(regularization.execute(), NbcAProgress::COMPLETED);
   EXPECT_EQ(regularization.getBlockVarioExp().getVarioColumn(1, VARIOGRAM, 0, 0), gammas);
+}
+
+// A model that has a nugget at the scale of points has none over blocks, less variance and a longer
+// range; the fitted curve follows the regularized one.
+TEST(NgmPointToBlockVModel, FitsAModelOfBlocks)
+{
+  NgmPointToBlockVModel regularization;
+  regularization.setPointVarioModel(makeModel(2));
+  regularization.setBlock(makeBlock(NbgVector3D(1., 0.5, 1e-9), NbgIntVector3D(6, 6, 1)));
+  EXPECT_EQ(errorOf([&] { regularization.getBlockVarioModel(); }),
+            QStringLiteral("NgmPointToBlockVModel::getBlockVarioModel: Result not yet computed"));
+  regularization.setStructList({QStringLiteral("Cubic")});
+  regularization.addStructList(QStringLiteral("Exponential"));
+  regularization.setNormalization(false, true);
+  ASSERT_EQ(regularization.execute(), NbcAProgress::COMPLETED)
+      << qPrintable(regularization.getErrorMessage());
+  const NgmVModel &model = regularization.getBlockVarioModel();
+  const double c0 = regularization.getBlockCovariance()(0, 0);
+  EXPECT_FALSE(model.hasNugget());
+  EXPECT_NEAR(model.getC0IJ(0, 0), c0, 1e-10);
+  const NgmVariogramExpData &data = regularization.getBlockVarioExp();
+  for (int axis = 0; axis < 2; ++axis) {
+    const QVector<double> distances = data.getDistances(axis, false, 0, 0);
+    const QVector<double> gammas = data.getVarioColumn(axis, VARIOGRAM, 0, 0);
+    for (int k = 0; k < gammas.size(); ++k)
+      EXPECT_NEAR(model.calcVarioIJ(0, 0, distances[k] * data.getDirectionVector(axis)), gammas[k],
+                  0.05 * c0);
+  }
 }
 
 TEST(NgmPointToBlockVModel, DescribesItself)

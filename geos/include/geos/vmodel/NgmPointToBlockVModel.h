@@ -5,6 +5,7 @@
 #include "geos/base/NgcACalculator.h"
 #include "geos/matrix/NgmMatrix.h"
 
+#include <QStringList>
 #include <QVector>
 
 #include <memory>
@@ -12,9 +13,10 @@
 class NgmABlock;
 class NgmVariogramExpData;
 class NgmVModel;
+class NgmVModelToBeOptimized;
 
 /// Regularizes the variogram model of point variables over a block: the covariance inside the block
-/// and the variogram of block values, as an experimental variogram that a model can be fitted to.
+/// and the variogram of block values, as an experimental variogram and as a model fitted to it.
 ///
 /// Formula:  C_v(h) = mean over points p, q of the block of C(p - q - h), gamma_v(h) = C_v(0) -
 ///           C_v(h), without nugget; p from the discretization, q one random point per cell, the
@@ -55,12 +57,37 @@ public:
   /// The axes along which the variogram is computed; not `isSet` takes those of the model.
   void setRotation(bool isSet, const NbgRotation &rotation);
 
+  /// Settings of the fit. The fitted model has no nugget; its axes are those of the variogram.
+
+  /// `pointModel`: the variables are taken with variance 1 each (the given covariances of the
+  /// points then do not count). `blockModel`: the total sills of the fitted model become the
+  /// covariances of C_v(0) on the diagonal. Neither by default.
+  void setNormalization(bool pointModel, bool blockModel);
+
+  /// Labels of the structures to fit; empty (the default) for those of the point model.
+  void setStructList(const QStringList &labels) { _labels = labels; }
+  void addStructList(const QString &label) { _labels << label; }
+  const QStringList &getStructList() const { return _labels; }
+
+  /// Number of structures to keep at most; -1 (the default) for all.
+  void setNMaxStr(int n) { _nMaxStructures = n; }
+
+  /// Whether structures with negligible sills are discarded; by default they are.
+  void setAutomaticFixVModel(bool fix) { _discards = fix; }
+
+  /// 0: number of iterations at most (1000); 1: first trust region of the fit (1); 2: sill below
+  /// which a structure is negligible, in percent (5).
+  void setAdvancedParameter(int index, double value);
+
   /// As it was set; fails before that.
   const NgmVModel &getPointVarioModel() const;
 
   /// C_v(0), N x N.
   const NgmMatrix &getBlockCovariance() const;
   const NgmVariogramExpData &getBlockVarioExp() const;
+
+  /// Without structures when the blocks do not vary within the lags.
+  const NgmVModel &getBlockVarioModel() const;
 
   QString debug(int level) const override;
 
@@ -73,6 +100,9 @@ private:
   void _rescaleModel();
   void _calcBlockCovariance();
   void _pointToBlock();
+  void _fitVarioExp();
+  bool _hasVariogram() const;
+  NgmVModelToBeOptimized _requestedModel() const;
 
   void _calcDirection(int axis, double lag, int count, NgmVariogramExpData &varioExp) const;
 
@@ -92,4 +122,13 @@ private:
   QVector<QVector<NbgVector3D>> _jittered;  // per try
   std::unique_ptr<NgmMatrix> _covariance;
   std::unique_ptr<NgmVariogramExpData> _varioExp;
+  std::unique_ptr<NgmVModel> _blockModel;
+  bool _normalizesPoints = false;
+  bool _normalizesBlocks = false;
+  QStringList _labels;
+  int _nMaxStructures = -1;
+  bool _discards = true;
+  double _nIterations = 1000.;
+  double _initialDelta = 1.;
+  double _tolerance = 5.;
 };
