@@ -3,6 +3,7 @@
 #include "basic/base/NbbDebug.h"
 #include "basic/base/NbbGlobal.h"
 #include "basic/error/NbeProgrammingError.h"
+#include "fit/private/NgmSillDescent.h"
 #include "geos/algo/NgmAlgorithm.h"
 #include "geos/fit/NgmVModelOptimizable.h"
 
@@ -10,11 +11,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace {
 
 constexpr double SMALLEST_DENOMINATOR = 1e-8;
 constexpr double SMALLEST_CHANGE = 1e-4;
+constexpr double SETTLED_CHANGE = 1e-8;
+constexpr double SMALLEST_ROOT = 1e-6;
 constexpr double SMALLEST_SHARE = 1e-30;
 constexpr double SMALLEST_EIGENVALUE = 1e-15;
 constexpr double NULL_SILL = 1e-15;
@@ -49,6 +53,22 @@ double trace(const NgmMatrix &matrix)
   for (int i = 0; i < matrix.getNRows(); ++i)
     sum += matrix(i, i);
   return sum;
+}
+
+/// L with L L' close to the matrix; a little is added to eigenvalues, 0 would never move.
+NgmMatrix squareRoot(const NgmMatrix &matrix)
+{
+  NgmMatrix values(false);
+  NgmMatrix vectors(false);
+  const double largest = matrix.eigenValues(values, vectors, true, true, 1);
+  const double added = SMALLEST_ROOT * std::max(largest, SMALLEST_ROOT);
+  NgmMatrix root(matrix.getNRows(), matrix.getNRows(), false);
+  for (int k = 0; k < matrix.getNRows(); ++k) {
+    const double factor = std::sqrt(std::max(0., values(k, 0)) + added);
+    for (int i = 0; i < matrix.getNRows(); ++i)
+      root.setElement(i, k, vectors(i, k) * factor);
+  }
+  return root;
 }
 
 NgmMatrix nullMatrix(int n)
@@ -88,13 +108,15 @@ bool NgmOptimizerGoulard::_doOptimization(int nbMaxIteration)
     _logs << QObject::tr("No parameters!");
     return false;
   }
+  _prepareStructures(vModel);
   _prepareCurves(vModel);
-  _prepareProducts();
   _prepareConstraints(vModel);
   _initializeSills(vModel);
   _printGoulardHeader();
   _converged = _hasTotals ? _optimizeWithConstraints(nbMaxIteration)
                           : _optimizeWithoutConstraints(nbMaxIteration);
+  if (_converged && isRunning())
+    _refine(nbMaxIteration);
   if (_mustStop()) {
     _logs << QObject::tr("Optimization interrupted!");
     return false;
@@ -107,57 +129,75 @@ bool NgmOptimizerGoulard::_doOptimization(int nbMaxIteration)
 
 // Preparation.
 
-/// The curves of the structures that move, and what the locked ones leave of the experimental
-/// values.
-void NgmOptimizerGoulard::_prepareCurves(const NgmVModelOptimizable &vModel)
+void NgmOptimizerGoulard::_prepareStructures(const NgmVModelOptimizable &vModel)
 {
-  vModel.getExperience(_experience);
-  vModel.getWeights(_weights);
   _nVariables = vModel.getNVariables();
-  _nLags = _experience.getNColumns();
   _ranks.clear();
-  _covas.clear();
   _lockedTotals = nullMatrix(_nVariables);
   for (int rank = 0; rank < vModel.getNStructuresToFit(); ++rank) {
-    NgmMatrix cova;
-    vModel.getCova(rank, cova);
-    if (!vModel.areSillsLocked(rank)) {
+    if (vModel.areSillsLocked(rank))
+      _lockedTotals = _lockedTotals + vModel.getSills(rank);
+    else
       _ranks << rank;
-      _covas << cova;
-      continue;
-    }
-    const NgmMatrix sills = vModel.getSills(rank);
-    for (int i = 0; i < _nVariables; ++i) {
-      for (int j = 0; j <= i; ++j) {
-        const int row = NgmVModelOptimizable::combineVariables(i, j);
-        _lockedTotals.addToElement(i, j, sills(i, j));
-        for (int lag = 0; lag < _nLags; ++lag)
-          _experience.addToElement(row, lag, -sills(i, j) * cova(row, lag));
-      }
-    }
   }
   _nStructures = _ranks.size();
 }
 
-void NgmOptimizerGoulard::_prepareProducts()
+/// Takes the lags that count, less what the locked structures have of them.
+void NgmOptimizerGoulard::_prepareCurves(const NgmVModelOptimizable &vModel)
 {
-  const std::size_t n = std::size_t(_nStructures);
-  _products.assign(std::size_t(_experience.getNRows()), _Products());
-  for (int pair = 0; pair < _experience.getNRows(); ++pair) {
-    _Products &products = _products[std::size_t(pair)];
-    products.gram.assign(n * n, 0.);
-    products.rhs.assign(n, 0.);
-    for (int lag = 0; lag < _nLags; ++lag) {
-      const double value = _experience(pair, lag);
-      const double weight = _weights(pair, lag);
-      if (!NbbGlobal::isDefined(value) || weight == 0.)
-        continue;
-      for (int k = 0; k < _nStructures; ++k) {
-        const double weighted = weight * _covas[k](pair, lag);
-        products.rhs[std::size_t(k)] += weighted * value;
-        for (int l = 0; l < _nStructures; ++l)
-          products.gram[std::size_t(k) * n + std::size_t(l)] += weighted * _covas[l](pair, lag);
+  NgmMatrix values;
+  NgmMatrix weights;
+  vModel.getExperience(values);
+  vModel.getWeights(weights);
+  std::vector<NgmMatrix> curves(std::size_t(vModel.getNStructuresToFit()));
+  for (std::size_t rank = 0; rank < curves.size(); ++rank)
+    vModel.getCova(int(rank), curves[rank]);
+
+  _products.assign(std::size_t(values.getNRows()), _Products());
+  for (int i = 0; i < _nVariables; ++i) {
+    for (int j = 0; j <= i; ++j) {
+      const int row = NgmVModelOptimizable::combineVariables(i, j);
+      _Products &products = _products[std::size_t(row)];
+      std::vector<int> lags;
+      for (int lag = 0; lag < values.getNColumns(); ++lag) {
+        if (NbbGlobal::isDefined(values(row, lag)) && weights(row, lag) != 0.)
+          lags.push_back(lag);
       }
+      for (int lag : lags) {
+        products.values.push_back(values(row, lag));
+        products.weights.push_back(weights(row, lag));
+      }
+      for (std::size_t rank = 0; rank < curves.size(); ++rank) {
+        const bool moves = _ranks.contains(int(rank));
+        const double sill = moves ? 0. : vModel.getSills(int(rank))(i, j);
+        for (std::size_t n = 0; n < lags.size(); ++n) {
+          const double curve = curves[rank](row, lags[n]);
+          products.values[n] -= sill * curve;
+          if (moves)
+            products.curves.push_back(curve);
+        }
+      }
+      _prepareProducts(products, std::size_t(_nStructures));
+    }
+  }
+}
+
+void NgmOptimizerGoulard::_prepareProducts(_Products &products, std::size_t nStructures)
+{
+  const std::size_t nLags = products.values.size();
+  products.gram.assign(nStructures * nStructures, 0.);
+  products.rhs.assign(nStructures, 0.);
+  for (std::size_t k = 0; k < nStructures; ++k) {
+    const double *curve = products.curves.data() + k * nLags;
+    for (std::size_t lag = 0; lag < nLags; ++lag)
+      products.rhs[k] += products.weights[lag] * curve[lag] * products.values[lag];
+    for (std::size_t l = 0; l < nStructures; ++l) {
+      const double *other = products.curves.data() + l * nLags;
+      double sum = 0.;
+      for (std::size_t lag = 0; lag < nLags; ++lag)
+        sum += products.weights[lag] * curve[lag] * other[lag];
+      products.gram[k * nStructures + l] = sum;
     }
   }
 }
@@ -242,25 +282,31 @@ void NgmOptimizerGoulard::_assignSills(NgmVModelOptimizable *optimizable,
 // Criterion.
 
 /// From the residuals themselves: sums of squares would cancel where the fit is good.
-double NgmOptimizerGoulard::_scoreEvaluate() const
+double NgmOptimizerGoulard::_scoreEvaluate()
 {
   double score = 0.;
   for (int i = 0; i < _nVariables; ++i) {
-    for (int j = 0; j <= i; ++j) {
-      const int row = NgmVModelOptimizable::combineVariables(i, j);
-      double sum = 0.;
-      for (int lag = 0; lag < _nLags; ++lag) {
-        double residual = _experience(row, lag);
-        if (!NbbGlobal::isDefined(residual))
-          continue;
-        for (int k = 0; k < _nStructures; ++k)
-          residual -= _sills[k](i, j) * _covas[k](row, lag);
-        sum += _weights(row, lag) * residual * residual;
-      }
-      score += (i == j ? 0.5 : 1.) * sum;
-    }
+    for (int j = 0; j <= i; ++j)
+      score += (i == j ? 0.5 : 1.) * _sumOfSquares(i, j);
   }
   return score;
+}
+
+double NgmOptimizerGoulard::_sumOfSquares(int i, int j)
+{
+  const _Products &products = _productsOf(i, j);
+  const std::size_t nLags = products.values.size();
+  _residuals = products.values;
+  for (int k = 0; k < _nStructures; ++k) {
+    const double sill = _sills[k](i, j);
+    const double *curve = products.curves.data() + std::size_t(k) * nLags;
+    for (std::size_t lag = 0; lag < nLags; ++lag)
+      _residuals[lag] -= sill * curve[lag];
+  }
+  double sum = 0.;
+  for (std::size_t lag = 0; lag < nLags; ++lag)
+    sum += products.weights[lag] * _residuals[lag] * _residuals[lag];
+  return sum;
 }
 
 /// Repeats a step until the criterion settles.
@@ -324,37 +370,37 @@ bool NgmOptimizerGoulard::_optimizeIntrinsic(int nbMaxIteration)
 {
   _makePositive(_common);
   const double size = trace(_common);
-  std::vector<double> factors;
+  _factors.clear();
+  for (NgmMatrix &sills : _sills) {
+    _factors.push_back(size > 0. ? trace(sills) / size : 1.);
+    sills = _common * _factors.back();
+  }
+  return _iterate(nbMaxIteration, [this] { _updateIntrinsic(); });
+}
+
+void NgmOptimizerGoulard::_updateIntrinsic()
+{
+  if (!_isCommonKnown)
+    _updateCommon();
+  _updateFactors();
   for (int k = 0; k < _nStructures; ++k)
-    factors.push_back(size > 0. ? trace(_sills[k]) / size : 1.);
-  const auto apply = [this, &factors] {
-    for (int k = 0; k < _nStructures; ++k)
-      _sills[k] = _common * factors[std::size_t(k)];
-  };
-  apply();
-  return _iterate(nbMaxIteration, [&] {
-    if (!_isCommonKnown)
-      _updateCommon(_common, factors);
-    _updateFactors(_common, factors);
-    apply();
-  });
+    _sills[k] = _common * _factors[std::size_t(k)];
 }
 
 /// Least squares of the factors, one after another.
-void NgmOptimizerGoulard::_updateFactors(const NgmMatrix &common,
-                                         std::vector<double> &factors) const
+void NgmOptimizerGoulard::_updateFactors()
 {
-  const std::size_t n = factors.size();
+  const std::size_t n = _factors.size();
   std::vector<double> gram(n * n, 0.);
   std::vector<double> rhs(n, 0.);
   for (int i = 0; i < _nVariables; ++i) {
     for (int j = 0; j <= i; ++j) {
       const _Products &products = _productsOf(i, j);
-      const double factor = (i == j ? 1. : 2.) * common(i, j);
+      const double factor = (i == j ? 1. : 2.) * _common(i, j);
       for (std::size_t k = 0; k < n; ++k) {
         rhs[k] += factor * products.rhs[k];
         for (std::size_t l = 0; l < n; ++l)
-          gram[k * n + l] += factor * common(i, j) * products.gram[k * n + l];
+          gram[k * n + l] += factor * _common(i, j) * products.gram[k * n + l];
       }
     }
   }
@@ -364,29 +410,125 @@ void NgmOptimizerGoulard::_updateFactors(const NgmMatrix &common,
       continue;
     double residual = rhs[k];
     for (std::size_t l = 0; l < n; ++l)
-      residual -= l == k ? 0. : gram[k * n + l] * factors[l];
-    factors[k] = std::max(0., residual / denominator);
+      residual -= l == k ? 0. : gram[k * n + l] * _factors[l];
+    _factors[k] = std::max(0., residual / denominator);
   }
 }
 
-void NgmOptimizerGoulard::_updateCommon(NgmMatrix &common, const std::vector<double> &factors) const
+void NgmOptimizerGoulard::_updateCommon()
 {
-  const std::size_t n = factors.size();
+  const std::size_t n = _factors.size();
   for (int i = 0; i < _nVariables; ++i) {
     for (int j = 0; j <= i; ++j) {
       const _Products &products = _productsOf(i, j);
       double numerator = 0.;
       double denominator = 0.;
       for (std::size_t k = 0; k < n; ++k) {
-        numerator += factors[k] * products.rhs[k];
+        numerator += _factors[k] * products.rhs[k];
         for (std::size_t l = 0; l < n; ++l)
-          denominator += factors[k] * factors[l] * products.gram[k * n + l];
+          denominator += _factors[k] * _factors[l] * products.gram[k * n + l];
       }
       if (denominator >= SMALLEST_DENOMINATOR)
-        common.setElement(i, j, numerator / denominator);
+        _common.setElement(i, j, numerator / denominator);
     }
   }
-  _makePositive(common);
+  _makePositive(_common);
+}
+
+// Refinement.
+
+void NgmOptimizerGoulard::_refine(int nbMaxIteration)
+{
+  const QVector<NgmMatrix> sills = _sills;
+  const double score = _score;
+  if (_hasTotals)
+    _refineTotals(nbMaxIteration);
+  else if (_isIntrinsic)
+    _refineBy(nbMaxIteration, [this] { _updateIntrinsic(); });
+  else
+    _refineSills(nbMaxIteration);
+  _score = _scoreEvaluate();
+  if (_score <= score)
+    return;
+  _sills = sills;
+  _score = score;
+}
+
+template <class Step>
+void NgmOptimizerGoulard::_refineBy(int nbMaxIteration, Step step)
+{
+  double score = _scoreEvaluate();
+  for (int n = 0; n < nbMaxIteration && !_mustStop(); ++n) {
+    step();
+    const double before = score;
+    score = _scoreEvaluate();
+    if (before - score <= SETTLED_CHANGE * before)
+      return;
+  }
+}
+
+void NgmOptimizerGoulard::_refineSills(int nbMaxIteration)
+{
+  _refineBy(nbMaxIteration, [this] {
+    for (int k = 0; k < _nStructures; ++k)
+      _updateMajorized(k);
+  });
+}
+
+/// Where weights differ between pairs of variables, the nearest positive matrix is not the best
+/// one; with all curvatures taken as the largest it is, and the criterion decreases in every step.
+void NgmOptimizerGoulard::_updateMajorized(int k)
+{
+  const std::size_t own = std::size_t(k) * std::size_t(_nStructures) + std::size_t(k);
+  double largest = 0.;
+  for (const _Products &products : _products)
+    largest = std::max(largest, products.gram[own]);
+  if (largest < SMALLEST_DENOMINATOR)
+    return;
+  for (int i = 0; i < _nVariables; ++i) {
+    for (int j = 0; j <= i; ++j) {
+      const double sill = _sills[k](i, j);
+      const double share = _productsOf(i, j).gram[own] / largest;
+      _sills[k].setElement(i, j, sill + share * (_leastSquares(k, i, j) - sill));
+    }
+  }
+  _makePositive(_sills[k]);
+}
+
+/// Below totals the projection does not decrease the criterion; a descent along square roots does.
+void NgmOptimizerGoulard::_refineTotals(int nbMaxIteration)
+{
+  NgmSillDescent::Problem problem;
+  problem.nVariables = std::size_t(_nVariables);
+  problem.nStructures = std::size_t(_nStructures);
+  for (int i = 0; i < _nVariables; ++i) {
+    problem.totals.push_back(_isConstrained(i) ? _totals[i] : -1.);
+    for (int j = 0; j <= i; ++j) {
+      problem.grams.push_back(_productsOf(i, j).gram.data());
+      problem.rhs.push_back(_productsOf(i, j).rhs.data());
+    }
+  }
+  const std::size_t n = problem.nVariables;
+  const std::size_t rowSize = n * problem.nStructures;
+  std::vector<double> roots(n * rowSize);
+  for (int k = 0; k < _nStructures; ++k) {
+    const NgmMatrix root = squareRoot(_sills[k]);
+    for (int i = 0; i < _nVariables; ++i) {
+      for (int m = 0; m < _nVariables; ++m)
+        roots[std::size_t(i) * rowSize + std::size_t(k) * n + std::size_t(m)] = root(i, m);
+    }
+  }
+  NgmSillDescent(problem).run(roots, nbMaxIteration);
+  for (int k = 0; k < _nStructures; ++k) {
+    for (int i = 0; i < _nVariables; ++i) {
+      for (int j = 0; j <= i; ++j) {
+        const double *a = &roots[std::size_t(i) * rowSize + std::size_t(k) * n];
+        const double *b = &roots[std::size_t(j) * rowSize + std::size_t(k) * n];
+        _sills[k].setElement(i, j, std::inner_product(a, a + n, b, 0.));
+      }
+    }
+  }
+  _spreadTotals();
 }
 
 // With totals.
@@ -602,6 +744,7 @@ void NgmOptimizerGoulard::_printGoulardIteration()
   _logs << line;
 }
 
+/// A run of its own prints its log when it ends; within another optimizer it is printed here.
 void NgmOptimizerGoulard::_printGoulardResults(int nbMaxIteration)
 {
   if (!_verbose)
@@ -610,4 +753,6 @@ void NgmOptimizerGoulard::_printGoulardResults(int nbMaxIteration)
                .arg(QString::number(_iteration), QString::number(nbMaxIteration))
         << QObject::tr("Value of minimized function (score) = %1").arg(_score)
         << QObject::tr("Stopping Criterion                  = %1").arg(_scoreStop);
+  if (!isRunning())
+    _printLogger(_logs);
 }

@@ -17,7 +17,8 @@ class NgmVModelOptimizable;
 /// g_k(h))^2
 ///            with m_ij = 2 off the diagonal; undefined values are left out
 /// Stops:     when it changes by less than 1e-4 of its value, after the maximum number of
-///            iterations (the last sills are kept), or when the run is to stop (none are)
+///            iterations (the last sills are kept), or when the run is to stop (none are); a run of
+///            its own that settled then descends to the minimum
 /// Locked:    structures with known sills are subtracted from the curves
 /// Totals:    a variable with a total sill keeps it: its sills are s_i s_j A_k,ij, and the scale
 ///            s_i minimizes the criterion while one structure takes what the total leaves
@@ -43,11 +44,14 @@ protected:
 private:
   friend class NgmVModelOptimizerFoxleg;
 
-  /// Weighted sums over the lags of a pair of variables.
+  /// The weighted lags of a pair of variables and sums over them.
   struct _Products
   {
-    std::vector<double> gram;  // of the curves of unit sill
-    std::vector<double> rhs;   // of those with the experimental one
+    std::vector<double> values;  // experimental, less what is locked
+    std::vector<double> weights;
+    std::vector<double> curves;  // of unit sill, one structure after another
+    std::vector<double> gram;    // of the curves
+    std::vector<double> rhs;     // of the curves with the values
   };
 
   /// Polynomial 0.5 (a x^4 + b x^2 + 4 c x).
@@ -60,8 +64,9 @@ private:
   };
 
   NgmVModelOptimizable &_vModel() const;
+  void _prepareStructures(const NgmVModelOptimizable &vModel);
   void _prepareCurves(const NgmVModelOptimizable &vModel);
-  void _prepareProducts();
+  static void _prepareProducts(_Products &products, std::size_t nStructures);
   void _prepareConstraints(const NgmVModelOptimizable &vModel);
   void _initializeSills(const NgmVModelOptimizable &vModel);
   void _spreadTotals();
@@ -74,12 +79,21 @@ private:
   template <class Step>
   bool _iterate(int nbMaxIteration, Step step);
 
+  /// Takes settled sills to the minimum that the rule of stopping leaves open.
+  void _refine(int nbMaxIteration);
+  template <class Step>
+  void _refineBy(int nbMaxIteration, Step step);
+  void _refineSills(int nbMaxIteration);
+  void _refineTotals(int nbMaxIteration);
+  void _updateMajorized(int k);
+
   /// Least squares of row i of the sills of structure k, given the others.
   void _updateCurrentSillGoulard(int k, int i);
   double _leastSquares(int k, int i, int j) const;
 
-  void _updateFactors(const NgmMatrix &common, std::vector<double> &factors) const;
-  void _updateCommon(NgmMatrix &common, const std::vector<double> &factors) const;
+  void _updateIntrinsic();
+  void _updateFactors();
+  void _updateCommon();
 
   // Sills as s_i s_j A_k,ij, for variables with a total.
 
@@ -96,7 +110,8 @@ private:
   void _makePositiveDefiniteUnderConstraints(NgmMatrix &sills) const;
   bool _isConstrained(int i) const;
 
-  double _scoreEvaluate() const;
+  double _scoreEvaluate();
+  double _sumOfSquares(int i, int j);
   static void _makePositive(NgmMatrix &sills);
   void _assignSills(NgmVModelOptimizable *optimizable, const QVector<NgmMatrix> &sills) const;
 
@@ -108,12 +123,9 @@ private:
 
   int _nVariables = 0;
   int _nStructures = 0;  // those that move
-  int _nLags = 0;
-  QVector<int> _ranks;  // of those in the optimizable
-  NgmMatrix _experience;
-  NgmMatrix _weights;
-  QVector<NgmMatrix> _covas;
+  QVector<int> _ranks;   // of those in the optimizable
   std::vector<_Products> _products;
+  std::vector<double> _residuals;
   QVector<NgmMatrix> _sills;
   QVector<NgmMatrix> _alphas;
   QVector<double> _scales;
@@ -123,6 +135,7 @@ private:
   bool _isIntrinsic = false;
   bool _isCommonKnown = false;
   NgmMatrix _common;
+  std::vector<double> _factors;
   int _iteration = 0;
   double _scoreStop = 0.;
   double _gof = 0.;
