@@ -66,3 +66,52 @@ TEST(NgcKriging, GoesOnWithoutSamplesInAParcelOfAUniqueNeighborhood)
       << qPrintable(warnings[1]);
   EXPECT_TRUE(warnings[1].contains(QStringLiteral("Upper Right Corner: 300, 80<br>")));
 }
+
+TEST(NgcKriging, FailuresInAParcelOfAUniqueNeighborhoodLeaveTheOthers)
+{
+  // 30 samples in the west; in the middle duplicates, or two for a drift of three functions; in the
+  // east samples without a value.
+  for (const bool duplicates : {true, false}) {
+    std::vector<double> x = testsupport::uniformValues(4, 30, 0., 100.);
+    std::vector<double> y = testsupport::uniformValues(5, 30, 0., 100.);
+    std::vector<double> z = testsupport::normalValues(6, 30);
+    x.insert(x.end(), {150., duplicates ? 150. : 155., 250., 260.});
+    y.insert(y.end(), {50., duplicates ? 50. : 70., 50., 70.});
+    z.insert(z.end(), {1., 2., NbbGlobal::D_FFFF, NbbGlobal::D_FFFF});
+    const auto grid = testsupport::makeGrid2D(30, 10);
+    NgcKriging kriging(QStringLiteral("KRIGING"));
+    kriging.setInputDataSet(input(samples(x, y, z)));
+    kriging.setOutputDataSet(output<NgdDataSetGrid>(grid));
+    kriging.setVarioModel(sphericalModel(0., 1., NbgVector3D(80., 80., 80.)));
+    kriging.setUsingUniqueNeighborhood();
+    kriging.setParcelling({10, 10, 1}, {0., 0., 0.});
+    if (!duplicates) {
+      NgmDriftModel drift;
+      drift.addDrifts(0, 1, true, true, false);
+      kriging.setKrigingMode(NgcEKrigingMode::UNIVERSAL_KRIGING);
+      kriging.setDriftModel(drift);
+    }
+    kriging.setNThread(2);
+    const testsupport::PrintedMessages messages;
+    ASSERT_EQ(kriging.execute(), NbcAProgress::COMPLETED) << qPrintable(kriging.getErrorMessage());
+    EXPECT_EQ(messages.texts.size(), 1);  // no data in the east
+    EXPECT_EQ(kriging.getNumberOfInterpolErrors(), 100);
+    EXPECT_TRUE(kriging.hasInterpolError(duplicates ? Ngc::INTERPOL_ERROR_SYSTEM
+                                                    : Ngc::INTERPOL_ERROR_NEIGHBORHOOD));
+    const QString text = kriging.getInterpolErrorsMessage();
+    EXPECT_TRUE(text.contains(duplicates
+                                  ? QStringLiteral("Error #1: Kriging system resolution error.\n"
+                                                   "Target location: X = 105, Y = 5, Z = 0\n")
+                                  : QStringLiteral("Error #1: Not enough defined samples (2) ")))
+        << qPrintable(text);
+    EXPECT_TRUE(text.endsWith(QStringLiteral("Only 10 first errors are reported...")));
+    const std::vector<double> estimates = gridValues(*grid, QStringLiteral("estimate"));
+    for (std::size_t rank = 0; rank < estimates.size(); ++rank)
+      ASSERT_EQ(NbbGlobal::isDefined(estimates[rank]), rank < 100) << rank;
+
+    kriging.setOnErrorBehavior(Ngc::ON_ERROR_STOP);
+    EXPECT_EQ(kriging.execute(), NbcAProgress::FAILED);
+    EXPECT_TRUE(kriging.getErrorMessage().contains(QStringLiteral(
+        "The interpolation process has been stopped due to the following error:\n")));
+  }
+}
