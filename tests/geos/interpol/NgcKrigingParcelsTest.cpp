@@ -1,6 +1,7 @@
 // Kriging of a grid in parcels, some of which have no sample in reach.
 
 #include "KrigingRun.h"
+#include "basic/interval/NbiIntervalIntLarge.h"
 #include "geos/interpol/NgmNeighborhoodMoving.h"
 #include "support/Errors.h"
 #include "support/TestData.h"
@@ -8,13 +9,15 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <numeric>
 
 using namespace krigingtest;
 
 namespace {
 
 /// 60 samples in the western third of a grid of 30 x 10 cells.
-std::vector<double> krige(bool moving, bool parcels, QStringList &warnings)
+/// With the weights that the samples accumulate at the end.
+std::vector<double> krige(bool moving, bool parcels, QStringList &warnings, int nThreads = 2)
 {
   const auto points =
       samples(testsupport::uniformValues(1, 60, 0., 100.),
@@ -32,12 +35,25 @@ std::vector<double> krige(bool moving, bool parcels, QStringList &warnings)
     kriging.setUsingUniqueNeighborhood();
   if (parcels)
     kriging.setParcelling({10, 4, 1}, {50., 50., 0.});
-  kriging.setNThread(2);
+  kriging.setNThread(nThreads);
+  const QString weight = points->addEmptyVariableSimple(QStringLiteral("weight"), Nbd::TYPE_DOUBLE);
+  NgdDataSetPoints weights;
+  weights.setDataProvider(points);
+  weights.assignVariable(Nbd::Role::WEIGHT, weight);
+  kriging.setWeightsDataset(weights);
   const testsupport::PrintedMessages messages;
   EXPECT_EQ(kriging.execute(), NbcAProgress::COMPLETED) << qPrintable(kriging.getErrorMessage());
   EXPECT_EQ(kriging.getNumberOfInterpolErrors(), 0);
   warnings = messages.texts;
-  return gridValues(*grid, QStringLiteral("estimate"));
+
+  std::vector<double> values = gridValues(*grid, QStringLiteral("estimate"));
+  const std::vector<double> variances = gridValues(*grid, QStringLiteral("variance"));
+  values.insert(values.end(), variances.begin(), variances.end());
+  NbdVariableDouble accumulated;
+  accumulated.resizeAndFill(60);
+  points->readVariable(weight, NbiIntervalIntLarge::fromLength(60), accumulated, 0);
+  values.insert(values.end(), accumulated.getArrayConst(), accumulated.getArrayConst() + 60);
+  return values;
 }
 
 }  // namespace
@@ -46,17 +62,20 @@ TEST(NgcKriging, GivesSameBitsInParcelsThatReachAllNeighbors)
 {
   QStringList warnings;
   const std::vector<double> whole = krige(true, false, warnings);
-  EXPECT_EQ(krige(true, true, warnings), whole);
-  EXPECT_TRUE(warnings.isEmpty());
+  for (const int nThreads : {1, 2, 8}) {
+    EXPECT_EQ(krige(true, true, warnings, nThreads), whole) << nThreads << " threads";
+    EXPECT_TRUE(warnings.isEmpty());
+  }
   EXPECT_TRUE(NbbGlobal::isDefined(whole.front()));
-  EXPECT_FALSE(NbbGlobal::isDefined(whole.back()));
+  EXPECT_FALSE(NbbGlobal::isDefined(whole[299]));
+  EXPECT_NEAR(std::accumulate(whole.end() - 60, whole.end(), 0.), 1., 1e-12);
 }
 
 TEST(NgcKriging, GoesOnWithoutSamplesInAParcelOfAUniqueNeighborhood)
 {
   QStringList warnings;
   const std::vector<double> estimates = krige(false, true, warnings);
-  for (std::size_t rank = 0; rank < estimates.size(); ++rank)
+  for (std::size_t rank = 0; rank < 300; ++rank)
     ASSERT_EQ(NbbGlobal::isDefined(estimates[rank]), rank < 200)
         << rank;  // 50 m into the second third
 
