@@ -392,6 +392,8 @@ NgmVModel readModelOf(const JobObject &root, const QDir &folder, const Job &job)
       object.fail(part, QObject::tr("the model is that of \"file\""));
   }
   const QString file = folder.absoluteFilePath(object.text(key("file")));
+  if (!QFileInfo(file).isFile())
+    object.fail(key("file"), QObject::tr("there is no file \"%1\"").arg(file));
   return readModel(JobObject::parse(file, readFile(file), modelKeys()), job.getNDimensions(),
                    job.getNVariables());
 }

@@ -207,7 +207,7 @@ TEST(JobReader, NamesThePlaceOfWhatIsWrong)
        json("[{\"column\": \"lead\"}]"),
        {"model.nugget: expected 2 lists of 2 numbers"}},
       {"fit", json("{}"), {"fit: the job has a \"model\"; give one of both"}},
-      {"model", json("{\"file\": \"m.json\"}"), {"m.json: cannot be read"}},
+      {"model", json("{\"file\": \"m.json\"}"), {"model.file: there is no file", "m.json"}},
       {"model", json("{\"file\": \"m.json\", \"nugget\": 1}"), {"model.nugget: the model is that"}},
       {"output.fit", json("{}"), {"the job has no \"fit\" of which"}},
       {"crossValidation", json("{\"leaveOut\": \"line\"}"), {"crossValidation.line: missing"}},
