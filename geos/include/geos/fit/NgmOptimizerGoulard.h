@@ -119,6 +119,7 @@ private:
   void _printGoulardIteration();
   void _printGoulardResults(int nbMaxIteration);
 
+  static int _combineVariables(int i, int j);
   const _Products &_productsOf(int i, int j) const;
 
   int _nVariables = 0;
