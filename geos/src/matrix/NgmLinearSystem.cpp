@@ -54,10 +54,12 @@ int NgmLinearSystem::solve()
 int NgmLinearSystem::_findNullPivot()
 {
   const int n = _lhs.getNRows();
-  _growth.resize(std::size_t(n));
+  _growth.resize(2 * std::size_t(n));
+  const double *a = _lhs.constElements();
   for (int i = 0; i < n; ++i)
-    _growth[std::size_t(i)] = std::abs(_lhs(i, i));
-  return findNullPivot(n, _factor.constElements(), _pivots.data(), _growth.data());
+    _growth[std::size_t(i)] = a[std::size_t(i) * std::size_t(n + 1)];
+  return findNullPivot(n, _factor.constElements(), _pivots.data(), _growth.data(),
+                       _growth.data() + n);
 }
 
 QString NgmLinearSystem::debug(int level) const
