@@ -1,8 +1,12 @@
 // What theory promises of each mode of kriging.
 
 #include "KrigingStudy.h"
+#include "basic/geom/NbgGeomPolyline.h"
+#include "basic/geom/NbgGeomPolylineSet.h"
 #include "basic/geom/NbgRotation.h"
 #include "geos/interpol/NgcKriging.h"
+#include "geos/interpol/NgmFaultSetPolylines.h"
+#include "geos/interpol/NgmNeighborhoodFaultSet.h"
 #include "geos/vmodel/NgmLgsVModel.h"
 
 #include <gtest/gtest.h>
@@ -554,5 +558,51 @@ TEST(NgcKrigingModes, LocalModelsAreThoseOfEachTarget)
       EXPECT_NEAR(estimates[t], expected.estimates[t], 1e-13) << t;
       EXPECT_NEAR(variances[t], expected.variances[t], 1e-13) << t;
     }
+  }
+}
+
+// Faults.
+
+TEST(NgcKrigingModes, AFaultLeavesEachSideToItsSamples)
+{
+  constexpr double wall = 50.;
+  const Values values = randomValues(61, nData);
+  const Places data = dataPlaces();
+  const Places targets = targetPlaces();
+  Values expected(nTargets), expectedVariances(nTargets);
+  for (const bool west : {true, false}) {
+    Places side;
+    Values valuesOfSide;
+    for (std::size_t s = 0; s < data.size(); ++s) {
+      if ((data.x[s] < wall) != west)
+        continue;
+      side.x.push_back(data.x[s]);
+      side.y.push_back(data.y[s]);
+      valuesOfSide.push_back(values[s]);
+    }
+    Study study(side, targets);
+    study.addData(Nbd::Role::V, QStringLiteral("z"), valuesOfSide);
+    study.addOutputs({Nbd::Role::V, Nbd::Role::VARIANCE});
+    const Result result = krige(study, false, monovariateModel(), setQuadraticDrift);
+    for (std::size_t t = 0; t < targets.size(); ++t) {
+      if ((targets.x[t] < wall) != west)
+        continue;
+      expected[t] = result.estimates[t];
+      expectedVariances[t] = result.variances[t];
+    }
+  }
+
+  for (const bool moving : {true, false}) {
+    const Result result =
+        krige(makeStudy(values), moving, monovariateModel(), [](NgcKriging &kriging) {
+          NbgGeomPolylineSet faults;
+          faults.add(NbgGeomPolyline({{wall, -1e4, 0.}, {wall, 1e4, 0.}}));
+          setQuadraticDrift(kriging);
+          kriging.setFaultsData(
+              NgmNeighborhoodFaultSet(std::make_unique<NgmFaultSetPolylines>(faults)),
+              NgcEFaultsMode::CALCULATE_INSIDE);
+        });
+    expectEqual(result.estimates, expected, 1e-9);  // rounding of systems of another order
+    expectEqual(result.variances, expectedVariances, 1e-9);
   }
 }

@@ -3,11 +3,13 @@
 #include "KrigingStudy.h"
 #include "geos/data/NgdSampout.h"
 #include "geos/interpol/NgcKriging.h"
+#include "geos/interpol/NgcKrigingExt.h"
 #include "support/SampoutFile.h"
 #include "support/TestData.h"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <map>
 
 using namespace krigingtest;
@@ -130,6 +132,41 @@ TEST(NgcKrigingSampout, TellsEveryVariableOfACokriging)
       sum += weights[row];
     }
     EXPECT_NEAR(sum, 1., 1e-12);
+  }
+}
+
+TEST(NgcKrigingSampout, CompositesTellTheBlocksThatHoldTheTargets)
+{
+  Study study(randomPlaces(81, nData, 100.), randomPlaces(82, 20, 100.));
+  study.addData(Nbd::Role::V, QStringLiteral("z"), randomValues(83, nData));
+  study.addOutput(Nbd::Role::V);
+  SampoutFile file;
+  NgcKrigingExt kriging(QStringLiteral("KRIGING"));
+  kriging.setInputDataSet(study.input());
+  kriging.setOutputDataSet(study.output());
+  kriging.setVarioModel(sphericalModel(0., 2., NbgVector3D(range, range, range)));
+  kriging.setUsingMovingNeighborhood(nearestSamples(3));
+  kriging.setSampoutDataSet(file.dataSet);
+  ASSERT_NE(kriging.getSampout(), nullptr);
+  // Blocks of 10 x 20, the first one centred at (5, 10).
+  kriging.getSampout()->setBlockModelGridGeom(NbgVector3D(5., 10., 0.), NbgVector3D(10., 20., 1.),
+                                              NbgRotation());
+  kriging.setNThread(1);
+  ASSERT_EQ(kriging.execute(), NbcAProgress::COMPLETED) << qPrintable(kriging.getErrorMessage());
+
+  const Places targets = randomPlaces(82, 20, 100.);
+  const Values x = file.values("cx"), y = file.values("cy");
+  const Values weight = file.values("weight"), value = file.values("value");
+  const Values estimates = study.get(Nbd::Role::V);
+  ASSERT_EQ(file.getNRows(), 20 * 3);
+  for (std::size_t t = 0; t < 20; ++t) {
+    double estimate = 0.;
+    for (std::size_t row = 3 * t; row < 3 * t + 3; ++row) {
+      EXPECT_NEAR(x[row], std::floor(targets.x[t] / 10.) * 10. + 5., 1e-12);
+      EXPECT_NEAR(y[row], std::floor(targets.y[t] / 20.) * 20. + 10., 1e-12);
+      estimate += weight[row] * value[row];
+    }
+    EXPECT_NEAR(estimate, estimates[t], 1e-12);
   }
 }
 
