@@ -572,6 +572,7 @@ public:
 
   Values estimates = Values(nTargets, NbbGlobal::D_FFFF);
   Values variances = Values(nTargets, NbbGlobal::D_FFFF);
+  QString detail;
   qint64 stopsAt = 0;  ///< sample number; 0 for a run to the end
 
 protected:
@@ -590,6 +591,7 @@ protected:
       const std::size_t target = std::size_t(buffer.getSampleNumber(position) - 1);
       _calculator.estimates[target] = _getEstimate(0);
       _calculator.variances[target] = _getVariance(0);
+      _calculator.detail = _calculator.getProgressMessageDetail();
       if (buffer.getSampleNumber(position) == _calculator.stopsAt)
         _calculator.stop();
     }
@@ -621,6 +623,8 @@ TEST(NgcKrigingOutputs, DerivedWorkersHearOfEveryTarget)
     study.krige(kriging);
     EXPECT_EQ(kriging.estimates, expected.get(Nbd::Role::V));
     EXPECT_EQ(kriging.variances, expected.get(Nbd::Role::VARIANCE));
+    EXPECT_EQ(kriging.detail, QStringLiteral("Kriging Target Points..."));
+    EXPECT_EQ(kriging.getProgressMessageDetail(), QStringLiteral("Done"));
   }
 }
 
