@@ -424,6 +424,8 @@ TEST(Program, FitsAModelAndReadsItBack)
   ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
   for (const auto &[place, node] : readNodes(folder.path("out/kriging.csv")))
     EXPECT_NEAR(node.estimate, fitted.at(place).estimate, 1e-9);
+  EXPECT_THAT(apptest::readFile(folder.path("out/report.html")).toStdString(),
+              HasSubstr(">model.json<"));
 }
 
 TEST(Program, SaysWhyThereIsNoVariogramOrModel)
