@@ -113,6 +113,8 @@ void StudyRun::_fitModel()
   Job &job = _result.job;
   if (_result.variography.curves.first().distances.isEmpty())
     throw NbeUserError(QObject::tr("no lag of the variogram holds a pair; no model can be fitted"));
+  if (!(_result.variography.sill > 0.))
+    throw NbeUserError(QObject::tr("all values are equal; there is no model to fit"));
   _result.fit = fitModel(job, *_result.variography.data, _result.variography.sill, _context);
   job.model = _result.fit->model;
   job.hasModel = true;

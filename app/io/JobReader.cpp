@@ -313,6 +313,8 @@ QString identityOf(const QString &path)
 void checkOutputs(const JobObject &root, const Job &job)
 {
   QStringList inputs = {identityOf(job.file), identityOf(job.data.file)};
+  if (!job.modelFile.isEmpty())
+    inputs << identityOf(job.modelFile);
   for (const std::optional<JobTable> &table : {job.mask, job.gridValues, job.faults}) {
     if (table)
       inputs << identityOf(table->file);
@@ -382,7 +384,7 @@ void readFaults(const JobObject &object, const QDir &folder, Job &job)
 }
 
 /// The model of the job, or that of a file of its own.
-NgmVModel readModelOf(const JobObject &root, const QDir &folder, const Job &job)
+NgmVModel readModelOf(const JobObject &root, const QDir &folder, Job &job)
 {
   const JobObject object = root.object(key("model"), modelKeys() << key("file"));
   if (!object.has(key("file")))
@@ -394,6 +396,7 @@ NgmVModel readModelOf(const JobObject &root, const QDir &folder, const Job &job)
   const QString file = folder.absoluteFilePath(object.text(key("file")));
   if (!QFileInfo(file).isFile())
     object.fail(key("file"), QObject::tr("there is no file \"%1\"").arg(file));
+  job.modelFile = file;
   return readModel(JobObject::parse(file, readFile(file), modelKeys()), job.getNDimensions(),
                    job.getNVariables());
 }

@@ -37,6 +37,8 @@ QByteArray Picture::toSvg() const
   buffer.open(QIODevice::WriteOnly);
   QSvgGenerator generator;
   generator.setOutputDevice(&buffer);
+  // Texts in points come out in the size for which the plot was laid out.
+  generator.setResolution(_plot->logicalDpiX());
   generator.setSize(_size);
   generator.setViewBox(QRect(QPoint(0, 0), _size));
   QCPPainter painter;

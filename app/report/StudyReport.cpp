@@ -35,6 +35,9 @@ h2 { font-size: 1.2rem; margin: 2rem 0 .5rem; border-bottom: 1px solid #cfd8e3;
 h3 { font-size: 1rem; margin: 1.25rem 0 .5rem; }
 p { margin: .4rem 0; }
 .lead { color: #4a5a6a; }
+figure { margin: 1rem 0; }
+figure img { max-width: 100%; height: auto; }
+#variograms > figure, #cross-validation > figure { max-width: 44rem; }
 .maps { display: flex; flex-wrap: wrap; gap: 1rem; margin-top: 1rem; }
 .maps figure { flex: 1 1 22rem; margin: 0; }
 .maps img { width: 100%; height: auto; }
@@ -297,8 +300,12 @@ QString repetition(const StudyResult &result)
   NbbHtmlTable inputs;
   inputs.setColumnHeader({QObject::tr("Input"), QObject::tr("Size"), QObject::tr("SHA-256")});
   addInput(job.data.shown, job.data.file, inputs);
-  if (job.mask)
-    addInput(job.mask->shown, job.mask->file, inputs);
+  for (const std::optional<JobTable> &table : {job.mask, job.gridValues, job.faults}) {
+    if (table)
+      addInput(table->shown, table->file, inputs);
+  }
+  if (!job.modelFile.isEmpty())
+    addInput(QFileInfo(job.modelFile).fileName(), job.modelFile, inputs);
   return paragraph(QObject::tr("Save the job beside its inputs and run: orvenal run %1")
                        .arg(QFileInfo(job.file).fileName())) +
          QStringLiteral("<pre id=\"job\">") + QString::fromUtf8(job.text).toHtmlEscaped() +

@@ -76,6 +76,7 @@ struct Job
   QList<JobVariable> covariates;  ///< variables that help to estimate the first one
   std::optional<VariogramRequest> variogram;
   std::optional<FitRequest> fit;  ///< in place of the model, and before what needs one
+  QString modelFile;              ///< absolute path of the model's own file, if it has one
   bool hasModel = false;
   NgmVModel model{1};
   bool hasGrid = false;  ///< what is kriged; it comes with a model and a neighborhood

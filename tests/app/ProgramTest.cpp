@@ -424,6 +424,47 @@ TEST(Program, FitsAModelAndReadsItBack)
   ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
   for (const auto &[place, node] : readNodes(folder.path("out/kriging.csv")))
     EXPECT_NEAR(node.estimate, fitted.at(place).estimate, 1e-9);
+  EXPECT_THAT(apptest::readFile(folder.path("out/report.html")).toStdString(),
+              HasSubstr(">model.json<"));
+}
+
+TEST(Program, SaysWhyThereIsNoVariogramOrModel)
+{
+  struct Case
+  {
+    const char *data;
+    const char *command;
+    const char *message;
+  };
+  const Case cases[] = {
+      {"x,y,v\n1,2,3\n", "variogram", "all samples lie at one place"},
+      {"x,y,v\n1,2,3\n1,2,4\n", "run", "all samples lie at one place"},
+      {"x,y,v\n1,2,3\n1.2,2,3\n9,2,3\n1,8,3\n", "fit", "all values are equal"},
+  };
+  for (const Case &c : cases) {
+    const apptest::Folder folder;
+    folder.write("d.csv", c.data);
+    folder.write("job.json", R"({"data": {"file": "d.csv", "x": "x", "y": "y"},
+      "variable": {"column": "v"}, "variogram": {}, "fit": {},
+      "output": {"variogram": {"picture": "v.png"}}})");
+    const Outcome outcome = runProgram({c.command, "--quiet", "job.json"}, folder.path(""));
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.errors, HasSubstr(c.message));
+    EXPECT_EQ(folder.list(), (QStringList{"d.csv", "job.json"}));
+  }
+}
+
+TEST(Program, CrossValidatesAFittedModel)
+{
+  const apptest::Folder folder;
+  MeuseJob job;
+  job.set("variogram", json("{\"lag\": 100, \"lags\": 15}")).set("fit", json("{}"));
+  job.remove("model").set("crossValidation", json("{}"));
+  job.set("output.crossValidation", json("{\"table\": \"x.csv\"}"));
+  const Outcome outcome = runProgram({"xvalid", job.writeTo(folder)});
+  ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
+  EXPECT_THAT(outcome.output, HasSubstr("Root mean squared standardized error     0.92"));
+  EXPECT_EQ(folder.list("out"), QStringList{"out/x.csv"});
 }
 
 TEST(Program, FitsAnAnisotropicModel)

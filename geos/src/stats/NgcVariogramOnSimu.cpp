@@ -49,7 +49,6 @@ public:
       for (int lag = 0; lag < values.size(); ++lag, ++row) {
         if (nPairs[lag] == 0)
           continue;
-        ++_rows[row].n;
         _rows[row].nPairs += nPairs[lag];
         _rows[row].distance = distances[lag];
         _rows[row].sum += values[lag];
@@ -69,7 +68,7 @@ public:
         distances.push_back(_rows[row].distance);
         // A lag with pairs somewhere must not look like one without.
         nPairs.push_back((_rows[row].nPairs + _nAdded - 1) / _nAdded);
-        values.push_back(_rows[row].n > 0 ? _rows[row].sum / _rows[row].n : 0.);
+        values.push_back(_rows[row].sum / _nAdded);
       }
       mean.setDistances(dir, false, i, j, n, distances.data());
       mean.setNumberOfPairs(dir, false, i, j, n, nPairs.data());
@@ -83,7 +82,6 @@ private:
 
   struct Row
   {
-    int n = 0;
     long long nPairs = 0;
     double distance = 0.;
     double sum = 0.;

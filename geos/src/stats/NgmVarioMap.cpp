@@ -401,25 +401,35 @@ NgmVarioMap NgmVarioMap::buildCoarseVMap(double ax, double ay, double az, int nr
                                          int nphi, int firstVar, int lastVar, double angle1,
                                          double angle2, double angle3) const
 {
-  _checkPair(firstVar, lastVar);
-  NgmVarioMap coarse =
-      _coarse(NgmVarioMap(nrho, ntheta, nphi, NbgVector3D(ax, ay, az),
-                          NbgRotation(angle1, angle2, angle3), lastVar - firstVar + 1),
-              firstVar);
-  if (_isNormalized)
-    coarse.normalize();
-  return coarse;
+  return _buildCoarse(NbgVector3D(ax, ay, az), NbgIntVector3D(nrho, ntheta, nphi), firstVar,
+                      lastVar, NbgRotation(angle1, angle2, angle3), false);
 }
 
 NgmVarioMap NgmVarioMap::buildCoarseVMap_V3(double ax, double ay, double az, int nrho, int ntheta,
                                             int nphi, int firstVar, int lastVar, double angle1,
                                             double angle2, double angle3) const
 {
+  return _buildCoarse(NbgVector3D(ax, ay, az), NbgIntVector3D(nrho, ntheta, nphi), firstVar,
+                      lastVar, NbgRotation(angle1, angle2, angle3), true);
+}
+
+NgmVarioMap NgmVarioMap::_buildCoarse(const NbgVector3D &axes, const NbgIntVector3D &nCells,
+                                      int firstVar, int lastVar, const NbgRotation &rotation,
+                                      bool fill) const
+{
   _checkPair(firstVar, lastVar);
-  NgmVarioMap coarse =
-      _coarse(NgmVarioMap(nrho, ntheta, nphi, NbgVector3D(ax, ay, az),
-                          NbgRotation(angle1, angle2, angle3), lastVar - firstVar + 1),
-              firstVar);
+  NgmVarioMap coarse = _coarse(
+      NgmVarioMap(nCells.x(), nCells.y(), nCells.z(), axes, rotation, lastVar - firstVar + 1),
+      firstVar);
+  if (fill)
+    _fillHoles(coarse, firstVar);
+  if (_isNormalized)
+    coarse.normalize();
+  return coarse;
+}
+
+void NgmVarioMap::_fillHoles(NgmVarioMap &coarse, int firstVar) const
+{
   for (int i = 0; i < coarse._nvar; ++i) {
     for (int j = i; j < coarse._nvar; ++j) {
       const NbdVariableInt64 &counts = getNPairs(firstVar + i, firstVar + j);
@@ -440,9 +450,6 @@ NgmVarioMap NgmVarioMap::buildCoarseVMap_V3(double ax, double ay, double az, int
       coarse.addCells(getPairRank(i, j), nPairs, sums);
     }
   }
-  if (_isNormalized)
-    coarse.normalize();
-  return coarse;
 }
 
 // Curves.

@@ -66,6 +66,31 @@ TEST(NgcVarioMap, HoldsAllPairsOfSamplesThatAreNotMasked)
   }
 }
 
+TEST(NgcVarioMap, MasksNearOneLeaveOutAndNeitherMasksNorWeightsWeigh)
+{
+  Data data;
+  data.x = {0., 3., 6.};
+  data.y = data.z = {0., 0., 0.};
+  data.variables = {{1., 3., 8.}};
+  data.weights = {5., 0., 2.};
+  const auto sums = [&](double mask) {
+    data.mask = {0.5, 0., mask};
+    NgcVarioMap calculator(3, 2, 1, NbgVector3D(10., 10., 10.), NbgRotation(), 1, Nbd::Role::V);
+    calculator.setInputDataSet(makeDataSet(data, 1));
+    calculator.execute();
+    EXPECT_TRUE(calculator.isCompleted()) << qPrintable(calculator.getErrorMessage());
+    const NbdVariableInt64 &counts = calculator.getGvm().getNPairs(0, 0);
+    const std::vector<qint64> n = counts.getVector();
+    const NbdDataTable curve = calculator.getGvm().getVariogramData(0, 0, 0., 0.);
+    return std::make_pair(std::accumulate(n.begin(), n.end(), qint64(0)),
+                          curve.getVarDouble(Nbd::Role::VARIO)->getValue(1));
+  };
+  // Distances of 3, 3 and 6 in the class from 2 to 6, its end included.
+  EXPECT_EQ(sums(1. - 2e-5), std::make_pair(qint64(3), (4. + 25. + 49.) / 6.));
+  EXPECT_EQ(sums(1. - 5e-6), std::make_pair(qint64(1), 2.));
+  EXPECT_EQ(sums(1. + 5e-6), std::make_pair(qint64(1), 2.));
+}
+
 TEST(NgcVarioMap, DoesNotDependOnThreadsToTheLastBitNorOnTheOrderOfSamples)
 {
   Data data = randomData(4300, 1, true);

@@ -177,6 +177,19 @@ TEST(NgcVariogramExp, ConesSlicesAndTheNormalMissNoPair)
   expectDefinitions(randomData(250, 2, true), directions, 2, options);
 }
 
+TEST(NgcVariogramExp, SlicesThatLeanAgainstTheFirstMissNoPair)
+{
+  NgmVariogramExp directions(true);
+  const NbgRotation orientations[] = {NbgRotation(), NbgRotation(0., 40., 0.),
+                                      NbgRotation(30., 70., 20.)};
+  for (int i = 0; i < 3; ++i)
+    directions.addOneRegularInPlane(NbgRotation(), 3, i, orientations[i], 10, 4., 0.5, 40., 90.,
+                                    UNUSED, 2., 0, 0.);
+  Options options;
+  options.blockSize = 10;
+  expectDefinitions(randomData(250, 1, true), directions, 1, options);
+}
+
 TEST(NgcVariogramExp, ShortLagsBeyondTheLastClassAreLeftOut)
 {
   // One long lag, refined: a pair at 4.9 would be in the third of two classes.
@@ -260,6 +273,44 @@ TEST(NgcVariogramExp, ALinearDriftGivesItsParabolaAndAnOddCovarianceIsOdd)
   for (int k = 1; k <= 6; ++k)
     EXPECT_EQ(odd[6 + k], -odd[6 - k]);
   EXPECT_NE(odd[9], 0.);
+}
+
+TEST(NgcVariogramExp, SwappingHeadsAndTailsMirrorsCovariancesOnly)
+{
+  const Data data = randomData(300, 2, true);
+  Data swapped = data;
+  for (Column *axis : {&swapped.x, &swapped.y, &swapped.z}) {
+    for (double &coordinate : *axis)
+      coordinate = -coordinate;
+  }
+  // Samples in the same place have no direction but their order.
+  for (Column *column :
+       {&swapped.x, &swapped.y, &swapped.z, &swapped.variables[0], &swapped.variables[1]})
+    std::reverse(column->begin(), column->end());
+  NgmVariogramExp directions(true);
+  directions.addRegularInPlane(NbgRotation(), 3, 30., 60., UNUSED, UNUSED, 6, 6., 0.6, 2, 2.);
+  const NgmVariogramExp request = allCurves(directions, 2);
+  const NgmVariogramExpData expected = compute(data, request);
+  const NgmVariogramExpData actual = compute(swapped, request);
+  const auto expectNear = [](double value, double other) {
+    EXPECT_NEAR(value, other, 1e-10 * (1. + std::fabs(other)));  // sums in another order
+  };
+  for (int dir = 0; dir < 3; ++dir) {
+    for (const NgmEVarioExp &curve : request.getVarioCurveTypes()) {
+      const QVector<double> a = actual.getVarioColumn(dir, curve.toEnum(), 0, 1);
+      const QVector<double> b = expected.getVarioColumn(dir, curve.toEnum(), 0, 1);
+      for (int k = 0; k < a.size(); ++k)
+        expectNear(a[k], b[k]);
+    }
+    for (const NgmECovaExp &curve : request.getCovaCurveTypes()) {
+      const QVector<double> a = actual.getCovaColumn(dir, curve.toEnum(), 0, 1);
+      const QVector<double> b = expected.getCovaColumn(dir, curve.toEnum(), 0, 1);
+      for (int k = 0; k < a.size(); ++k)
+        expectNear(a[k], b[b.size() - 1 - k]);
+    }
+    EXPECT_NE(expected.getCovaColumn(dir, Cova::COVARIANCE, 0, 1)[3],
+              expected.getCovaColumn(dir, Cova::COVARIANCE, 0, 1)[2 * expected.getNLags(dir) - 3]);
+  }
 }
 
 TEST(NgcVariogramExp, AThousandLagsAreCounted)

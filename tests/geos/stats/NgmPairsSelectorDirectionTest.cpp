@@ -67,6 +67,36 @@ TEST(NgmPairsSelectorDirection, TheToleranceMakesLagsOverlapOrLeavesGaps)
   EXPECT_EQ(classesOf(withLags(3, 1., 0.75), 2.5), QStringLiteral("2"));
 }
 
+TEST(NgmPairsSelectorDirection, LagsAreClosedBelowAndOpenAbove)
+{
+  // Lags and tolerances that doubles hold exactly.
+  const NgmPairsSelectorDirection narrow = withLags(4, 4., 0.25);
+  EXPECT_EQ(classesOf(narrow, std::nextafter(1., 0.)), QStringLiteral("0"));
+  EXPECT_EQ(classesOf(narrow, 1.), QString());
+  EXPECT_EQ(classesOf(narrow, std::nextafter(3., 0.)), QString());
+  EXPECT_EQ(classesOf(narrow, 3.), QStringLiteral("1"));
+  const NgmPairsSelectorDirection wide = withLags(4, 4., 0.75);
+  EXPECT_EQ(classesOf(wide, 0.99), QStringLiteral("0"));
+  EXPECT_EQ(classesOf(wide, 1.), QStringLiteral("0 1"));
+  EXPECT_EQ(classesOf(wide, 3.), QStringLiteral("1"));
+  EXPECT_EQ(classesOf(wide, 5.), QStringLiteral("1 2"));
+
+  // Refined: with a gap between the short and the long lags, and with an overlap.
+  const NgmPairsSelectorDirection gap = withLags(4, 4., 0.25, 2, 2.);
+  EXPECT_EQ(gap.getNLagsShort(), 3);  // 1.25 * 4 / 2 = 2.5
+  EXPECT_EQ(gap.getDistMaxShort(), 4.5);
+  EXPECT_EQ(classesOf(gap, 3.5), QStringLiteral("2"));
+  EXPECT_EQ(classesOf(gap, 4.5), QString());
+  EXPECT_EQ(classesOf(gap, std::nextafter(7., 0.)), QString());
+  EXPECT_EQ(classesOf(gap, 7.), QStringLiteral("3"));
+  const NgmPairsSelectorDirection overlap = withLags(4, 4., 0.75, 1, 1.);
+  EXPECT_EQ(overlap.getNLagsShort(), 4);  // 0.75 * 4 / 1 = 3
+  EXPECT_EQ(classesOf(overlap, 0.25), QStringLiteral("0 1"));
+  EXPECT_EQ(classesOf(overlap, 0.99), QStringLiteral("1"));
+  // From 1 on long lags: what is left of the hidden one is in the last short class.
+  EXPECT_EQ(classesOf(overlap, 1.), QStringLiteral("3 4"));
+}
+
 TEST(NgmPairsSelectorDirection, ShortLagsReplaceTheFirstLongOnesOverTheSameDistances)
 {
   const NgmPairsSelectorDirection direction = withLags(6, 10., 0.5, 2, 2.);

@@ -259,14 +259,28 @@ TEST(NgmVariogramExpData, StreamsGiveBackTheSameResultsOrAreRefused)
 
 TEST(NgmVariogramExpData, OldStreamsAreRefusedWithTheirVersion)
 {
-  QByteArray bytes = test::toBytes(makeData(1, true));
-  const quint32 old = 151118;
-  for (int k = 0; k < 4; ++k)
-    bytes[4 + k] = char(old >> (24 - 8 * k));
-  NgmVariogramExpData target;
-  EXPECT_TRUE(errorOf([&] {
-                test::fromBytes(bytes, target);
-              }).contains(QStringLiteral("older than version 160324")));
+  const NgmVariogramExpData data = makeData(1, true);
+  const auto withVersion = [&](quint32 version) {
+    QByteArray bytes = test::toBytes(data);
+    for (int k = 0; k < 4; ++k)
+      bytes[4 + k] = char(version >> (24 - 8 * k));
+    return bytes;
+  };
+  NgmVariogramExpData target = makeData(2, true);
+  for (const quint32 version : {151016U, 151118U})
+    EXPECT_TRUE(errorOf([&] {
+                  test::fromBytes(withVersion(version), target);
+                }).contains(QStringLiteral("older than version 160324")))
+        << version;
+  EXPECT_EQ(target.debug(1), makeData(2, true).debug(1));
+  // All later ones have the layout of the current one.
+  for (const quint32 version : {160324U, 170303U, 190326U, 210319U, 210528U}) {
+    target.clear();
+    test::fromBytes(withVersion(version), target);
+    EXPECT_EQ(target.debug(1), data.debug(1)) << version;
+  }
+  EXPECT_NE(errorOf([&] { test::fromBytes(withVersion(220310U), target); }),
+            QStringLiteral("nothing thrown"));
 }
 
 TEST(NgmVariogramExpData, TextsListWhatIsThere)

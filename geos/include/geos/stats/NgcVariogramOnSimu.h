@@ -25,8 +25,8 @@ class NgmVModel;
 /// Lags:       the step from a cell to the next one along the direction, up to half the extent of
 ///             the box
 /// Input:      V holds macro variables with the same realizations
-/// Results:    one per realization and last their mean. At each lag that is the mean of the
-///             realizations that have pairs there, with the mean number of pairs of all.
+/// Results:    one per realization and last their mean, of values and of numbers of pairs. A
+///             realization without pairs at a lag counts there with 0.
 class NgcVariogramOnSimu : public NgcACalculatorComposite
 {
 public:

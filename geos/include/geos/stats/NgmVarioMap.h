@@ -149,7 +149,10 @@ private:
   bool _isCompatible(const NgmVarioMap &other) const;
   double _sumOf(double value, qint64 n) const;
   NbgVector3D _fromCell(const NbgIntVector3D &cell) const;
+  NgmVarioMap _buildCoarse(const NbgVector3D &axes, const NbgIntVector3D &nCells, int firstVar,
+                           int lastVar, const NbgRotation &rotation, bool fill) const;
   NgmVarioMap _coarse(const NgmVarioMap &empty, int firstVar) const;
+  void _fillHoles(NgmVarioMap &coarse, int firstVar) const;
   void _getClasses(double theta, double phi, int &iTheta, int &iPhi) const;
   double _valueAt(int i, int j, qint64 node) const;
 

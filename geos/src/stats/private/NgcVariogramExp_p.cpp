@@ -92,15 +92,18 @@ std::vector<int> usableSamples(const NgcVarioSamples &samples)
   return usable;
 }
 
-/// Where the pairs of a direction can lie in its own frame, or in that of its plane.
-NgcVarioBlocks::Bands bandsOf(const NgmPairsSelectorDirection &direction)
+/// Where the pairs of a direction can lie in the frame of its group.
+NgcVarioBlocks::Bands bandsOf(const NgmPairsSelectorDirection &direction, const NbgRotation &frame)
 {
   const double distance = direction.getMaximumDistance();
   NgcVarioBlocks::Bands bands{{distance, distance, distance}};
   if (direction.isOmnidirectional())
     return bands;
-  if (direction.isUsingSlicingHeight() && !direction.isUsingSlicingRadius())
-    bands.band[2] = std::min(distance, std::fabs(direction.getSlicingHeight()));
+  if (direction.isUsingSlicingHeight() && !direction.isUsingSlicingRadius()) {
+    // A slice that leans against the frame reaches further along the frame's axis.
+    const double lean = direction.getRotation().getAxisZ().crossProduct(frame.getAxisZ()).norm();
+    bands.band[2] = std::min(distance, std::fabs(direction.getSlicingHeight()) + lean * distance);
+  }
   return bands;
 }
 
@@ -315,15 +318,16 @@ std::vector<NgcVariogramExpPrivate::Group> NgcVariogramExpPrivate::_getDirection
   Group regular;
   for (int dir = 0; dir < request->getNDirections(); ++dir) {
     const NgmPairsSelectorDirection &direction = request->getDirection(dir);
-    const NgcVarioBlocks::Bands bands = bandsOf(direction);
     if (!request->isRegularDir(dir)) {
-      groups.push_back({{dir}, direction.getRotation(), 0, bands});
+      const NbgRotation &frame = direction.getRotation();
+      groups.push_back({{dir}, frame, 0, bandsOf(direction, frame)});
       continue;
     }
-    if (regular.directions.empty()) {
+    if (regular.directions.empty())
       regular.frame = direction.getRotation();
+    const NgcVarioBlocks::Bands bands = bandsOf(direction, regular.frame);
+    if (regular.directions.empty())
       regular.bands = bands;
-    }
     regular.directions.push_back(dir);
     for (int axis = 0; axis < 3; ++axis)
       regular.bands.band[axis] = std::max(regular.bands.band[axis], bands.band[axis]);

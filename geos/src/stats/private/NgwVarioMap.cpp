@@ -94,19 +94,8 @@ private:
 }  // namespace
 
 NgwVarioMap::NgwVarioMap(NgwThreadPool *pool, NgcVarioMap &calculator)
-    : NgwAThread(pool), _calculator(calculator)
+    : NgwAPairwise(pool, calculator), _calculator(calculator)
 {
-}
-
-void NgwVarioMap::_run()
-{
-  for (;;) {
-    const std::unique_ptr<NgdDataDoubleBuffer> buffers(_calculator.getDoubleBuffer());
-    if (!buffers)
-      return;
-    _process(*buffers);
-    _calculator.finishDoubleBuffer();
-  }
 }
 
 void NgwVarioMap::_process(const NgdDataDoubleBuffer &buffers)

@@ -1,22 +1,19 @@
 #pragma once
 
-#include "geos/base/NgwAThread.h"
+#include "stats/private/NgwAPairwise.h"
 
 class NgcPairwiseSamples;
 class NgcVarioMap;
-class NgdDataDoubleBuffer;
 
 /// Worker of NgcVarioMap.
-class NgwVarioMap : public NgwAThread
+class NgwVarioMap : public NgwAPairwise
 {
 public:
   NgwVarioMap(NgwThreadPool *pool, NgcVarioMap &calculator);
 
 protected:
-  void _run() override;
+  void _process(const NgdDataDoubleBuffer &buffers) override;
 
 private:
-  void _process(const NgdDataDoubleBuffer &buffers);
-
   NgcVarioMap &_calculator;
 };

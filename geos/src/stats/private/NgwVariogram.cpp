@@ -28,7 +28,7 @@ QStringList namesOf(const NbdDataTable &table, const QString &role)
 }  // namespace
 
 NgwVariogram::NgwVariogram(NgwThreadPool *pool, NgcVariogram &calculator)
-    : NgwAThread(pool), _calculator(calculator), _task(makeTask(calculator))
+    : NgwAPairwise(pool, calculator), _calculator(calculator), _task(makeTask(calculator))
 {
   const NgmVariogramExp &request = calculator.getVarioExp();
   for (int dir = 0; dir < request.getNDirections(); ++dir) {
@@ -73,17 +73,6 @@ NgaVarioSumList NgwVariogram::makeSums(const NgcVariogram &calculator)
                                   calculator.getCloudParameters()),
         {});
   return search.makeSums();
-}
-
-void NgwVariogram::_run()
-{
-  for (;;) {
-    const std::unique_ptr<NgdDataDoubleBuffer> buffers(_calculator.getDoubleBuffer());
-    if (!buffers)
-      return;
-    _process(*buffers);
-    _calculator.finishDoubleBuffer();
-  }
 }
 
 void NgwVariogram::_checkBuffers(const NbdAData &first, const NbdAData &second) const

@@ -1,17 +1,16 @@
 #pragma once
 
-#include "geos/base/NgwAThread.h"
 #include "stats/private/NgcVarioSearch.h"
+#include "stats/private/NgwAPairwise.h"
 
 #include <vector>
 
 class NbdAData;
 class NgcPairwiseSamples;
 class NgcVariogram;
-class NgdDataDoubleBuffer;
 
 /// Worker of NgcVariogram.
-class NgwVariogram : public NgwAThread
+class NgwVariogram : public NgwAPairwise
 {
 public:
   NgwVariogram(NgwThreadPool *pool, NgcVariogram &calculator);
@@ -25,13 +24,12 @@ public:
   static NgaVarioSumList makeSums(const NgcVariogram &calculator);
 
 protected:
-  void _run() override;
+  void _process(const NgdDataDoubleBuffer &buffers) override;
 
 private:
   void _checkBuffers(const NbdAData &first, const NbdAData &second) const;
   std::vector<unsigned char> _readSamples(const NgcPairwiseSamples &all,
                                           NgcVarioSamples &samples) const;
-  void _process(const NgdDataDoubleBuffer &buffers);
 
   NgcVariogram &_calculator;
   NgcVarioTask _task;
