@@ -12,12 +12,8 @@ namespace {
 
 using namespace fitcases;
 
-void fit(benchmark::State &state)
+NgmVModel truthOf(int nVariables)
 {
-  NgcACalculator::initMKLThreading();
-  NbbAMessage::setSink([](const NbbAMessage::Record &) {});
-  const int nVariables = int(state.range(0));
-  const Layout layout = inPlane(int(state.range(1)));
   NgmVModel truth = emptyModel(nVariables);
   const double ranges[] = {25., 60., 140.};
   for (int k = 0; k < 3; ++k) {
@@ -26,10 +22,15 @@ void fit(benchmark::State &state)
     truth.setRanges(k, NbgVector3D(ranges[k], 0.6 * ranges[k], 1.));
   }
   truth.setNuggetMatrix(randomSills(nVariables, 50));
-  const NgmVariogramExpData data = dataOf(truth, layout, 0.05, 60);
+  return truth;
+}
+
+void run(benchmark::State &state, const NgmVModel &truth, const NgmVModelToBeOptimized &request,
+         int nDirections)
+{
   NgmVModelAutoFitting fitting;
-  fitting.setVariogramExp(data, NgmEVarioExp::VARIOGRAM);
-  fitting.setInitialModel(plainRequest(truth));
+  fitting.setVariogramExp(dataOf(truth, inPlane(nDirections), 0.05, 60), NgmEVarioExp::VARIOGRAM);
+  fitting.setInitialModel(request);
   fitting.setVarianceCovarianceMatrix(truth.getC00Matrix());
   for (auto _ : state)
     fitting.fit(true);
@@ -37,6 +38,28 @@ void fit(benchmark::State &state)
     state.SkipWithError(qPrintable(fitting.getErrorMessage()));
   else
     state.counters["score"] = 0.5 * fitting.getGOF();
+}
+
+void fit(benchmark::State &state)
+{
+  NgcACalculator::initMKLThreading();
+  NbbAMessage::setSink([](const NbbAMessage::Record &) {});
+  const NgmVModel truth = truthOf(int(state.range(0)));
+  run(state, truth, plainRequest(truth), int(state.range(1)));
+}
+
+/// Sills of three structures and a nugget in three directions; with totals, or without (0).
+void fitSills(benchmark::State &state)
+{
+  NgcACalculator::initMKLThreading();
+  NbbAMessage::setSink([](const NbbAMessage::Record &) {});
+  const int nVariables = int(state.range(0));
+  NgmVModel truth = truthOf(nVariables);
+  NgmVModelToBeOptimized request(truth);
+  request.setFitSillsOnly(true);
+  for (int i = 0; state.range(1) > 0 && i < nVariables; ++i)
+    request.setSillCumulativeConstraint(i, truth.getC0IJ(i, i));
+  run(state, truth, request, 3);
 }
 
 }  // namespace
@@ -47,6 +70,16 @@ BENCHMARK(fit)
     ->Args({1, 4})
     ->Args({2, 3})
     ->Args({4, 3})
+    ->UseRealTime()
+    ->MeasureProcessCPUTime()
+    ->Unit(benchmark::kMillisecond);
+
+BENCHMARK(fitSills)
+    ->ArgNames({"variables", "totals"})
+    ->Args({1, 0})
+    ->Args({4, 0})
+    ->Args({1, 1})
+    ->Args({4, 1})
     ->UseRealTime()
     ->MeasureProcessCPUTime()
     ->Unit(benchmark::kMillisecond);

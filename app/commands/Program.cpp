@@ -1,5 +1,6 @@
 #include "app/commands/Program.h"
 
+#include "app/commands/FitCommand.h"
 #include "app/commands/HelpCommand.h"
 #include "app/commands/RunCommand.h"
 #include "app/commands/VariogramCommand.h"
@@ -20,6 +21,7 @@ Program::Program()
 {
   _commands.push_back(std::make_unique<RunCommand>());
   _commands.push_back(std::make_unique<VariogramCommand>());
+  _commands.push_back(std::make_unique<FitCommand>());
   _commands.push_back(std::make_unique<XvalidCommand>());
   _commands.push_back(std::make_unique<HelpCommand>(*this));
   _commands.push_back(std::make_unique<VersionCommand>());

@@ -6,6 +6,7 @@
 #include "app/io/CrossValidationCsvWriter.h"
 #include "app/io/GeoTiffWriter.h"
 #include "app/io/GridCsvWriter.h"
+#include "app/io/ModelJson.h"
 #include "app/io/SpatialReference.h"
 #include "app/io/VariogramCsvWriter.h"
 #include "app/plot/CrossValidationPicture.h"
@@ -16,10 +17,12 @@
 #include "app/report/StudyReport.h"
 #include "app/study/Statistics.h"
 #include "app/study/VariogramMap.h"
+#include "basic/error/NbeUserError.h"
 #include "basic/provider/NbpMemoryProviderPointsW.h"
 #include "geos/data/NgdDataSetPoints.h"
 
 #include <QDir>
+#include <QJsonDocument>
 #include <QObject>
 
 namespace orvenal {
@@ -42,6 +45,8 @@ void StudyRun::run()
   _computeStatistics();
   if (_isToDo(Step::VARIOGRAM))
     _computeVariograms();
+  if (_isToDo(Step::FIT))
+    _fitModel();
   if (_isToDo(Step::CROSS_VALIDATION))
     _crossValidate();
   if (_isToDo(Step::KRIGING))
@@ -101,6 +106,22 @@ void StudyRun::_computeVariograms()
 {
   _result.variography = computeVariograms(_result.job, _result.samples, _samples, _context);
   _endStep(QObject::tr("Variograms"));
+}
+
+void StudyRun::_fitModel()
+{
+  Job &job = _result.job;
+  if (_result.variography.curves.first().distances.isEmpty())
+    throw NbeUserError(QObject::tr("no lag of the variogram holds a pair; no model can be fitted"));
+  if (!(_result.variography.sill > 0.))
+    throw NbeUserError(QObject::tr("all values are equal; there is no model to fit"));
+  _result.fit = fitModel(job, *_result.variography.data, _result.variography.sill, _context);
+  job.model = _result.fit->model;
+  job.hasModel = true;
+  _console.print(QObject::tr("  fitted   %1").arg(Describe::model(job)));
+  if (!_result.fit->hasConverged)
+    _console.warn(QObject::tr("the fit of the model stopped before it converged"));
+  _endStep(QObject::tr("Fit of the model"));
 }
 
 /// Map and cloud, where they are wanted.
@@ -209,6 +230,10 @@ void StudyRun::_writeFiles()
     _writeGrid(file);
   if (!output.variogramTable.isEmpty())
     _files.write(output.variogramTable, variogramCsv(_result.variography));
+  if (!output.fittedModel.isEmpty())
+    _files.write(
+        output.fittedModel,
+        QJsonDocument(modelToJson(_result.job.model, _result.job.getNDimensions())).toJson());
   if (!output.crossValidationTable.isEmpty())
     _files.write(output.crossValidationTable,
                  crossValidationCsv(_result.crossValidation, _result.samples));

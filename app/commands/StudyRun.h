@@ -28,6 +28,7 @@ private:
   void _computeVariograms();
   void _drawVariograms();
   void _drawVariogramMap(const VariogramStyle &style);
+  void _fitModel();
   void _crossValidate();
   void _drawCrossValidation();
   void _krige();

@@ -30,7 +30,11 @@ void XvalidCommand::_run(const Job &job, Console &console) const
   Job validated = job;
   if (!validated.crossValidation)
     validated.crossValidation = CrossValidationRequest();
-  StudyRun(validated, {Step::CROSS_VALIDATION}, console).run();
+  validated.keepOutputsOf({Step::CROSS_VALIDATION});
+  Steps steps = {Step::CROSS_VALIDATION};
+  if (job.fit)
+    steps.insert({Step::VARIOGRAM, Step::FIT});
+  StudyRun(validated, steps, console).run();
 }
 
 }  // namespace orvenal

@@ -283,12 +283,14 @@ void readVariogramFiles(const JobObject &object, const QDir &folder, const Job &
 JobOutput readOutput(const JobObject &root, const QDir &jobFolder, const Job &job)
 {
   const JobObject object =
-      root.object(key("output"), {key("directory"), key("grid"), key("maps"), key("variogram"),
-                                  key("crossValidation"), key("report")});
+      root.object(key("output"), {key("directory"), key("grid"), key("maps"), key("fit"),
+                                  key("variogram"), key("crossValidation"), key("report")});
   const QDir folder(jobFolder.absoluteFilePath(object.text(key("directory"), key("."))));
   JobOutput output;
   readKrigingFiles(object, folder, job, output);
   readVariogramFiles(object, folder, job, output);
+  readStepFiles(object, "fit", job.fit.has_value(), folder,
+                {{"model", {key("json")}, &output.fittedModel}});
   readStepFiles(object, "crossValidation", job.crossValidation.has_value(), folder,
                 {{"table", {key("csv")}, &output.crossValidationTable},
                  {"picture", pictureEndings(), &output.crossValidationPicture}});
@@ -379,6 +381,39 @@ void readFaults(const JobObject &object, const QDir &folder, Job &job)
       faults.choice(key("inside"), inside, inside.first()) == inside.first();
 }
 
+/// The model of the job, or that of a file of its own.
+NgmVModel readModelOf(const JobObject &root, const QDir &folder, const Job &job)
+{
+  const JobObject object = root.object(key("model"), modelKeys() << key("file"));
+  if (!object.has(key("file")))
+    return readModel(object, job.getNDimensions(), job.getNVariables());
+  for (const QString &part : modelKeys()) {
+    if (object.has(part))
+      object.fail(part, QObject::tr("the model is that of \"file\""));
+  }
+  const QString file = folder.absoluteFilePath(object.text(key("file")));
+  if (!QFileInfo(file).isFile())
+    object.fail(key("file"), QObject::tr("there is no file \"%1\"").arg(file));
+  return readModel(JobObject::parse(file, readFile(file), modelKeys()), job.getNDimensions(),
+                   job.getNVariables());
+}
+
+void readFitOf(const JobObject &root, Job &job)
+{
+  const QString name = key("fit");
+  if (!root.has(name))
+    return;
+  if (root.has(key("model")))
+    root.fail(name, QObject::tr("the job has a \"model\"; give one of both"));
+  if (!job.variogram)
+    root.fail(name, QObject::tr("needs \"variogram\", to which the model is fitted"));
+  if (job.variogram->curve != NgmEVarioExp::VARIOGRAM)
+    root.fail(key("variogram.curve"), QObject::tr("a model is fitted to a \"Variogram\""));
+  if (!job.covariates.isEmpty())
+    root.fail(name, QObject::tr("fits one variable; with \"covariates\" give the \"model\""));
+  job.fit = readFit(root.object(name, fitKeys()));
+}
+
 /// Variant of kriging and neighborhood, for the grid and for cross-validation.
 void readKrigingParts(const JobObject &root, const QDir &folder, Job &job)
 {
@@ -386,9 +421,9 @@ void readKrigingParts(const JobObject &root, const QDir &folder, Job &job)
     job.crossValidation = readCrossValidation(
         root.object(key("crossValidation"), {key("leaveOut"), key("line"), key("radius")}));
   const bool isKriged = job.hasGrid || job.crossValidation;
-  if (isKriged || root.has(key("model"))) {
-    job.model = readModel(root.object(key("model"), modelKeys()), job.getNDimensions(),
-                          job.getNVariables());
+  readFitOf(root, job);
+  if (!job.fit && (isKriged || root.has(key("model")))) {
+    job.model = readModelOf(root, folder, job);
     job.hasModel = true;
   }
   for (const QString &part : {key("kriging"), key("neighborhood")}) {
@@ -429,9 +464,9 @@ Job readJob(const QString &path)
   job.text = readFile(path);
   const JobObject root = JobObject::parse(
       path, job.text,
-      {key("title"), key("data"), key("variable"), key("covariates"), key("variogram"), key("grid"),
-       key("model"), key("kriging"), key("neighborhood"), key("crossValidation"), key("output"),
-       key("threads"), key("memory")});
+      {key("title"), key("data"), key("variable"), key("covariates"), key("variogram"), key("fit"),
+       key("grid"), key("model"), key("kriging"), key("neighborhood"), key("crossValidation"),
+       key("output"), key("threads"), key("memory")});
   const QDir folder = QFileInfo(job.file).absoluteDir();
   job.title = root.text(key("title"), QFileInfo(path).completeBaseName());
   readData(root, folder, job);

@@ -3,6 +3,7 @@
 #include "app/io/AxesReader.h"
 #include "app/io/JobObject.h"
 #include "app/io/Suggestion.h"
+#include "app/study/ModelFit.h"
 #include "basic/error/NbeError.h"
 #include "basic/interval/NbiIntervalData.h"
 #include "geos/matrix/NgmMatrix.h"
@@ -32,14 +33,14 @@ bool isNamed(const NgmEVStruct &type, const QString &name)
          name.compare(QLatin1String(type.getKey()), Qt::CaseInsensitive) == 0;
 }
 
-NgmEVStruct readType(const JobObject &object)
+/// The type that a member of the object names.
+NgmEVStruct findType(const JobObject &object, const QString &key, const QString &name)
 {
-  const QString name = object.text(QStringLiteral("type"));
   for (const NgmEVStruct &type : availableTypes()) {
     if (isNamed(type, name))
       return type;
   }
-  object.fail(QStringLiteral("type"),
+  object.fail(key,
               QObject::tr("\"%1\" is not known%2; allowed: %3")
                   .arg(name, didYouMean(name, structureLabels()), quotedList(structureLabels())));
 }
@@ -83,7 +84,8 @@ NgmMatrix readSills(const JobObject &object, const QString &key, int nVariables)
 
 void readStructure(const JobObject &object, int nDimensions, NgmVModel &model)
 {
-  const NgmEVStruct type = readType(object);
+  const NgmEVStruct type =
+      findType(object, QStringLiteral("type"), object.text(QStringLiteral("type")));
   const NgmMatrix sills = readSills(object, QStringLiteral("sill"), model.getNVariables());
   if (model.getNVariables() == 1 && sills(0, 0) <= 0.)
     object.fail(QStringLiteral("sill"), QObject::tr("must be greater than 0"));
@@ -114,6 +116,28 @@ QStringList structureLabels()
   for (const NgmEVStruct &type : availableTypes())
     labels << type.getLabel();
   return labels;
+}
+
+QStringList fitKeys()
+{
+  return {QStringLiteral("structures"), QStringLiteral("nugget"), QStringLiteral("anisotropy")};
+}
+
+FitRequest readFit(const JobObject &object)
+{
+  const QString structures = QStringLiteral("structures");
+  FitRequest request;
+  QStringList names = {NgmEVStruct::SPHERICAL.getLabel()};
+  if (object.has(structures))
+    names = object.texts(structures);
+  constexpr int mostStructures = 5;
+  if (names.isEmpty() || names.size() > mostStructures)
+    object.fail(structures, QObject::tr("expected 1 to %1 structures").arg(mostStructures));
+  for (const QString &name : names)
+    request.structures << findType(object, structures, name);
+  request.nugget = object.flag(QStringLiteral("nugget"), true);
+  request.anisotropy = object.flag(QStringLiteral("anisotropy"), true);
+  return request;
 }
 
 NgmVModel readModel(const JobObject &object, int nDimensions, int nVariables)

@@ -15,6 +15,13 @@ QStringList modelKeys();
 /// model that is not admissible is a UsageError.
 NgmVModel readModel(const JobObject &model, int nDimensions, int nVariables);
 
+struct FitRequest;
+
+QStringList fitKeys();
+
+/// What to fit; the structures by default are one spherical one.
+FitRequest readFit(const JobObject &object);
+
 /// Labels of the structures that the library has.
 QStringList structureLabels();
 

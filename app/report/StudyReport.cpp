@@ -236,7 +236,11 @@ QString model(const StudyResult &result)
                   QString(), QString(), QString()});
   for (int index = 0; index < model.getNStructures(); ++index)
     addStructure(model, index, result.job, table);
-  return scrolling(table) +
+  QString fit;
+  if (result.fit)
+    fit = paragraph(QObject::tr("Fitted to the experimental variograms; misfit %1.")
+                        .arg(Describe::number(result.fit->score)));
+  return fit + scrolling(table) +
          paragraph(
              QObject::tr("Total sill %1. Ranges are practical ranges: the distance at which a "
                          "structure reaches its sill, or 95% of it when it never does. "

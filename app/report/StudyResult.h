@@ -20,8 +20,9 @@ struct StudyResult
   Job job;
   Samples samples;
   NbcStatMono sampleStatistics;
-  qint64 nMaskOutside = 0;      ///< points of the mask's file outside the grid
-  Variography variography;      ///< empty without that step
+  qint64 nMaskOutside = 0;  ///< points of the mask's file outside the grid
+  Variography variography;  ///< empty without that step
+  std::optional<ModelFit> fit;
   QByteArray variogramPicture;  ///< PNG, as all pictures
   QByteArray variogramMap;      ///< where they were asked for
   QByteArray variogramCloud;

@@ -34,6 +34,11 @@ NbgRotation Compass::frame(double azimuth, double dip, double pitch)
   return NbgRotation(azimuth, dip, pitch, NbgRotationConventionGeologist::ID);
 }
 
+NbgVector3D Compass::anglesOf(const NbgRotation &rotation)
+{
+  return NbgRotationConventionGeologist().toAngles(rotation.getMatrix());
+}
+
 NbgRotation Compass::gridFrame(double azimuthOfRows)
 {
   return azimuthOfRows == 0. ? NbgRotation() : NbgRotation(-azimuthOfRows, 0., 0.);

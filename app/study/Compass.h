@@ -16,6 +16,9 @@ namespace Compass {
 /// A frame by azimuth and dip of its U axis, and pitch about it.
 NbgRotation frame(double azimuth, double dip, double pitch);
 
+/// The inverse of frame(): azimuth, dip and pitch.
+NbgVector3D anglesOf(const NbgRotation &rotation);
+
 /// A horizontal grid whose second axis (Y, rows) points to this azimuth; the first one (X, columns)
 /// points 90 degrees further, and 0 is the grid that is not turned.
 NbgRotation gridFrame(double azimuthOfRows);

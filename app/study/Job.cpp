@@ -11,8 +11,8 @@ QStringList JobOutput::getFiles() const
 {
   QStringList files = grids;
   for (const QString &file :
-       {variogramTable, variogramPicture, variogramMap, variogramCloud, crossValidationTable,
-        crossValidationPicture, estimateMap, deviationMap, report}) {
+       {variogramTable, variogramPicture, variogramMap, variogramCloud, fittedModel,
+        crossValidationTable, crossValidationPicture, estimateMap, deviationMap, report}) {
     if (!file.isEmpty())
       files << file;
   }
@@ -24,6 +24,8 @@ Steps Job::getSteps() const
   Steps steps;
   if (variogram)
     steps.insert(Step::VARIOGRAM);
+  if (fit)
+    steps.insert(Step::FIT);
   if (crossValidation)
     steps.insert(Step::CROSS_VALIDATION);
   if (hasGrid)
@@ -42,6 +44,8 @@ void Job::keepOutputsOf(const Steps &steps)
     kept.variogramMap = output.variogramMap;
     kept.variogramCloud = output.variogramCloud;
   }
+  if (steps.count(Step::FIT))
+    kept.fittedModel = output.fittedModel;
   if (steps.count(Step::CROSS_VALIDATION)) {
     kept.crossValidationTable = output.crossValidationTable;
     kept.crossValidationPicture = output.crossValidationPicture;

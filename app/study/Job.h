@@ -3,6 +3,7 @@
 #include "app/io/CsvReader.h"
 #include "app/study/CrossValidation.h"
 #include "app/study/KrigingRequest.h"
+#include "app/study/ModelFit.h"
 #include "app/study/VariogramRequest.h"
 #include "basic/geom/NbgGeomGrid.h"
 #include "geos/interpol/NgmNeighborhoodMoving.h"
@@ -49,6 +50,7 @@ struct JobOutput
   QString variogramPicture;
   QString variogramMap;
   QString variogramCloud;
+  QString fittedModel;
   QString crossValidationTable;
   QString crossValidationPicture;
   QString report;
@@ -57,7 +59,7 @@ struct JobOutput
 };
 
 /// Parts of a study that can be run alone.
-enum class Step { VARIOGRAM, CROSS_VALIDATION, KRIGING, REPORT };
+enum class Step { VARIOGRAM, FIT, CROSS_VALIDATION, KRIGING, REPORT };
 using Steps = std::set<Step>;
 
 /// A study as a job file describes it, in the terms of the libraries: angles are converted,
@@ -73,6 +75,7 @@ struct Job
   JobVariable variable;
   QList<JobVariable> covariates;  ///< variables that help to estimate the first one
   std::optional<VariogramRequest> variogram;
+  std::optional<FitRequest> fit;  ///< in place of the model, and before what needs one
   bool hasModel = false;
   NgmVModel model{1};
   bool hasGrid = false;  ///< what is kriged; it comes with a model and a neighborhood

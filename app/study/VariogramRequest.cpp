@@ -3,6 +3,7 @@
 #include "app/study/Compass.h"
 #include "app/study/Samples.h"
 #include "basic/base/NbbGlobal.h"
+#include "basic/error/NbeUserError.h"
 #include "basic/geom/NbgBox.h"
 #include "geos/stats/NgmVariogramDirection.h"
 #include "geos/stats/NgmVariogramExp.h"
@@ -32,7 +33,10 @@ double diagonalOf(const Samples &samples)
 
 Lags lagsOf(const VariogramRequest &request, const Samples &samples)
 {
-  const NgmVariogramDirection usual(diagonalOf(samples));
+  const double diagonal = diagonalOf(samples);
+  if (!request.lag && diagonal == 0.)
+    throw NbeUserError(QObject::tr("all samples lie at one place; they have no variogram"));
+  const NgmVariogramDirection usual(diagonal);
   const double lag = request.lag.value_or(usual.getLag());
   const int usualCount = int(std::clamp(usual.getDistanceMax() / lag, 1., 100.));
   return {lag, request.lags.value_or(usualCount)};

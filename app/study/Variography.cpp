@@ -73,6 +73,7 @@ Variography computeVariograms(const Job &job, const Samples &samples,
   for (int direction = 0; direction < results.getNDirections(); ++direction)
     variography.curves << curveOf(results, direction, request.curve,
                                   request.nRegular == 0 && request.directions.isEmpty());
+  variography.data = QSharedPointer<NgmVariogramExpData>::create(results);
   return variography;
 }
 

@@ -7,6 +7,7 @@
 #include <QVector>
 
 class NbpMemoryProviderPointsW;
+class NgmVariogramExpData;
 
 namespace orvenal {
 
@@ -33,6 +34,7 @@ struct Variography
   double sill = 0.;     ///< variance of the samples, or what stands for it
   double lag = 0.;
   QVector<VariogramCurve> curves;
+  QSharedPointer<NgmVariogramExpData> data;  ///< of which the curves are read
 
   bool isEmpty() const { return curves.isEmpty(); }
 };

@@ -77,7 +77,8 @@ TEST(JobReader, IsDescribedAsItIs)
     EXPECT_TRUE(page.contains('"' + label + '"')) << qPrintable(label);
   for (const ExtraOutput &extra : extraOutputs())
     EXPECT_TRUE(page.contains('"' + extra.key + '"')) << qPrintable(extra.key);
-  for (const QString &key : modelKeys() + neighborhoodKeys() + variogramKeys() + krigingKeys())
+  for (const QString &key :
+       modelKeys() + neighborhoodKeys() + variogramKeys() + krigingKeys() + fitKeys())
     EXPECT_TRUE(page.contains('`' + key + '`')) << qPrintable(key);
 }
 
@@ -205,6 +206,10 @@ TEST(JobReader, NamesThePlaceOfWhatIsWrong)
       {"covariates",
        json("[{\"column\": \"lead\"}]"),
        {"model.nugget: expected 2 lists of 2 numbers"}},
+      {"fit", json("{}"), {"fit: the job has a \"model\"; give one of both"}},
+      {"model", json("{\"file\": \"m.json\"}"), {"model.file: there is no file", "m.json"}},
+      {"model", json("{\"file\": \"m.json\", \"nugget\": 1}"), {"model.nugget: the model is that"}},
+      {"output.fit", json("{}"), {"the job has no \"fit\" of which"}},
       {"crossValidation", json("{\"leaveOut\": \"line\"}"), {"crossValidation.line: missing"}},
       {"crossValidation", json("{\"radius\": 3}"), {"has a meaning when balls are left out"}},
       {"output.crossValidation", json("{}"), {"the job has no \"crossValidation\" of which"}},

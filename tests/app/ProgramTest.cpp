@@ -398,6 +398,111 @@ TEST(Program, ComputesVariogramsByDirections)
   EXPECT_THAT(html, Not(HasSubstr("Neighborhood")));
 }
 
+TEST(Program, FitsAModelAndReadsItBack)
+{
+  const apptest::Folder folder;
+  MeuseJob job;
+  job.set("variogram", json("{\"lag\": 100, \"lags\": 15}")).set("fit", json("{}"));
+  job.remove("model").set("output.fit", json("{\"model\": \"model.json\"}"));
+  const Outcome fit = runProgram({"fit", job.writeTo(folder)});
+  ASSERT_EQ(fit.exitCode, 0) << fit.errors;
+  EXPECT_THAT(fit.output, HasSubstr("fitted   nugget 0.0"));
+  EXPECT_EQ(folder.list("out"), QStringList{"out/model.json"});
+  const QJsonObject model =
+      QJsonDocument::fromJson(apptest::readFile(folder.path("out/model.json"))).object();
+  const QJsonObject structure = model.value("structures").toArray().first().toObject();
+  EXPECT_NEAR(model.value("nugget").toDouble(), 0.05, 0.03);
+  EXPECT_NEAR(structure.value("sill").toDouble(), 0.59, 0.06);
+  EXPECT_NEAR(structure.value("range").toDouble(), 900., 90.);
+
+  // A run that fits and one that reads what was fitted krige alike.
+  ASSERT_EQ(runJob(job, folder).exitCode, 0);
+  const Nodes fitted = readNodes(folder.path("out/kriging.csv"));
+  job.remove("fit").remove("output.fit");
+  job.set("model", json("{\"file\": \"out/model.json\"}"));
+  const Outcome outcome = runJob(job, folder);
+  ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
+  for (const auto &[place, node] : readNodes(folder.path("out/kriging.csv")))
+    EXPECT_NEAR(node.estimate, fitted.at(place).estimate, 1e-9);
+}
+
+TEST(Program, SaysWhyThereIsNoVariogramOrModel)
+{
+  struct Case
+  {
+    const char *data;
+    const char *command;
+    const char *message;
+  };
+  const Case cases[] = {
+      {"x,y,v\n1,2,3\n", "variogram", "all samples lie at one place"},
+      {"x,y,v\n1,2,3\n1,2,4\n", "run", "all samples lie at one place"},
+      {"x,y,v\n1,2,3\n1.2,2,3\n9,2,3\n1,8,3\n", "fit", "all values are equal"},
+  };
+  for (const Case &c : cases) {
+    const apptest::Folder folder;
+    folder.write("d.csv", c.data);
+    folder.write("job.json", R"({"data": {"file": "d.csv", "x": "x", "y": "y"},
+      "variable": {"column": "v"}, "variogram": {}, "fit": {},
+      "output": {"variogram": {"picture": "v.png"}}})");
+    const Outcome outcome = runProgram({c.command, "--quiet", "job.json"}, folder.path(""));
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.errors, HasSubstr(c.message));
+    EXPECT_EQ(folder.list(), (QStringList{"d.csv", "job.json"}));
+  }
+}
+
+TEST(Program, CrossValidatesAFittedModel)
+{
+  const apptest::Folder folder;
+  MeuseJob job;
+  job.set("variogram", json("{\"lag\": 100, \"lags\": 15}")).set("fit", json("{}"));
+  job.remove("model").set("crossValidation", json("{}"));
+  job.set("output.crossValidation", json("{\"table\": \"x.csv\"}"));
+  const Outcome outcome = runProgram({"xvalid", job.writeTo(folder)});
+  ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
+  EXPECT_THAT(outcome.output, HasSubstr("Root mean squared standardized error     0.92"));
+  EXPECT_EQ(folder.list("out"), QStringList{"out/x.csv"});
+}
+
+TEST(Program, FitsAnAnisotropicModel)
+{
+  // A linear combination of waves along one direction: the range across it is the shorter one.
+  const apptest::Folder folder;
+  QByteArray data = "x,y,v\n";
+  const double azimuth = 30. * M_PI / 180.;
+  for (int i = 0; i < 900; ++i) {
+    const double x = i % 30, y = i / 30;
+    const double along = x * std::sin(azimuth) + y * std::cos(azimuth);
+    const double across = x * std::cos(azimuth) - y * std::sin(azimuth);
+    double v = 0.;
+    for (int k = 1; k < 9; ++k)
+      v += std::sin(0.06 * k * along + 2.1 * k * k) + std::sin(0.2 * k * across + 1.3 * k * k);
+    data +=
+        QByteArray::number(x) + ',' + QByteArray::number(y) + ',' + QByteArray::number(v) + '\n';
+  }
+  folder.write("d.csv", data);
+  folder.write("job.json", R"({"data": {"file": "d.csv", "x": "x", "y": "y"},
+    "variable": {"column": "v"},
+    "variogram": {"lag": 1, "lags": 12, "regular": 6}, "fit": {"structures": ["Gaussian"]},
+    "output": {"fit": {"model": "m.json"}}})");
+  const Outcome outcome = runProgram({"fit", "job.json"}, folder.path(""));
+  ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
+  const QJsonObject structure = QJsonDocument::fromJson(apptest::readFile(folder.path("m.json")))
+                                    .object()
+                                    .value("structures")
+                                    .toArray()
+                                    .first()
+                                    .toObject();
+  const QJsonArray ranges = structure.value("ranges").toArray();
+  ASSERT_EQ(ranges.size(), 2);
+  const double ratio = ranges[0].toDouble() / ranges[1].toDouble();
+  const double found =
+      std::fmod(structure.value("azimuth").toDouble() + (ratio < 1. ? 90. : 0.), 180.);
+  EXPECT_GT(std::max(ratio, 1. / ratio), 1.5);
+  EXPECT_NEAR(found, 30., 15.);
+}
+
 TEST(Program, CrossValidates)
 {
   const apptest::Folder folder;

@@ -3,6 +3,7 @@
 #include "basic/base/NbbDebug.h"
 #include "basic/base/NbbGlobal.h"
 #include "basic/error/NbeProgrammingError.h"
+#include "basic/error/NbeUserError.h"
 #include "fit/private/NgmSillDescent.h"
 #include "geos/algo/NgmAlgorithm.h"
 #include "geos/fit/NgmVModelOptimizable.h"
@@ -21,6 +22,7 @@ constexpr double SETTLED_CHANGE = 1e-8;
 constexpr double SMALLEST_ROOT = 1e-6;
 constexpr double SMALLEST_SHARE = 1e-30;
 constexpr double SMALLEST_EIGENVALUE = 1e-15;
+constexpr double ROUNDING = 1e-12;
 constexpr double NULL_SILL = 1e-15;
 constexpr int FIELD_WIDTH = 11;
 
@@ -157,7 +159,7 @@ void NgmOptimizerGoulard::_prepareCurves(const NgmVModelOptimizable &vModel)
   _products.assign(std::size_t(values.getNRows()), _Products());
   for (int i = 0; i < _nVariables; ++i) {
     for (int j = 0; j <= i; ++j) {
-      const int row = NgmVModelOptimizable::combineVariables(i, j);
+      const int row = _combineVariables(i, j);
       _Products &products = _products[std::size_t(row)];
       std::vector<int> lags;
       for (int lag = 0; lag < values.getNColumns(); ++lag) {
@@ -202,9 +204,14 @@ void NgmOptimizerGoulard::_prepareProducts(_Products &products, std::size_t nStr
   }
 }
 
+int NgmOptimizerGoulard::_combineVariables(int i, int j)
+{
+  return NgmVModelOptimizable::combineVariables(i, j);
+}
+
 const NgmOptimizerGoulard::_Products &NgmOptimizerGoulard::_productsOf(int i, int j) const
 {
-  return _products[std::size_t(NgmVModelOptimizable::combineVariables(i, j))];
+  return _products[std::size_t(_combineVariables(i, j))];
 }
 
 void NgmOptimizerGoulard::_prepareConstraints(const NgmVModelOptimizable &vModel)
@@ -212,8 +219,12 @@ void NgmOptimizerGoulard::_prepareConstraints(const NgmVModelOptimizable &vModel
   _hasTotals = vModel.getSillCumulativeConstraint(_totals) && _nStructures > 0;
   _isIntrinsic = vModel.isIntrinsicConstraint();
   for (int i = 0; _hasTotals && i < _nVariables; ++i) {
-    if (NbbGlobal::isDefined(_totals[i]))
-      _totals[i] = std::max(0., _totals[i] - _lockedTotals(i, i));
+    if (!_isConstrained(i))
+      continue;
+    if (_lockedTotals(i, i) > _totals[i] * (1. + ROUNDING))
+      throw NbeUserError(
+          QObject::tr("The known sills of variable %1 exceed its total sill").arg(i + 1));
+    _totals[i] = std::max(0., _totals[i] - _lockedTotals(i, i));
   }
 }
 

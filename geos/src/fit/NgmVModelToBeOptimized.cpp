@@ -375,10 +375,20 @@ void NgmVModelToBeOptimized::fixModel(const NgmVariogramExpData &data)
   setContextNDim(nDimensions);
 }
 
+bool NgmVModelToBeOptimized::_hasKnownSills() const
+{
+  double value = 0.;
+  bool isKnown = !_fitNugget && hasNugget();
+  for (int k = -1; k < getNStructures(); ++k)
+    isKnown = isKnown || isLocked(value, k, SILL, 0, 0);
+  return isKnown;
+}
+
+/// Known sills are not rescaled: the fit shares out what they leave.
 void NgmVModelToBeOptimized::fixSillConstraints()
 {
   QVector<double> sills;
-  if (!getSillCumulativeConstraint(sills))
+  if (!getSillCumulativeConstraint(sills) || _hasKnownSills())
     return;
   const NgmMatrix total = getC00Matrix();
   QVector<double> variances;

@@ -3,6 +3,8 @@
 #include "basic/base/NbbHtml.h"
 #include "basic/base/NbbMessage.h"
 #include "basic/base/NbbUserStringFormats.h"
+#include "basic/data/NbdAVariableNumeric.h"
+#include "basic/data/NbdDataPoints.h"
 #include "basic/error/NbeAssertion.h"
 #include "basic/error/NbeUserError.h"
 #include "basic/geom/NbgBox.h"
@@ -30,6 +32,15 @@ QString locationText(const NbgVector3D &location, int nDimensions)
   for (int axis = 0; axis < nDimensions; ++axis)
     texts << format.valueToString(coordinates[axis]);
   return texts.join(QStringLiteral(", "));
+}
+
+bool hasDefinedData(const NbdDataPoints &data)
+{
+  const QList<NbdAVariableNumeric *> variables =
+      data.getDataTableConst().getVarsNumeric(Nbd::Role::V);
+  return std::any_of(variables.begin(), variables.end(), [](const NbdAVariableNumeric *variable) {
+    return variable->getNDefined() > 0;
+  });
 }
 
 /// `box` holds the targets that are to be estimated from the missing data.
@@ -251,6 +262,8 @@ void NgcAKriging::_preProcessing()
 
 void NgcAKriging::_preLaunchThreads()
 {
+  _uniqueFailed = false;
+  _uniqueDriftError.clear();
   _systemDual.reset();
   _companionDual.reset();
   if (!isUsingMoving())
@@ -300,7 +313,7 @@ void NgcAKriging::_buildUniqueKrigingSystem()
     NBE_FAIL(QObject::tr("You cannot define both Block Interpolation and Direct Block Kriging."));
   const NbdDataPoints &data = getAllInputData();
   const int n = data.getNSamples();
-  if (n == 0) {
+  if (n == 0 || (isParcelling() && !hasDefinedData(data))) {
     warnOfMissingData(_getTargetsBox(), getOutputDataset()->getNDimensions());
     return;
   }
@@ -315,13 +328,32 @@ void NgcAKriging::_buildUniqueKrigingSystem()
   auto system = std::make_unique<NgmKrigingSystemDual>(n, getNVariables(), isSimpleKriging(),
                                                        isRescaledCokriging(), getNDriftEquations());
   NgcKrigingSystems::configure(*this, *system);
-  // One thread: another factorization, and other bits, come with the parallel path.
-  system->buildSystem(_model, samples, 1);
-  if (system->hasDriftError())
-    throw NbeUserError(system->getDriftError());
+  if (!_buildSystemOfData(*system, samples))
+    return;
   _systemDual = std::move(system);
   if (!isSimpleKriging() && getOutputDataset()->hasVariablesWithRole(Nbd::Role::WEIGHT_OF_MEAN))
     _buildCompanionSystem(samples);
+}
+
+/// False when the data of a parcel give no system: its targets tell why, and the other parcels are
+/// estimated. Without parcels that ends the run.
+bool NgcAKriging::_buildSystemOfData(NgmKrigingSystemDual &system, const NgmKrigingSamples &samples)
+{
+  const bool isTooLarge =
+      samples.n > NgmKrigingSystemDual::getMaximumNumberOfSamples(getNVariables());
+  try {
+    // One thread: another factorization, and other bits, come with the parallel path.
+    system.buildSystem(_model, samples, 1);
+  } catch (const NbeUserError &) {
+    if (!isParcelling() || isTooLarge)
+      throw;
+    _uniqueFailed = true;
+  }
+  if (system.hasDriftError() && !isParcelling())
+    throw NbeUserError(system.getDriftError());
+  _uniqueDriftError = system.getDriftError();
+  _uniqueFailed = _uniqueFailed || system.hasDriftError();
+  return !_uniqueFailed;
 }
 
 /// Its failure is told for each target.

@@ -4,6 +4,7 @@
 #include "basic/data/NbdDataTable.h"
 #include "basic/error/NbeAssertion.h"
 #include "geos/data/NgdADataSet.h"
+#include "geos/data/NgdSampout.h"
 #include "geos/interpol/NgcAKriging.h"
 #include "geos/interpol/NgmIKrigingPostPro.h"
 #include "geos/stats/NgmIMultivariateTransform.h"
@@ -154,6 +155,8 @@ void NgcAKriging::_addRuntimeConstraints()
   _addInputRules();
   _addTargetRules();
   _addOutputRules();
+  if (const NgdSampout *sampout = getSampout())
+    sampout->registerKrigingConstraints(_getRules());
 }
 
 void NgcAKriging::_checkSettings() const

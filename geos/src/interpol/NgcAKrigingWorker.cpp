@@ -213,9 +213,9 @@ bool NgcAKriging::Worker::_takeWithoutSystem(int position)
   if (!isProximity && !(*parts.outcome == NgcENeighborhoodErrorCode::NEIGH_MAX_IN_BLOCK))
     return false;
   const int n = int(parts.neighborhood.getSquaredDistances().size());
+  parts.estimates.fill(NbbGlobal::D_FFFF, _kriging.getNVariables());
+  parts.variances.fill(NbbGlobal::D_FFFF, _kriging.getNVariables());
   for (int variable = 0; variable < _kriging.getNVariables(); ++variable) {
-    double *estimate = parts.outputs.getEstimates()[std::size_t(variable)];
-    double *variance = parts.outputs.getVariances()[std::size_t(variable)];
     const double *values = parts.neighbors.getRawValues(variable);
     double sum = 0.;
     int nDefined = 0;
@@ -225,11 +225,16 @@ bool NgcAKriging::Worker::_takeWithoutSystem(int position)
       sum += values[s];
       ++nDefined;
     }
-    if (estimate && nDefined > 0)
-      estimate[position] = sum / nDefined;
-    if (variance && nDefined > 0 && isProximity)
-      variance[position] = 0.;
+    if (nDefined == 0)
+      continue;
+    parts.estimates[variable] = sum / nDefined;
+    if (isProximity)
+      parts.variances[variable] = 0.;
   }
+  _writeResults(position, parts.estimates.constData(), parts.variances.constData());
+  if (_getTestResult())
+    NgcKrigingTestFiller::fillEstimates(parts.neighborhood, parts.estimates, parts.variances,
+                                        *_getTestResult());
   return true;
 }
 

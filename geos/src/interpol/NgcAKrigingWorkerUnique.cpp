@@ -23,6 +23,7 @@ void NgcAKriging::Worker::_initializeUnique()
 void NgcAKriging::Worker::_krigeUnique(NbdAData &buffer)
 {
   if (!_parts->uniqueSolver) {
+    _tellUniqueFailure(buffer);
     _countTargets(buffer.getNSelected());
     return;
   }
@@ -38,16 +39,31 @@ void NgcAKriging::Worker::_krigeUnique(NbdAData &buffer)
   _krigeBatch(buffer);
 }
 
+/// The targets of a parcel whose data give no system.
+void NgcAKriging::Worker::_tellUniqueFailure(const NbdAData &buffer)
+{
+  if (!_kriging.hasUniqueSystemFailed())
+    return;
+  const QString &driftError = _kriging.getUniqueDriftError();
+  for (const int position : buffer.getSelectedPositions()) {
+    _checkForStop();
+    _addError(NgcKrigingErrors::unsolvedSystem(driftError, buffer.getLocation(position)),
+              driftError.isEmpty() ? Ngc::INTERPOL_ERROR_SYSTEM : Ngc::INTERPOL_ERROR_NEIGHBORHOOD,
+              buffer, position);
+  }
+}
+
 void NgcAKriging::Worker::_addToBatch(NbdAData &buffer, int position)
 {
   _Parts &parts = *_parts;
   if (!_search(buffer, position) || !_prepareTarget(buffer, position))
     return;
   const NgmTarget &target = parts.neighborhood.getTarget();
-  if (parts.outputs.needsWeightsOfMean() && !_kriging.isSimpleKriging())
-    _writeWeightsOfMean(buffer, position,
-                        parts.uniqueSolver->computeWeightsOfMean(target, parts.weightsOfMean));
   const QMap<int, double> collocated = parts.targets.getCollocatedValues(position);
+  if (parts.outputs.needsWeightsOfMean() && !_kriging.isSimpleKriging())
+    _writeWeightsOfMean(
+        buffer, position,
+        parts.uniqueSolver->computeWeightsOfMean(target, collocated, parts.weightsOfMean));
   if (!collocated.isEmpty())
     _krigeCollocated(buffer, position, collocated);
   else

@@ -293,6 +293,38 @@ TEST(NgmOptimizerGoulard, KeepsTotalSills)
   }
 }
 
+// What is known counts; nothing else is left when it takes all.
+TEST(NgmOptimizerGoulard, TotalsHoldWithLockedStructures)
+{
+  const NgmVModel truth = truthOf(2, 61);
+  const NgmVariogramExpData data = dataOf(truth, inPlane(2), 0.1);
+  const NgmMatrix known = truth.getCoregionalisationMatrix(1);
+  for (double factor : {3., 1.2, 1.}) {
+    Model request = requestOf(truth);
+    request.setKnownSill(1, known);
+    request.setSillCumulativeConstraint(0, factor * known(0, 0));
+    const SillFit fit(data, request, truth.getC00Matrix());
+    const NgmVModel model = fit.optimizable.getOptimizedModel();
+    EXPECT_TRUE((model.getCoregionalisationMatrix(1) - known).isNull(1e-12));
+    EXPECT_NEAR(model.getC0IJ(0, 0) / (factor * known(0, 0)), 1., 1e-12);
+    EXPECT_GT(model.getNugget(1, 1) + model.getCoregionalisationMatrix(0)(1, 1), 0.);
+    for (const NgmMatrix &sills : fit.sills)
+      expectAdmissible(sills);
+  }
+
+  Model request = requestOf(truth);
+  request.setKnownSill(1, known);
+  request.setSillCumulativeConstraint(0, 0.9 * known(0, 0));
+  request.setFitSillsOnly(true);
+  NgmVModelAutoFitting fitting;
+  fitting.setVariogramExp(data, NgmEVarioExp::VARIOGRAM);
+  fitting.setInitialModel(request);
+  fitting.setVarianceCovarianceMatrix(truth.getC00Matrix());
+  fitting.fit(true);
+  EXPECT_EQ(fitting.getErrorMessage(),
+            QStringLiteral("The known sills of variable 1 exceed its total sill"));
+}
+
 // One variable: all shares of the total on a grid. Two: shares and correlations of two structures.
 TEST(NgmOptimizerGoulard, IsAsGoodAsASearchOfShares)
 {
@@ -507,31 +539,20 @@ TEST(NgmOptimizerGoulard, KeepsTheSillsWhenInterrupted)
   EXPECT_TRUE((fit.optimizable.getOptimizedModel().getNuggetMatrix() - start).isNull(1e-12));
 }
 
-// Ranges and sills together.
-TEST(NgmVModelOptimizerFoxleg, KeepsTotalSillsAndProportions)
+TEST(NgmVModelOptimizerFoxleg, ShowsTheFitsOfSills)
 {
   NgcACalculator::initMKLThreading();
   const NgmVModel truth = truthOf(2, 21);
-  Model totals = plainRequest(truth);
-  totals.setSillCumulativeConstraint(0, 1.2 * truth.getC0IJ(0, 0));
-  Model intrinsic = plainRequest(truth);
-  intrinsic.setWantIntrinsic(true);
-  for (Model *request : {&totals, &intrinsic}) {
-    NgmVModelAutoFitting fitting;
-    fitting.setVariogramExp(dataOf(truth, inPlane(2), 0.05), NgmEVarioExp::VARIOGRAM);
-    fitting.setInitialModel(*request);
-    fitting.setVarianceCovarianceMatrix(truth.getC00Matrix());
-    fitting.setShowGoulard(true);
+  NgmVModelAutoFitting fitting;
+  fitting.setVariogramExp(dataOf(truth, inPlane(1)), NgmEVarioExp::VARIOGRAM);
+  fitting.setInitialModel(Model(truth));
+  fitting.setVarianceCovarianceMatrix(truth.getC00Matrix());
+  const auto showsTable = [&fitting](bool show) {
+    fitting.setShowGoulard(show);
     testsupport::PrintedMessages printed;
     fitting.fit(true);
-    ASSERT_TRUE(fitting.isCompleted()) << qPrintable(fitting.getErrorMessage());
-    EXPECT_TRUE(printed.texts.join(QString()).contains(QStringLiteral("Str-1(2-1)")));
-    const NgmVModel model = fitting.getFittedModel();
-    ASSERT_GT(model.getNStructures(), 0);
-    const NgmMatrix sills = model.getCoregionalisationMatrix(0);
-    if (request == &totals)
-      EXPECT_NEAR(model.getC0IJ(0, 0) / (1.2 * truth.getC0IJ(0, 0)), 1., 1e-12);
-    else
-      EXPECT_NEAR(sills(1, 0) / sills(0, 0), model.getC0IJ(1, 0) / model.getC0IJ(0, 0), 1e-12);
-  }
+    return printed.texts.join(QString()).contains(QStringLiteral("Str-1(2-1)"));
+  };
+  EXPECT_TRUE(showsTable(true));
+  EXPECT_FALSE(showsTable(false));
 }

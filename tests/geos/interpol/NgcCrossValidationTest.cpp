@@ -468,6 +468,11 @@ TEST(NgcCrossValidation, RefusesWrongConfigurations)
                     points->addEmptyVariableSimple(QStringLiteral("surplus"), Nbd::TYPE_DOUBLE));
                 validation.setOutputDataSet(two);
               }).contains("'XVAL_ERR' is invalid"));
+  EXPECT_TRUE(failureOf([](NgcCrossValidation &validation) {
+                NgmNeighborhoodMoving neighborhood = nearest(12, 400.);
+                neighborhood.setRuleProximity(true, NbgVector3D(2., 2., 0.));
+                validation.setUsingMovingNeighborhood(neighborhood);
+              }).contains("Proximity parallelepiped cannot be used with rejection"));
 }
 
 TEST(NgcCrossValidation, TellsTheErrorsOfOneSample)

@@ -401,6 +401,69 @@ TEST(NgcKrigingModes, CollocatedValueActsAsASampleAtTheTarget)
   }
 }
 
+TEST(NgcKrigingModes, CollocatedValuesOfAUniqueNeighborhoodEqualThoseOfAllNeighbors)
+{
+  // Some targets have no collocated value, two stand at samples.
+  Places targets = targetPlaces();
+  const Places data = dataPlaces();
+  targets.x[4] = data.x[2];
+  targets.y[4] = data.y[2];
+  targets.x[9] = data.x[7];
+  targets.y[9] = data.y[7];
+  Values atTargets = randomValues(45, nTargets);
+  for (std::size_t t = 0; t < atTargets.size(); t += 3)
+    atTargets[t] = NbbGlobal::D_FFFF;
+  Values holed = randomValues(46, nData);
+  holed[7] = NbbGlobal::D_FFFF;
+  const QStringList roles = {
+      Nbd::Role::V,     Nbd::Role::VARIANCE,  Nbd::Role::VAR_ESTIMATE,   Nbd::Role::COVAR_ZZSTAR,
+      Nbd::Role::SUM_W, Nbd::Role::SUM_POS_W, Nbd::Role::WEIGHT_OF_MEAN, Nbd::Role::NEIGH_NUMBER};
+  const auto setMode = [](int mode, NgcKriging &kriging) {
+    kriging.setKrigingMode(NgcEKrigingMode::EValue(mode));
+    if (mode != int(NgcEKrigingMode::EValue::UNIVERSAL_KRIGING)) {
+      kriging.setSimpleKrigingMean(0, 0.5);
+      kriging.setSimpleKrigingMean(1, -0.25);
+      return;
+    }
+    NgmDriftModel drift;
+    drift.addDrifts(1, 1, true, true, false);
+    NgmExtDriftModel external;
+    external.addDrift(0, 0);
+    kriging.setDriftModel(drift);
+    kriging.setExtDriftModel(external);
+  };
+  // Rescaled, with drifts, simple, ordinary.
+  for (const int mode : {3, 2, 1, 0}) {
+    const auto run = [&](bool moving) {
+      Study study(data, targets);
+      study.addData(Nbd::Role::V, QStringLiteral("z1"), randomValues(47, nData));
+      study.addData(Nbd::Role::V, QStringLiteral("z2"), holed);
+      study.addData(Nbd::Role::EXTDRIFT, QStringLiteral("f"), randomValues(48, nData));
+      study.addTargetData(Nbd::Role::EXTDRIFT, QStringLiteral("f"), randomValues(49, nTargets));
+      study.addTargetData(Nbd::Role::COLLOCATED, QStringLiteral("secondary"), atTargets);
+      for (const QString &role : roles) {
+        study.addOutput(role, role + QLatin1String("1"));
+        study.addOutput(role, role + QLatin1String("2"));
+      }
+      cokrige(study, moving, coregionalization(), [&](NgcKriging &kriging) {
+        setMode(mode, kriging);
+        kriging.setCollocated(1, QStringLiteral("secondary"));
+      });
+      return study;
+    };
+    const Study moving = run(true);
+    const Study unique = run(false);
+    for (const QString &role : roles) {
+      for (const char *variable : {"1", "2"}) {
+        const QString name = role + QLatin1String(variable);
+        // Rounding of systems of order 55.
+        expectEqual(unique.get(name), moving.get(name), 1e-9,
+                    qPrintable(QStringLiteral("%1, mode %2").arg(name).arg(mode)));
+      }
+    }
+  }
+}
+
 TEST(NgcKrigingModes, ExcludedOutputsLeaveTheOthersAsTheyAre)
 {
   const Values first = randomValues(26, nData);

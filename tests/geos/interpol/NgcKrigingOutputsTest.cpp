@@ -572,6 +572,7 @@ public:
 
   Values estimates = Values(nTargets, NbbGlobal::D_FFFF);
   Values variances = Values(nTargets, NbbGlobal::D_FFFF);
+  qint64 stopsAt = 0;  ///< sample number; 0 for a run to the end
 
 protected:
   class Listener : public NgcAKriging::Worker
@@ -589,6 +590,8 @@ protected:
       const std::size_t target = std::size_t(buffer.getSampleNumber(position) - 1);
       _calculator.estimates[target] = _getEstimate(0);
       _calculator.variances[target] = _getVariance(0);
+      if (buffer.getSampleNumber(position) == _calculator.stopsAt)
+        _calculator.stop();
     }
 
   private:
@@ -618,5 +621,27 @@ TEST(NgcKrigingOutputs, DerivedWorkersHearOfEveryTarget)
     study.krige(kriging);
     EXPECT_EQ(kriging.estimates, expected.get(Nbd::Role::V));
     EXPECT_EQ(kriging.variances, expected.get(Nbd::Role::VARIANCE));
+  }
+}
+
+TEST(NgcKrigingOutputs, ARunStoppedByItsUserIsNoFailure)
+{
+  // All targets after the first see duplicates only, which would stop the run as a failure.
+  for (const qint64 stopsAt : {1, 0}) {
+    Study study({{0., 500., 500.}, {0., 500., 500.}}, {{1., 501., 502.}, {1., 501., 502.}});
+    study.addData(Nbd::Role::V, QStringLiteral("z"), {3., 4., 5.});
+    study.addOutput(Nbd::Role::V);
+    NgmNeighborhoodMoving neighborhood = nearestSamples(2);
+    neighborhood.setEllipseSize(NbgVector3D(10., 10., 10.));
+    Listening kriging;
+    kriging.setVarioModel(sphericalModel(0., 1., NbgVector3D(40., 40., 40.)));
+    kriging.setUsingMovingNeighborhood(neighborhood);
+    kriging.setOnErrorBehavior(Ngc::ON_ERROR_STOP);
+    kriging.stopsAt = stopsAt;
+    study.configure(kriging);
+    EXPECT_EQ(kriging.execute(), stopsAt > 0 ? NbcAProgress::INTERRUPTED : NbcAProgress::FAILED);
+    EXPECT_EQ(kriging.getNumberOfInterpolErrors(), stopsAt > 0 ? 0 : 1);
+    EXPECT_EQ(kriging.getInterpolErrorsMessage().isEmpty(), stopsAt > 0);
+    EXPECT_EQ(kriging.estimates[1], NbbGlobal::D_FFFF);
   }
 }

@@ -4,6 +4,7 @@
 #include "basic/geom/NbgAngle.h"
 #include "basic/geom/NbgBox.h"
 #include "basic/interval/NbiIntervalIntLarge.h"
+#include "geos/interpol/NgmKrigingTestResult.h"
 #include "support/CsvFile.h"
 #include "support/Errors.h"
 #include "support/TestData.h"
@@ -260,6 +261,15 @@ TEST(NgcKriging, TakesASampleInProximityAsItIs)
     nProxy += expected > 0.;
   }
   EXPECT_GE(nProxy, 3);
+
+  // The test of such a target tells the same.
+  const qint64 rank =
+      qint64(std::find(deviations.begin(), deviations.end(), 0.) - deviations.begin());
+  NgmKrigingTestResult result;
+  kriging.test(rank + 1, result);
+  ASSERT_TRUE(result.hasResults());
+  EXPECT_EQ(result.getKrigingResults(0).estimation, estimates[std::size_t(rank)]);
+  EXPECT_EQ(result.getKrigingResults(0).standardDeviation, 0.);
 }
 
 TEST(NgcKriging, IgnoresUndefinedAndUnselectedSamples)

@@ -23,7 +23,7 @@ class NgmVModelOptimizable;
 /// Totals:    a variable with a total sill keeps it: its sills are s_i s_j A_k,ij, and the scale
 ///            s_i minimizes the criterion while one structure takes what the total leaves
 /// Intrinsic: B_k = c_k M; factors c_k >= 0 and M (positive semi-definite) take turns
-/// Source:    [Goulard and Voltz, 1992]; totals: [Desassis and Renard, 2013]
+/// Source:    [Goulard and Voltz, 1992]
 class NgmOptimizerGoulard : public NgmAOptimizer
 {
 public:
@@ -119,6 +119,7 @@ private:
   void _printGoulardIteration();
   void _printGoulardResults(int nbMaxIteration);
 
+  static int _combineVariables(int i, int j);
   const _Products &_productsOf(int i, int j) const;
 
   int _nVariables = 0;

@@ -185,6 +185,7 @@ private:
   QList<_Key> _keysOf(int structure, ParamType type) const;
   bool _isOf(ConstraintType constraint, const _Key &key) const;
   bool _hasSillConstraint() const;
+  bool _hasKnownSills() const;
   void _checkConstraintList() const;
   void _checkConstraint(const _Key &key) const;
   void _rescaleBounds(double factor);

@@ -167,6 +167,11 @@ public:
   /// is no sample.
   const NgmKrigingSystemDual *getKrigingSystemDual() const { return _systemDual.get(); }
 
+  /// The samples of the parcel under way give no system of a unique neighborhood: too few for the
+  /// drift, as the text then says, or a singular system.
+  bool hasUniqueSystemFailed() const { return _uniqueFailed; }
+  const QString &getUniqueDriftError() const { return _uniqueDriftError; }
+
   /// Its companion of simple kriging, for the weights of the mean; null when nobody asks for them
   /// and when it is singular.
   const NgmKrigingSystemDual *getCompanionSystemDual() const { return _companionDual.get(); }
@@ -218,6 +223,7 @@ private:
   void _checkCollocated() const;
   void _prepareModels();
   void _buildUniqueKrigingSystem();
+  bool _buildSystemOfData(NgmKrigingSystemDual &system, const NgmKrigingSamples &samples);
   void _buildCompanionSystem(const NgmKrigingSamples &samples);
 
   NgmVModel _model;
@@ -255,4 +261,6 @@ private:
   QVector<double> _blockVariances;
   std::unique_ptr<NgmKrigingSystemDual> _systemDual;
   std::unique_ptr<NgmKrigingSystemDual> _companionDual;
+  bool _uniqueFailed = false;
+  QString _uniqueDriftError;
 };

@@ -56,6 +56,7 @@ private:
 
   void _initializeUnique();
   void _krigeUnique(NbdAData &buffer);
+  void _tellUniqueFailure(const NbdAData &buffer);
   void _addToBatch(NbdAData &buffer, int position);
   void _krigeBatch(NbdAData &buffer);
   void _krigeCollocated(NbdAData &buffer, int position, const QMap<int, double> &collocated);

@@ -120,6 +120,25 @@ void NgcKrigingTestFiller::fillSearch(const NgdNeighborhoodContext &neighborhood
   result.setNeighbors(neighborhood.getNeighbors());
 }
 
+void NgcKrigingTestFiller::fillEstimates(const NgdNeighborhoodContext &neighborhood,
+                                         const QVector<double> &estimates,
+                                         const QVector<double> &variances,
+                                         NgmAInterpolTestResult &result)
+{
+  auto &krigingResult = static_cast<NgmKrigingTestResult &>(result);
+  krigingResult.setKrigingResultsNumber(estimates.size());
+  for (int v = 0; v < estimates.size(); ++v) {
+    NgmKrigingTestResultMono &mono = krigingResult.getKrigingResultsRef(v);
+    mono.estimation = estimates[v];
+    if (NbbGlobal::isDefined(variances[v]))
+      mono.standardDeviation = std::sqrt(variances[v]);
+    mono.distanceToTarget = NgcKrigingSearchOutputs::calcMeanDistance(neighborhood, true);
+    mono.numberOfSamples = neighborhood.getNNeighbors();
+    mono.ellipseSize = neighborhood.getCurrentParams().getEllipseSize();
+    mono.ellipseRotation = neighborhood.getCurrentParams().getEllipseRotation();
+  }
+}
+
 void NgcKrigingTestFiller::fillResults(const NgcAKriging &kriging, const Target &target,
                                        NgmAInterpolTestResult &result)
 {

@@ -30,6 +30,10 @@ void check(const NgmAInterpolTestResult &result);
 void fillSearch(const NgdNeighborhoodContext &neighborhood,
                 const NgcENeighborhoodErrorCode &outcome, int level, bool isMoving,
                 NgmAInterpolTestResult &result);
+
+/// For a target of a moving neighborhood that is estimated without a system.
+void fillEstimates(const NgdNeighborhoodContext &neighborhood, const QVector<double> &estimates,
+                   const QVector<double> &variances, NgmAInterpolTestResult &result);
 void fillResults(const NgcAKriging &kriging, const Target &target, NgmAInterpolTestResult &result);
 
 }  // namespace NgcKrigingTestFiller

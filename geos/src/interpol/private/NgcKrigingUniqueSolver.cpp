@@ -63,11 +63,18 @@ bool NgcKrigingUniqueSolver::solveCollocated(const NgmTarget &target,
   return true;
 }
 
-bool NgcKrigingUniqueSolver::computeWeightsOfMean(const NgmTarget &target, QVector<double> &weights)
+bool NgcKrigingUniqueSolver::computeWeightsOfMean(const NgmTarget &target,
+                                                  const QMap<int, double> &collocated,
+                                                  QVector<double> &weights)
 {
   if (!_companion)
     return false;
-  if (target.isBlock())
+  if (!collocated.isEmpty()) {
+    // Of the estimates only the weights are wanted.
+    if (!_companion->krigingResultsPointCollocated(target, _model, _samples, collocated, weights,
+                                                   _cache.get()))
+      return false;
+  } else if (target.isBlock())
     _companion->preparRHSBlock(target, _model, _samples, _cache.get());
   else
     _companion->preparRHSPoint(target, _model, _samples, _cache.get());

@@ -50,8 +50,10 @@ public:
   bool solveCollocated(const NgmTarget &target, const QMap<int, double> &collocated,
                        const double *externalDrifts, QVector<double> &estimates);
 
-  /// The weights of the mean in simple kriging; false when they cannot be had.
-  bool computeWeightsOfMean(const NgmTarget &target, QVector<double> &weights);
+  /// The weights of the mean in simple kriging with the collocated values, if any; false when they
+  /// cannot be had.
+  bool computeWeightsOfMean(const NgmTarget &target, const QMap<int, double> &collocated,
+                            QVector<double> &weights);
 
   /// The current target with its weights.
   const NgmAKrigingSystem &getSystem() const { return _context; }
