@@ -1,9 +1,12 @@
 #include "geos/stats/NgcVariogram1D.h"
 
 #include "basic/base/NbbGlobal.h"
+#include "basic/base/NbbStringFormat.h"
+#include "basic/base/NbbUserStringFormats.h"
 #include "basic/error/NbeAssertion.h"
 #include "basic/error/NbeProgrammingError.h"
 #include "basic/error/NbeUserError.h"
+#include "basic/unit/NbuEUnitClass.h"
 #include "geos/data/NgdDataSetLines.h"
 #include "geos/stats/NgmVariogramExp.h"
 #include "stats/private/NgcVariogramCurves.h"
@@ -163,8 +166,9 @@ void NgcVariogram1D::_setPseudoSills(NgaVarioSumList &stats)
 
 QString NgcVariogram1D::_buildDownholeDescription() const
 {
-  return QObject::tr("   Lag Value = %1\n").arg(_lag) +
-         QObject::tr("   Maximum Distance = %1\n").arg(_lag * _nLags);
+  const NbbStringFormat format = NbbUserStringFormats::getStringFormat(NbuEUnitClass::LENGTH);
+  return QObject::tr("   Lag Value = %1\n").arg(format.valueToString(_lag)) +
+         QObject::tr("   Maximum Distance = %1\n").arg(format.valueToString(_lag * _nLags));
 }
 
 NgaVarioSumList NgcVariogram1D::_makeSums() const

@@ -11,6 +11,7 @@
 #include "basic/provider/NbpIProviderR.h"
 #include "geos/base/NgwAThread.h"
 #include "geos/data/NgdDataSetGrid.h"
+#include "stats/private/NgcColumns.h"
 #include "stats/private/NgcGridPairs.h"
 #include "stats/private/NgcSampledGridIterator.h"
 
@@ -52,12 +53,11 @@ int nextStep(int step, int divisor, int n)
 /// Values of a variable at the selected nodes; the others are not a number.
 std::vector<double> readColumn(const NbdAData &buffer, const NbdAVariableNumeric &variable)
 {
-  std::vector<double> values(buffer.getNSamples());
-  variable.getValuesAsDouble(0, int(values.size()), values.data());
+  std::vector<double> values = NgcColumns::read(variable);
   const NbdVariableSelection *selection = buffer.getSelection();
   const unsigned char *selected = selection ? selection->getArrayConst() : nullptr;
   for (std::size_t i = 0; i < values.size(); ++i) {
-    if (!NbbGlobal::isDefined(values[i]) || (selected && !selected[i]))
+    if (selected && !selected[i])
       values[i] = NOT_A_NUMBER;
   }
   return values;

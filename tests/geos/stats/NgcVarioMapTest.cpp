@@ -109,6 +109,17 @@ TEST(NgcVarioMap, DoesNotDependOnThreadsToTheLastBitNorOnTheOrderOfSamples)
   EXPECT_EQ(compute(data, 1, 2).getNPairs(0, 0).getVector(), expected.getNPairs(0, 0).getVector());
 }
 
+TEST(NgcVarioMap, SamplesWithoutAPlaceMakeNoPairs)
+{
+  Data data;
+  data.x = {UNUSED, 0., UNUSED};
+  data.y = {0., 0., 2.};
+  data.z = {0., 0., 0.};
+  data.variables = {{1., 3., 5.}};
+  const std::vector<qint64> counts = compute(data, 1, 1).getNPairs(0, 0).getVector();
+  EXPECT_EQ(std::accumulate(counts.begin(), counts.end(), qint64(0)), 0);
+}
+
 TEST(NgcVarioMap, NeedsAsManyVariablesAsTheMap)
 {
   const Data data = randomData(20, 2, true);

@@ -1,5 +1,9 @@
 #include "geos/stats/NgcVariogram1D.h"
 
+#include "basic/base/NbbEFormat.h"
+#include "basic/base/NbbStringFormat.h"
+#include "basic/base/NbbUserStringFormats.h"
+#include "basic/unit/NbuEUnitClass.h"
 #include "geos/data/NgdDataSetLines.h"
 #include "support/Errors.h"
 #include "support/TestData.h"
@@ -320,6 +324,20 @@ TEST(NgcVariogram1D, DescribesItselfAndCarriesSills)
     expectNear(results.getVarioPseudoSill(NgmEVarioExp::PAIRWISE_RELATIVE_VARIOGRAM, pairs[i]),
                sum / weight);
   }
+}
+
+TEST(NgcVariogram1D, DescribesLengthsInTheFormatOfTheUser)
+{
+  NgcVariogram1D calculator;
+  calculator.setInputDataSet(oneLine({0., 1.}, {1., 2.}));
+  calculator.setLag(1234567.5);
+  calculator.setNLags(2);
+  NbbUserStringFormats::setStringFormat(NbuEUnitClass::LENGTH,
+                                        NbbStringFormat(NbbEFormat::FREE, 9));
+  run(calculator);
+  NbbUserStringFormats::reset();
+  EXPECT_EQ(calculator.getResults().getGroupDescription(QStringLiteral("Downhole")),
+            QStringLiteral("   Lag Value = 1234567.5\n   Maximum Distance = 2469135\n"));
 }
 
 TEST(NgcVariogram1D, BitsDoNotDependOnThreads)

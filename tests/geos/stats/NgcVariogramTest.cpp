@@ -142,6 +142,18 @@ TEST(NgcVariogram, WeightsMasksAndCodesDecideWhichPairsCount)
   }
 }
 
+TEST(NgcVariogram, SamplesWithoutAPlaceMakeNoPairs)
+{
+  // They are not in the same place because both have none.
+  Data data;
+  data.x = {0., UNUSED, 1., UNUSED};
+  data.y = {0., 5., 0., 5.};
+  data.z = {0., 0., 0., 0.};
+  data.variables = {{1., 3., 5., 10.}};
+  EXPECT_EQ(compute(data, omni(1, 3, 1.)).getNumberOfPairs(0, false, 0, 0),
+            QVector<qint64>({0, 1, 0}));
+}
+
 TEST(NgcVariogram, ResultsDoNotDependOnThreadsToTheLastBit)
 {
   // So many samples are cut into other buffers with 8 threads.

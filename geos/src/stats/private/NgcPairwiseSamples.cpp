@@ -5,9 +5,9 @@
 #include "basic/data/NbdAVariableNumeric.h"
 #include "geos/data/NgdDataDoubleBuffer.h"
 #include "geos/stats/NgcAPairwiseStat.h"
+#include "stats/private/NgcColumns.h"
 
 #include <algorithm>
-#include <limits>
 
 NgcPairwiseSamples::NgcPairwiseSamples(const NgdDataDoubleBuffer &buffers,
                                        const NgcAPairwiseStat &calculator)
@@ -32,6 +32,13 @@ void NgcPairwiseSamples::_append(const NbdAData &data)
   _buffers.push_back(&data);
 }
 
+bool NgcPairwiseSamples::isPlaced(int i) const
+{
+  return std::all_of(_axes, _axes + 3, [i](const std::vector<double> &axis) {
+    return NbbGlobal::isDefined(axis[i]);
+  });
+}
+
 int NgcPairwiseSamples::getRoleCount(const QString &role) const
 {
   return _buffers[0]->getDataTableConst().getRoleCount(role);
@@ -39,15 +46,13 @@ int NgcPairwiseSamples::getRoleCount(const QString &role) const
 
 std::vector<double> NgcPairwiseSamples::read(const QString &role, int index) const
 {
-  std::vector<double> values(count());
-  double *next = values.data();
+  std::vector<double> values;
+  values.reserve(count());
   for (const NbdAData *buffer : _buffers) {
-    const int n = buffer->getNSamples();
-    buffer->getDataTableConst().getVarNumericRef(role, index).getValuesAsDouble(0, n, next);
-    next += n;
+    const std::vector<double> part =
+        NgcColumns::read(buffer->getDataTableConst().getVarNumericRef(role, index));
+    values.insert(values.end(), part.begin(), part.end());
   }
-  for (double &value : values)
-    value = NbbGlobal::isDefined(value) ? value : std::numeric_limits<double>::quiet_NaN();
   return values;
 }
 

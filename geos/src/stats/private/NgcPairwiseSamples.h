@@ -27,6 +27,8 @@ public:
   int count() const { return int(_axes[0].size()); }
   const std::vector<double> &getAxis(int axis) const { return _axes[axis]; }
   const std::vector<qint64> &getNumbers() const { return _numbers; }
+  /// Whether all coordinates of a sample are defined: others make no pairs.
+  bool isPlaced(int i) const;
 
   int getRoleCount(const QString &role) const;
   std::vector<double> read(const QString &role, int index = 0) const;

@@ -41,6 +41,11 @@ struct NgcVarioPairs
 class NgcVarioAccumulator
 {
 public:
+  /// A record holds the sums in the order of NgaVarioSum::Array, then the number of pairs.
+  static constexpr int STRIDE = 16;
+  static constexpr int N_PAIRS = NgaVarioSum::N_ARRAYS;
+  static_assert(N_PAIRS < STRIDE);
+
   explicit NgcVarioAccumulator(int nLags) : _records(std::size_t(nLags) * STRIDE, 0.) {}
 
   /// The variogram of variables a and b. `weights` may be null.
@@ -56,9 +61,6 @@ public:
   void flushInto(NgaVarioSum &sum);
 
 private:
-  static constexpr int STRIDE = 16;
-  static constexpr int N_PAIRS = NgaVarioSum::N_ARRAYS;
-
   void _addGamma(const NgcVarioPairs &pairs, const double *a, const double *b,
                  const double *weights);
   void _addHalf(int lagMin, int lagMax, double d, double weight, double head, double tail);

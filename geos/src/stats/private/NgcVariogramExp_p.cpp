@@ -8,6 +8,7 @@
 #include "geos/base/NgaOrderedSum.h"
 #include "geos/base/NgwAThread.h"
 #include "geos/base/NgwThreadPool.h"
+#include "stats/private/NgcColumns.h"
 #include "stats/private/NgcVarioClouds.h"
 #include "stats/private/NgcVariogramCurves.h"
 
@@ -67,12 +68,11 @@ private:
 
 std::vector<double> readColumn(const NbdAVariableNumeric &variable, const std::vector<int> &kept)
 {
-  std::vector<double> all(variable.getNValues());
-  variable.getValuesAsDouble(0, int(all.size()), all.data());
+  const std::vector<double> all = NgcColumns::read(variable);
   std::vector<double> values;
   values.reserve(kept.size());
   for (const int position : kept)
-    values.push_back(NbbGlobal::isDefined(all[position]) ? all[position] : NOT_A_NUMBER);
+    values.push_back(all[position]);
   return values;
 }
 

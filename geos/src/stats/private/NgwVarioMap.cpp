@@ -101,11 +101,13 @@ NgwVarioMap::NgwVarioMap(NgwThreadPool *pool, NgcVarioMap &calculator)
 void NgwVarioMap::_process(const NgdDataDoubleBuffer &buffers)
 {
   NgcPairwiseSamples all(buffers, _calculator);
-  std::vector<unsigned char> isKept(all.count(), 1);
+  std::vector<unsigned char> isKept(all.count());
+  for (int i = 0; i < all.count(); ++i)
+    isKept[i] = all.isPlaced(i);
   if (all.getRoleCount(Nbd::Role::MASK) > 0) {
     const std::vector<double> mask = all.read(Nbd::Role::MASK);
     for (int i = 0; i < all.count(); ++i)
-      isKept[i] = !(std::fabs(mask[i] - 1.) < 1e-5);
+      isKept[i] &= !(std::fabs(mask[i] - 1.) < 1e-5);
   }
   const NgmVarioMap &empty = _calculator.getGvm();
   const Samples samples =

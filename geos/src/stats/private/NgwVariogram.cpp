@@ -103,7 +103,7 @@ std::vector<unsigned char> NgwVariogram::_readSamples(const NgcPairwiseSamples &
   for (int v = 0; v < _task.nVariables; ++v) {
     samples.values.push_back(all.read(_calculator.getRoleV(), v));
     for (int i = 0; i < n; ++i)
-      isValid[i] |= !std::isnan(samples.values[v][i]);
+      isValid[i] |= !std::isnan(samples.values[v][i]) && all.isPlaced(i);
   }
   if (all.getRoleCount(Nbd::Role::WEIGHT) > 0) {
     samples.weights = all.read(Nbd::Role::WEIGHT);

@@ -4,6 +4,8 @@
 #include "basic/data/NbdAVariableNumeric.h"
 #include "basic/data/NbdDataLines.h"
 #include "geos/stats/NgcVariogram1D.h"
+#include "stats/private/NgcColumns.h"
+#include "stats/private/NgcVarioAccumulator.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,22 +13,10 @@
 
 namespace {
 
-constexpr int STRIDE = 16;
-constexpr int N_PAIRS = NgaVarioSum::N_ARRAYS;
+constexpr int STRIDE = NgcVarioAccumulator::STRIDE;
+constexpr int N_PAIRS = NgcVarioAccumulator::N_PAIRS;
 constexpr double NULL_SUM = 1e-30;
 constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
-static_assert(N_PAIRS < STRIDE, "a record holds all sums and the number of pairs");
-
-std::vector<double> readColumn(const NbdAVariableNumeric &variable)
-{
-  std::vector<double> values(variable.getNValues());
-  variable.getValuesAsDouble(0, int(values.size()), values.data());
-  for (double &value : values) {
-    if (!NbbGlobal::isDefined(value))
-      value = NOT_A_NUMBER;
-  }
-  return values;
-}
 
 /// The samples behind `tail` that make a pair with it: their positions in the line, lags and
 /// distances; returns how many. Positions that ascend are left once they are too far.
@@ -103,16 +93,16 @@ void NgwVariogram1D::_readColumns(const NbdDataLines &buffer)
 {
   const NbdDataTable &table = buffer.getDataTableConst();
   if (const NbdAVariableNumeric *position = table.getVarNumeric(Nbd::Role::LINE_S)) {
-    _columns.positions = readColumn(*position);
+    _columns.positions = NgcColumns::read(*position);
   } else {
-    _columns.positions = readColumn(table.getVarNumericRef(Nbd::Role::LINE_S_FROM));
-    const std::vector<double> to = readColumn(table.getVarNumericRef(Nbd::Role::LINE_S_TO));
+    _columns.positions = NgcColumns::read(table.getVarNumericRef(Nbd::Role::LINE_S_FROM));
+    const std::vector<double> to = NgcColumns::read(table.getVarNumericRef(Nbd::Role::LINE_S_TO));
     for (std::size_t i = 0; i < to.size(); ++i)
       _columns.positions[i] = 0.5 * (_columns.positions[i] + to[i]);
   }
   _columns.values.clear();
   for (const NbdAVariableNumeric *variable : table.getVarsNumeric(Nbd::Role::V))
-    _columns.values.push_back(readColumn(*variable));
+    _columns.values.push_back(NgcColumns::read(*variable));
   _readWeights(buffer);
 }
 
@@ -127,7 +117,7 @@ void NgwVariogram1D::_readWeights(const NbdDataLines &buffer)
     return;
   _columns.weights.assign(buffer.getNSamples(), 1.);
   if (weight) {
-    _columns.weights = readColumn(*weight);
+    _columns.weights = NgcColumns::read(*weight);
     for (double &w : _columns.weights)
       w = w > 0. ? w : NOT_A_NUMBER;
   }
