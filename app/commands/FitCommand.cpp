@@ -15,12 +15,10 @@ QString FitCommand::getSummary() const
 QString FitCommand::_getDescription() const
 {
   return QObject::tr(
-      "Computes the experimental variograms of the job and fits a model of the structures that "
-      "its\n"
-      "\"fit\" names, with a nugget and, where there are several directions, anisotropy. The "
-      "model\n"
-      "is printed; table, pictures and the model's file that the job asks for are written, and no\n"
-      "other file.");
+      "Computes the experimental variograms of the job and fits a model of the structures\n"
+      "that its \"fit\" names, with a nugget and, where there are several directions,\n"
+      "anisotropy. The model is printed; table, pictures and the model's file that the job\n"
+      "asks for are written, and no other file.");
 }
 
 void FitCommand::_run(const Job &job, Console &console) const

@@ -15,11 +15,9 @@ QString RunCommand::_getDescription() const
 {
   return QObject::tr(
       "Reads the samples that the job names, prints their statistics, does what the job says -\n"
-      "experimental variograms, cross-validation, kriging of a grid - and writes the files that it "
-      "asks for. They "
-      "are\n"
-      "put in place when all of them are ready; a run that fails or is interrupted leaves nothing\n"
-      "behind.");
+      "variograms, the fit of a model, cross-validation, kriging of a grid - and writes the\n"
+      "files that it asks for. They are put in place when all of them are ready; a run that\n"
+      "fails or is interrupted leaves nothing behind.");
 }
 
 void RunCommand::_run(const Job &job, Console &console) const

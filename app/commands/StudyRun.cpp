@@ -182,10 +182,12 @@ void StudyRun::_drawVariograms()
   style.valueUnit = job.variable.unit;
   style.lengthUnit = job.lengthUnit;
   style.nDimensions = job.getNDimensions();
-  style.model = job.hasModel ? &job.model : nullptr;
-  const Picture picture = drawVariograms(_result.variography, style);
-  _result.variogramPicture = picture.toPng();
-  _writePicture(job.output.variogramPicture, picture);
+  style.model = job.hasModel && _result.variography.isVariogram ? &job.model : nullptr;
+  if (!job.output.variogramPicture.isEmpty() || !job.output.report.isEmpty()) {
+    const Picture picture = drawVariograms(_result.variography, style);
+    _result.variogramPicture = picture.toPng();
+    _writePicture(job.output.variogramPicture, picture);
+  }
   _drawVariogramMap(style);
   _endStep(QObject::tr("Picture of the variograms"));
 }

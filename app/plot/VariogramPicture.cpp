@@ -169,8 +169,7 @@ void addLegendEntry(QCustomPlot &plot, const QString &name, const QPen &pen, boo
 
 QString valueLabel(const Variography &variography, const QString &unit)
 {
-  const bool isSquare = variography.curveName == QLatin1String("Variogram");
-  if (unit.isEmpty() || !isSquare)
+  if (unit.isEmpty() || !variography.isVariogram)
     return variography.curveName;
   return QStringLiteral("%1 [%2]").arg(variography.curveName, '(' + unit + ')' + QChar(0xB2));
 }
@@ -254,7 +253,9 @@ Picture drawVariograms(const Variography &variography, const VariogramStyle &sty
   }
   if (variography.hasSill) {
     addSill(*plot, variography.sill);
-    addLegendEntry(*plot, QObject::tr("variance of the samples"),
+    addLegendEntry(*plot,
+                   variography.isVariogram ? QObject::tr("variance of the samples")
+                                           : QObject::tr("sill of the samples"),
                    QPen(QColor(90, 90, 90), 1., Qt::DashLine), false);
   }
   setUpLegend(*plot);

@@ -7,7 +7,6 @@
 #include "basic/base/NbbGlobal.h"
 #include "basic/data/NbdVariableDouble.h"
 #include "basic/error/NbeUserError.h"
-#include "basic/geom/NbgBox.h"
 #include "basic/interval/NbiIntervalIntLarge.h"
 #include "basic/provider/NbpMemoryProviderPointsW.h"
 #include "geos/data/NgdDataSetPoints.h"
@@ -84,10 +83,7 @@ NgdDataSetPoints makeOutput(const Job &job, const ValidationFile &file)
 /// All samples, wherever the target is.
 NgmNeighborhoodMoving everything(const Samples &samples)
 {
-  NbgBox box;
-  for (std::size_t i = 0; i < samples.x.size(); ++i)
-    box.extendWith(NbgVector3D(samples.x[i], samples.y[i], samples.z.empty() ? 0. : samples.z[i]));
-  const double radius = 2. * std::max(box.getSize().norm(), 1.);
+  const double radius = 2. * std::max(samples.getDiagonal(), 1.);
   NgmNeighborhoodMoving neighborhood;
   neighborhood.setEllipseSize(NbgVector3D(radius, radius, radius));
   neighborhood.setSectors(1, int(samples.getCount()), false);

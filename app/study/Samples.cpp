@@ -4,6 +4,7 @@
 #include "app/study/Job.h"
 #include "basic/base/NbbGlobal.h"
 #include "basic/error/NbeUserError.h"
+#include "basic/geom/NbgBox.h"
 #include "basic/geom/NbgEDimension.h"
 #include "basic/geom/NbgGeomPolyline.h"
 #include "basic/geom/NbgGeomPolylineSet.h"
@@ -128,6 +129,14 @@ qint64 countDuplicates(const Samples &samples)
 }
 
 }  // namespace
+
+double Samples::getDiagonal() const
+{
+  NbgBox box;
+  for (std::size_t i = 0; i < x.size(); ++i)
+    box.extendWith(NbgVector3D(x[i], y[i], z.empty() ? 0. : z[i]));
+  return box.getSize().norm();
+}
 
 Samples readSamples(const Job &job)
 {

@@ -28,6 +28,9 @@ struct Samples
   qint64 nDuplicates = 0;  ///< defined samples at the place of an earlier one
 
   qint64 getCount() const { return qint64(x.size()); }
+
+  /// Diagonal of the box around them; 0 when they lie at one place.
+  double getDiagonal() const;
 };
 
 /// Reads the samples from the job's data file. Undefined coordinates, a value that has no

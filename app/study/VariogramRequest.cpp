@@ -4,7 +4,6 @@
 #include "app/study/Samples.h"
 #include "basic/base/NbbGlobal.h"
 #include "basic/error/NbeUserError.h"
-#include "basic/geom/NbgBox.h"
 #include "geos/stats/NgmVariogramDirection.h"
 #include "geos/stats/NgmVariogramExp.h"
 
@@ -23,17 +22,9 @@ struct Lags
   int count;
 };
 
-double diagonalOf(const Samples &samples)
-{
-  NbgBox box;
-  for (std::size_t i = 0; i < samples.x.size(); ++i)
-    box.extendWith(NbgVector3D(samples.x[i], samples.y[i], samples.z.empty() ? 0. : samples.z[i]));
-  return box.getSize().norm();
-}
-
 Lags lagsOf(const VariogramRequest &request, const Samples &samples)
 {
-  const double diagonal = diagonalOf(samples);
+  const double diagonal = samples.getDiagonal();
   if (!request.lag && diagonal == 0.)
     throw NbeUserError(QObject::tr("all samples lie at one place; they have no variogram"));
   const NgmVariogramDirection usual(diagonal);

@@ -67,6 +67,7 @@ Variography computeVariograms(const Job &job, const Samples &samples,
   const NgmVariogramExpData &results = calculator.getResults();
   Variography variography;
   variography.curveName = request.curve.getLabel();
+  variography.isVariogram = request.curve == NgmEVarioExp::VARIOGRAM;
   variography.sill = sillOf(results, request.curve, statistics);
   variography.hasSill = NbbGlobal::isDefined(variography.sill);
   variography.lag = experiment.getDirection(0).getLagLong();

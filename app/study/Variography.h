@@ -29,9 +29,10 @@ struct VariogramCurve
 /// What the step of variography gave.
 struct Variography
 {
-  QString curveName;    ///< "Variogram", "Madogram" ...
-  bool hasSill = true;  ///< whether the curve is compared to a sill
-  double sill = 0.;     ///< variance of the samples, or what stands for it
+  QString curveName;        ///< "Variogram", "Madogram" ...
+  bool isVariogram = true;  ///< to which a model can be compared
+  bool hasSill = true;      ///< whether the curve is compared to a sill
+  double sill = 0.;         ///< variance of the samples, or what stands for it
   double lag = 0.;
   QVector<VariogramCurve> curves;
   QSharedPointer<NgmVariogramExpData> data;  ///< of which the curves are read

@@ -362,8 +362,16 @@ TEST(Program, ComputesVariograms)
     expectEqual(table.getNumber(5), reference["gamma"][lag]);
   }
   EXPECT_EQ(lag, 15u);
-  EXPECT_THAT(apptest::readFile(folder.path("out/v.svg")).toStdString(),
-              HasSubstr("variance of the samples"));
+  const std::string variogram = apptest::readFile(folder.path("out/v.svg")).toStdString();
+  EXPECT_THAT(variogram, HasSubstr("variance of the samples"));
+  EXPECT_THAT(variogram, HasSubstr(">model<"));
+
+  // The model is one of variograms, and is drawn with no other curve.
+  job.set("variogram.curve", "Madogram");
+  ASSERT_EQ(runProgram({"variogram", "--quiet", job.writeTo(folder)}).exitCode, 0);
+  const std::string madogram = apptest::readFile(folder.path("out/v.svg")).toStdString();
+  EXPECT_THAT(madogram, HasSubstr("Madogram"));
+  EXPECT_THAT(madogram, Not(HasSubstr(">model<")));
 }
 
 TEST(Program, ComputesVariogramsByDirections)

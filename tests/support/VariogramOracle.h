@@ -358,6 +358,18 @@ inline Data meuse(std::initializer_list<const char *> columns, bool logarithms)
   return data;
 }
 
+inline Data tiny(std::initializer_list<const char *> columns)
+{
+  const CsvFile file("tiny/points.csv");
+  Data data;
+  data.x = file["x"];
+  data.y = file["y"];
+  data.z.assign(data.x.size(), 0.);
+  for (const char *column : columns)
+    data.variables.push_back(file[column]);
+  return data;
+}
+
 inline NgmVariogramExp omni(int nVariables = 1, int nLags = 16, double lag = 100.)
 {
   NgmVariogramExp request(false);

@@ -96,13 +96,8 @@ TEST(NgcVariogramExp, CrossMissingAndIndicatorMeuseTablesAreMetExactly)
 
 TEST(NgcVariogramExp, TinyTableIsMetAtLagLimitsZeroDistanceAndEmptyLags)
 {
-  const CsvFile points("tiny/points.csv");
   const CsvFile file("tiny/vario_centred.csv");
-  Data data;
-  data.x = points["x"];
-  data.y = points["y"];
-  data.z.assign(data.x.size(), 0.);
-  data.variables = {points["z"], points["w"]};
+  Data data = tiny({"z", "w"});
   // A sample without z is left out altogether.
   for (int i = 0; i < data.count(); ++i) {
     if (!isDefined(data.variables[0][i]))

@@ -80,14 +80,8 @@ TEST(NgcVariogram, MeuseTablesAreMetExactly)
 
 TEST(NgcVariogram, TinyTableIsMetAtLagLimitsZeroDistanceAndEmptyLags)
 {
-  const CsvFile points("tiny/points.csv");
   const CsvFile file("tiny/vario_centred.csv");
-  Data data;
-  data.x = points["x"];
-  data.y = points["y"];
-  data.z.assign(data.x.size(), 0.);
-  data.variables = {points["z"]};
-  const NgmVariogramExpData results = compute(data, omni(1, 4));
+  const NgmVariogramExpData results = compute(tiny({"z"}), omni(1, 4));
   for (std::size_t first = 0; first < file["k"].size(); first += 4) {
     if (file["azimuth"][first] != -1.)
       continue;
