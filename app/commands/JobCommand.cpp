@@ -17,6 +17,7 @@ namespace {
 void parse(QCommandLineParser &parser, const QStringList &arguments, const QString &name)
 {
   parser.addOptions({{{QStringLiteral("q"), QStringLiteral("quiet")}, QString()},
+                     {QStringLiteral("overwrite"), QString()},
                      {QStringLiteral("threads"), QString(), QStringLiteral("N")},
                      {QStringLiteral("memory"), QString(), QStringLiteral("SIZE")},
                      {{QStringLiteral("h"), QStringLiteral("help")}, QString()}});
@@ -26,6 +27,8 @@ void parse(QCommandLineParser &parser, const QStringList &arguments, const QStri
 
 void applyOptions(const QCommandLineParser &parser, Job &job)
 {
+  if (parser.isSet(QStringLiteral("overwrite")))
+    job.output.overwrite = true;
   if (parser.isSet(QStringLiteral("threads"))) {
     bool isNumber = false;
     job.threads = parser.value(QStringLiteral("threads")).toInt(&isNumber);
@@ -50,6 +53,7 @@ QString JobCommand::getHelp() const
   return QObject::tr(
              "usage: orvenal %1 [OPTIONS] JOB.json\n\n%2\ndocs/job.md describes the job.\n\n"
              "  -q, --quiet       print nothing but errors\n"
+             "  --overwrite       replace files of an earlier run\n"
              "  --threads N       number of threads (default: all processors)\n"
              "  --memory SIZE     memory for the work, such as \"500 MB\" or 2GB (default: half of "
              "it)\n"

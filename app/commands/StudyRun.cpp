@@ -3,10 +3,9 @@
 #include "app/console/Console.h"
 #include "app/console/Interruption.h"
 #include "app/console/Progress.h"
-#include "app/io/CrossValidationCsvWriter.h"
-#include "app/io/GeoTiffWriter.h"
-#include "app/io/GridCsvWriter.h"
-#include "app/io/ModelJson.h"
+#include "app/io/CrossValidationTable.h"
+#include "app/io/GridWriter.h"
+#include "app/io/ModelFile.h"
 #include "app/io/SpatialReference.h"
 #include "app/io/VariogramCsvWriter.h"
 #include "app/plot/CrossValidationPicture.h"
@@ -14,6 +13,7 @@
 #include "app/plot/VariogramMapPicture.h"
 #include "app/plot/VariogramPicture.h"
 #include "app/report/Describe.h"
+#include "app/report/ResultTable.h"
 #include "app/report/StudyReport.h"
 #include "app/study/Statistics.h"
 #include "app/study/VariogramMap.h"
@@ -22,15 +22,15 @@
 #include "geos/data/NgdDataSetPoints.h"
 
 #include <QDir>
-#include <QJsonDocument>
 #include <QObject>
 
 namespace orvenal {
 
 StudyRun::StudyRun(const Job &job, const Steps &steps, Console &console)
-    : _steps(steps), _console(console), _context{console, job.threads, job.memory, [this] {
-                                                   _abandon();
-                                                 }}
+    : _steps(steps),
+      _console(console),
+      _files(job.output.overwrite ? OutputFiles::REPLACE : OutputFiles::REFUSE),
+      _context{console, job.threads, job.memory, [this] { _abandon(); }}
 {
   _result.job = job;
   _result.job.keepOutputsOf(steps);
@@ -70,8 +70,7 @@ void StudyRun::_abandon()
 
 void StudyRun::_reserveOutputs()
 {
-  for (const QString &file : _result.job.output.getFiles())
-    _files.reserve(file);
+  _files.reserve(_result.job.output.getFiles());
 }
 
 void StudyRun::_readData()
@@ -116,6 +115,7 @@ void StudyRun::_fitModel()
   if (!(_result.variography.sill > 0.))
     throw NbeUserError(QObject::tr("all values are equal; there is no model to fit"));
   _result.fit = fitModel(job, *_result.variography.data, _result.variography.sill, _context);
+  _result.fit->model = modelAsWritten(_result.fit->model, job.getNDimensions());
   job.model = _result.fit->model;
   job.hasModel = true;
   _console.print(QObject::tr("  fitted   %1").arg(Describe::model(job)));
@@ -229,16 +229,17 @@ void StudyRun::_writeFiles()
 {
   const JobOutput &output = _result.job.output;
   for (const QString &file : output.grids)
-    _writeGrid(file);
+    writeGrid(_files.getTemporaryPath(file), file,
+              gridTableOf(_result.job, _result.estimation->grid));
   if (!output.variogramTable.isEmpty())
     _files.write(output.variogramTable, variogramCsv(_result.variography));
   if (!output.fittedModel.isEmpty())
-    _files.write(
-        output.fittedModel,
-        QJsonDocument(modelToJson(_result.job.model, _result.job.getNDimensions())).toJson());
+    _files.write(output.fittedModel,
+                 modelToBytes(output.fittedModel, _result.job.model, _result.job.getNDimensions()));
   if (!output.crossValidationTable.isEmpty())
-    _files.write(output.crossValidationTable,
-                 crossValidationCsv(_result.crossValidation, _result.samples));
+    writeCrossValidation(_files.getTemporaryPath(output.crossValidationTable),
+                         output.crossValidationTable, _result.crossValidation, _result.samples,
+                         _result.job);
   _endStep(QObject::tr("Writing"));
   _result.warnings = _console.getWarnings();
   if (!output.report.isEmpty())
@@ -247,17 +248,6 @@ void StudyRun::_writeFiles()
   _files.commit();
   for (const QString &file : output.getFiles())
     _console.print(QObject::tr("written: %1").arg(QDir::current().relativeFilePath(file)));
-}
-
-void StudyRun::_writeGrid(const QString &file)
-{
-  const Job &job = _result.job;
-  const QString temporary = _files.getTemporaryPath(file);
-  if (file.endsWith(QLatin1String(".csv"), Qt::CaseInsensitive))
-    writeGridCsv(temporary, file, _result.estimation->grid);
-  else
-    writeGeoTiff(temporary, file, _result.estimation->grid, job.crs, Describe::estimateLabel(job),
-                 Describe::deviationLabel(job));
 }
 
 void StudyRun::_warnOfData()

@@ -2,6 +2,7 @@
 
 #include "app/io/GdalErrors.h"
 
+#include <cpl_conv.h>
 #include <ogr_spatialref.h>
 
 namespace orvenal {
@@ -50,6 +51,17 @@ QString SpatialReference::getUnitSymbol() const
       unit.startsWith(QLatin1String("meter"), Qt::CaseInsensitive))
     return QStringLiteral("m");
   return unit.contains(QLatin1String("foot"), Qt::CaseInsensitive) ? QStringLiteral("ft") : unit;
+}
+
+QString SpatialReference::toWkt() const
+{
+  static const char *const options[] = {"FORMAT=WKT2_2019", nullptr};
+  char *text = nullptr;
+  if (_reference)
+    _reference->exportToWkt(&text, options);
+  const QString wkt = QString::fromUtf8(text ? text : "");
+  CPLFree(text);
+  return wkt;
 }
 
 QString SpatialReference::getName() const

@@ -32,6 +32,9 @@ public:
   /// "Amersfoort / RD New"
   QString getName() const;
 
+  /// The whole reference as WKT (version 2:2019); empty for an invalid one.
+  QString toWkt() const;
+
   const OGRSpatialReference *get() const { return _reference.get(); }
 
 private:

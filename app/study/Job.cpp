@@ -38,6 +38,7 @@ Steps Job::getSteps() const
 void Job::keepOutputsOf(const Steps &steps)
 {
   JobOutput kept;
+  kept.overwrite = output.overwrite;
   if (steps.count(Step::VARIOGRAM)) {
     kept.variogramTable = output.variogramTable;
     kept.variogramPicture = output.variogramPicture;

@@ -54,6 +54,7 @@ struct JobOutput
   QString crossValidationTable;
   QString crossValidationPicture;
   QString report;
+  bool overwrite = false;  ///< files of an earlier run are replaced
 
   QStringList getFiles() const;
 };
