@@ -1,5 +1,6 @@
 #include "app/io/OutputFiles.h"
 
+#include "app/io/TextFile.h"
 #include "basic/error/NbeAssertion.h"
 #include "basic/error/NbeUserError.h"
 
@@ -82,10 +83,9 @@ QString OutputFiles::getTemporaryPath(const QString &path) const
 
 void OutputFiles::write(const QString &path, const QByteArray &content)
 {
-  QFile file(getTemporaryPath(path));
-  if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) ||
-      file.write(content) != content.size() || !file.flush())
-    failToWrite(path, file.errorString());
+  TextFile file(getTemporaryPath(path), path);
+  file.text() = content;
+  file.finish();
 }
 
 void OutputFiles::commit()

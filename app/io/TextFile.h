@@ -1,20 +1,22 @@
 #pragma once
 
 #include <QByteArray>
-#include <QFile>
 #include <QString>
 
 namespace orvenal {
 
-/// A text file that is written line by line, in constant memory. A failure is an NbeUserError that
+/// A file that is written piece by piece, in constant memory. A failure is an NbeUserError that
 /// names the file; a stop request is thrown as NbeException.
 class TextFile
 {
 public:
   /// `shownName` stands for the file in messages.
   TextFile(const QString &path, const QString &shownName);
+  ~TextFile();
+  TextFile(const TextFile &) = delete;
+  TextFile &operator=(const TextFile &) = delete;
 
-  /// Where the current line is composed, with its end.
+  /// Where the next piece is put at the end.
   QByteArray &text() { return _text; }
 
   /// To be called now and then; writes when enough has come together.
@@ -25,9 +27,10 @@ public:
 
 private:
   void _flush();
+  [[noreturn]] void _fail() const;
 
-  QFile _file;
   QString _shownName;
+  int _descriptor;
   QByteArray _text;
 };
 
