@@ -36,10 +36,12 @@ QJsonObject toJson(const NgmVModel &model, int nDimensions)
   return object;
 }
 
-QByteArray toBinary(const NgmVModel &model)
+/// The stream of a model does not say for how many dimensions it is.
+QByteArray toBinary(const NgmVModel &model, int nDimensions)
 {
   QByteArray body;
   QDataStream bodyStream(&body, QIODevice::WriteOnly);
+  bodyStream << quint32(nDimensions);
   model.serialize(bodyStream);
   QByteArray bytes = magic;
   QDataStream stream(&bytes, QIODevice::WriteOnly | QIODevice::Append);
@@ -81,9 +83,14 @@ NgmVModel fromBinary(const QByteArray &bytes, const QString &shownName)
     failDamaged(shownName, QObject::tr("its bytes do not have the sum that they should have"));
   NgmVModel model(1);
   QDataStream stream(body);
+  quint32 nDimensions = 0;
+  stream >> nDimensions;
+  if (nDimensions != 2 && nDimensions != 3)
+    failDamaged(shownName, QObject::tr("%1 dimensions").arg(nDimensions));
   try {
     model.unserialize(stream);
-  } catch (const NbeUserError &error) {
+    model.setContextNDim(int(nDimensions));
+  } catch (const NbeError &error) {
     failDamaged(shownName, error.getMessage());
   }
   return model;
@@ -142,7 +149,8 @@ QStringList modelEndings()
 
 QByteArray modelToBytes(const QString &file, const NgmVModel &model, int nDimensions)
 {
-  return isBinary(file) ? toBinary(model) : QJsonDocument(toJson(model, nDimensions)).toJson();
+  return isBinary(file) ? toBinary(model, nDimensions)
+                        : QJsonDocument(toJson(model, nDimensions)).toJson();
 }
 
 NgmVModel readModelFile(const QString &path, const QString &shownName, int nDimensions,

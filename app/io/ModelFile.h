@@ -12,8 +12,8 @@ namespace orvenal {
 /// program's own binary form.
 ///
 /// A binary file begins with the magic bytes \x89 O R V M D L \n, the version (quint32), the length
-/// of what follows (quint64) and its SHA-256 (32 bytes); then comes the model's stream. All numbers
-/// are big-endian.
+/// of what follows (quint64) and its SHA-256 (32 bytes); then come the number of dimensions
+/// (quint32) and the model's stream. All numbers are big-endian.
 QStringList modelEndings();
 
 /// The content of a file of that name. Both forms are read back to the same model.

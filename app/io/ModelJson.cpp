@@ -7,10 +7,11 @@
 #include "geos/vmodel/NgmVModel.h"
 
 #include <QJsonArray>
-#include <QVector>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <iterator>
 
 namespace orvenal {
 
@@ -39,32 +40,72 @@ double stepped(double value, int steps)
   return value;
 }
 
-/// The practical ranges from which the structure gets its scale and anisotropy to the bit, where
-/// there are such: they may lie a few last digits beside those that it computes.
-NbgVector3D exactRanges(const NgmAVStruct &structure, int nDimensions)
+/// Finds the practical ranges from which a structure gets its scale and anisotropy to the bit: they
+/// may lie a few last digits beside those that it computes.
+class ExactRanges
 {
-  const double sill = 1.;
-  NgmVModel probe(1);
-  probe.setContext(structure.getContext());
-  probe.addStructure(structure, NgmMatrix(1, &sill));
-  const NbgVector3D ranges = structure.getPracticalRanges();
-  const bool isRound = structure.getAnisotropy() == NbgVector3D::Unit;
-  const QVector<int> steps = {0, 1, -1, 2, -2};
-  const QVector<int> none = {0};
-  for (const int i : steps) {
-    for (const int j : isRound ? none : steps) {
-      for (const int k : isRound || nDimensions < 3 ? none : steps) {
-        const NbgVector3D tried(stepped(ranges.x(), i), stepped(ranges.y(), isRound ? i : j),
-                                stepped(ranges.z(), isRound ? i : k));
-        probe.setRanges(0, tried);
-        if (probe.getStructure(0).getTheoScaleFactor() == structure.getTheoScaleFactor() &&
-            probe.getStructure(0).getAnisotropy() == structure.getAnisotropy())
-          return tried;
-      }
+public:
+  ExactRanges(const NgmAVStruct &structure, int nDimensions)
+      : _structure(structure), _nDimensions(nDimensions)
+  {
+    const double sill = 1.;
+    _probe.setContext(structure.getContext());
+    _probe.addStructure(structure, NgmMatrix(1, &sill));
+  }
+
+  /// Those that the structure computes when there are none.
+  NbgVector3D find()
+  {
+    for (const int steps : nearSteps) {
+      NbgVector3D ranges = _structure.getPracticalRanges();
+      _move(1., steps, ranges);
+      if (_shapeOf(ranges).getTheoScaleFactor() == _structure.getTheoScaleFactor() &&
+          _findLonger(ranges))
+        return ranges;
+    }
+    return _structure.getPracticalRanges();
+  }
+
+private:
+  static constexpr int nearSteps[] = {0, 1, -1, 2, -2, 3, -3};
+
+  /// The ranges of the axes that have this coefficient.
+  void _move(double coefficient, int steps, NbgVector3D &ranges) const
+  {
+    for (int axis = 0; axis < _nDimensions; ++axis) {
+      if (_structure.getAnisotropy()[axis] == coefficient)
+        ranges[axis] = stepped(ranges[axis], steps);
     }
   }
-  return ranges;
-}
+
+  const NgmAVStruct &_shapeOf(const NbgVector3D &ranges)
+  {
+    _probe.setRanges(0, ranges);
+    return _probe.getStructure(0);
+  }
+
+  /// The ranges of all axes but the shortest.
+  bool _findLonger(NbgVector3D &ranges)
+  {
+    for (int axis = 0; axis < _nDimensions; ++axis) {
+      const double coefficient = _structure.getAnisotropy()[axis];
+      const bool isFound = std::any_of(std::begin(nearSteps), std::end(nearSteps), [&](int steps) {
+        NbgVector3D tried = ranges;
+        tried[axis] = stepped(tried[axis], coefficient == 1. ? 0 : steps);
+        const bool isExact = _shapeOf(tried).getAnisotropy()[axis] == coefficient;
+        ranges = isExact ? tried : ranges;
+        return isExact;
+      });
+      if (!isFound)
+        return false;
+    }
+    return true;
+  }
+
+  const NgmAVStruct &_structure;
+  int _nDimensions;
+  NgmVModel _probe{1};
+};
 
 /// Angles that are kept in the terms of a job stay as they are.
 NbgVector3D anglesOf(const NbgRotation &rotation)
@@ -76,7 +117,7 @@ NbgVector3D anglesOf(const NbgRotation &rotation)
 
 void addShape(const NgmAVStruct &structure, int nDimensions, QJsonObject &object)
 {
-  const NbgVector3D ranges = exactRanges(structure, nDimensions);
+  const NbgVector3D ranges = ExactRanges(structure, nDimensions).find();
   const bool isRound = ranges.x() == ranges.y() && (nDimensions < 3 || ranges.x() == ranges.z());
   if (isRound) {
     object.insert(QStringLiteral("range"), ranges.x());

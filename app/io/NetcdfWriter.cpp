@@ -11,6 +11,7 @@
 #include <QObject>
 #include <QStringList>
 
+#include <hdf5.h>
 #include <netcdf.h>
 #include <algorithm>
 #include <cerrno>
@@ -308,6 +309,11 @@ private:
 };
 
 }  // namespace
+
+void prepareNetcdf()
+{
+  H5dont_atexit();
+}
 
 void writeNetcdf(const QString &path, const QString &shownName, const GridTable &grid)
 {

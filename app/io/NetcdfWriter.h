@@ -6,6 +6,11 @@ namespace orvenal {
 
 struct GridTable;
 
+/// To be called before anything else of the program uses netCDF. The library under it, HDF5, tries
+/// again at the end of a process to write what it could not write, and crashes on a disk that is
+/// full; afterwards it does not.
+void prepareNetcdf();
+
 /// Writes a grid as netCDF (version 4) after the conventions CF-1.8.
 ///
 /// Shape: one variable of doubles per column, over the dimensions (z,) y, x with coordinate
