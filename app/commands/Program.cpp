@@ -2,6 +2,7 @@
 
 #include "app/commands/FitCommand.h"
 #include "app/commands/HelpCommand.h"
+#include "app/commands/HelpTopics.h"
 #include "app/commands/RunCommand.h"
 #include "app/commands/VariogramCommand.h"
 #include "app/commands/VersionCommand.h"
@@ -49,9 +50,14 @@ QString Program::getHelp() const
   for (const std::unique_ptr<Command> &command : _commands)
     text += QStringLiteral("  %1  %2\n")
                 .arg(command->getName().leftJustified(10), command->getSummary());
+  QStringList topics;
+  for (const HelpTopic &topic : helpTopics())
+    topics << topic.name;
   return text + QObject::tr(
                     "\nHelp on one of them: orvenal help COMMAND\n"
-                    "Exit codes: 0 done, 1 failed, 2 wrong use, 130 interrupted");
+                    "Help on a topic: orvenal help %1\n"
+                    "Exit codes: 0 done, 1 failed, 2 wrong use, 130 interrupted")
+                    .arg(topics.join(QStringLiteral(" | ")));
 }
 
 int Program::run(const QStringList &arguments, Console &console) const

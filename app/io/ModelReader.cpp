@@ -13,7 +13,8 @@
 
 #include <QObject>
 
-#include <memory>
+#include <cmath>
+#include <limits>
 
 namespace orvenal {
 
@@ -63,6 +64,22 @@ void readParameter(const JobObject &object, NgmVModel &model, int index)
   model.setAuxiliaryParameter(index, 0, value);
 }
 
+/// The library's reason without the place in its sources.
+QString reasonOf(const NbeError &error)
+{
+  return error.getMessage().section(QStringLiteral("\n\n"), -1).trimmed();
+}
+
+/// Up to what rounding makes of a zero.
+bool hasNegativeEigenvalue(const NgmMatrix &matrix)
+{
+  NgmMatrix values(false);
+  NgmMatrix vectors(false);
+  const double largest = matrix.eigenValues(values, vectors, false, false, 1);
+  const double rounding = matrix.getNRows() * std::numeric_limits<double>::epsilon();
+  return values(0, 0) < -rounding * std::abs(largest);
+}
+
 /// One number for one variable, else a symmetric matrix with a row per variable.
 NgmMatrix readSills(const JobObject &object, const QString &key, int nVariables)
 {
@@ -79,6 +96,9 @@ NgmMatrix readSills(const JobObject &object, const QString &key, int nVariables)
       sills.setElement(i, j, rows[std::size_t(i)][std::size_t(j)]);
     }
   }
+  if (hasNegativeEigenvalue(sills))
+    object.fail(key, QObject::tr("the matrix is not positive semi-definite: variables would vary "
+                                 "together more than each of them alone"));
   return sills;
 }
 
@@ -95,12 +115,6 @@ void readStructure(const JobObject &object, int nDimensions, NgmVModel &model)
   readParameter(object, model, index);  // the practical factor may depend on it
   model.setRanges(index, ranges);
   model.setRotation(index, readFrame(object, nDimensions, ranges.x() != ranges.y()));
-}
-
-/// The library's reason without the place in its sources.
-QString reasonOf(const NbeError &error)
-{
-  return error.getMessage().section(QStringLiteral("\n\n"), -1).trimmed();
 }
 
 }  // namespace
