@@ -17,7 +17,6 @@
 #include "app/report/StudyReport.h"
 #include "app/study/Statistics.h"
 #include "app/study/VariogramMap.h"
-#include "basic/error/NbeUserError.h"
 #include "basic/provider/NbpMemoryProviderPointsW.h"
 #include "geos/data/NgdDataSetPoints.h"
 
@@ -52,6 +51,8 @@ void StudyRun::run()
   if (_isToDo(Step::KRIGING))
     _krige();
   _console.print('\n' + textStatistics(_result) + '\n');
+  if (_result.job.hasModel && _result.job.getNVariables() > 1)
+    _console.print(textSills(_result.job) + '\n');
   if (_isToDo(Step::VARIOGRAM))
     _console.print(textVariograms(_result.variography, _result.job) + '\n');
   if (_isToDo(Step::CROSS_VALIDATION))
@@ -133,10 +134,9 @@ void StudyRun::_drawVariogramMap(const VariogramStyle &style)
     _writePicture(job.output.variogramMap, picture);
   }
   if (!job.output.variogramCloud.isEmpty()) {
-    const Picture picture =
-        drawVariogramCloud(computeVariogramCloud(job, _result.samples, _samples,
-                                                 _result.variableStatistics, _context),
-                           style);
+    const Picture picture = drawVariogramCloud(
+        computeVariogramCloud(job, _result.samples, _samples, _result.variableStatistics, _context),
+        style);
     _result.variogramCloud = picture.toPng();
     _writePicture(job.output.variogramCloud, picture);
   }
@@ -232,7 +232,7 @@ void StudyRun::_writeFiles()
   for (const QString &file : output.grids)
     _writeGrid(file);
   if (!output.variogramTable.isEmpty())
-    _files.write(output.variogramTable, variogramCsv(_result.variography));
+    _files.write(output.variogramTable, variogramCsv(_result.variography, _result.job));
   if (!output.fittedModel.isEmpty())
     _files.write(
         output.fittedModel,

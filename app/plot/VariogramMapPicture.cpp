@@ -61,8 +61,8 @@ Picture drawVariogramMap(const VariogramMap &map, const VariogramStyle &style)
                        axisLabel(QObject::tr("North"), style.lengthUnit));
   const QCPRange range(-map.radius, map.radius);
   setRanges(*plot, range, range);
-  QCPColorMap &cells =
-      addCells(*plot, map.nPixels, map.nPixels, squared(QObject::tr("Variogram"), style.variables.first().unit));
+  QCPColorMap &cells = addCells(*plot, map.nPixels, map.nPixels,
+                                squared(QObject::tr("Variogram"), style.variables.first().unit));
   cells.data()->setRange(range, range);
   double largest = 0.;
   for (int row = 0; row < map.nPixels; ++row) {

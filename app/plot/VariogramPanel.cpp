@@ -1,6 +1,5 @@
 #include "app/plot/VariogramPanel.h"
 
-#include "app/study/Job.h"
 #include "app/study/Variography.h"
 #include "geos/vmodel/NgmAVStruct.h"
 #include "geos/vmodel/NgmVModel.h"

@@ -2,7 +2,6 @@
 
 #include "app/plot/PlotStyle.h"
 #include "app/plot/VariogramPanel.h"
-#include "app/study/Job.h"
 #include "app/study/Variography.h"
 
 #include <QObject>
@@ -40,9 +39,8 @@ void addLegendEntry(QCustomPlot &plot, const QString &name, const QPen &pen, boo
 
 void addSillEntry(QCustomPlot &plot, const Variography &variography)
 {
-  const bool hasSill =
-      std::any_of(variography.sets.begin(), variography.sets.end(),
-                  [](const VariogramSet &set) { return set.hasSill; });
+  const bool hasSill = std::any_of(variography.sets.begin(), variography.sets.end(),
+                                   [](const VariogramSet &set) { return set.hasSill; });
   QString name = QObject::tr("sill of the samples");
   if (variography.isVariogram)
     name = variography.nVariables == 1 ? QObject::tr("variance of the samples")
@@ -57,7 +55,7 @@ void addLegendEntries(QCustomPlot &plot, const Variography &variography,
   if (style.model && isIsotropic(*style.model, style.nDimensions)) {
     addLegendEntry(plot, QObject::tr("model"), modelPen(QColor(60, 60, 60)), false);
     if (variography.nVariables > 1)
-      addLegendEntry(plot, QObject::tr("limits of the model"), limitPen(), false);
+      addLegendEntry(plot, QObject::tr("limits of cross variograms"), limitPen(), false);
   }
   const QVector<VariogramCurve> &curves = variography.sets.first().curves;
   for (int i = 0; i < curves.size(); ++i)
@@ -75,9 +73,9 @@ QString productOf(const QString &a, const QString &b)
 
 QString unitOf(const VariogramSet &set, const Variography &variography, const VariogramStyle &style)
 {
-  return variography.isVariogram ? productOf(style.variables[set.first].unit,
-                                             style.variables[set.second].unit)
-                                 : QString();
+  return variography.isVariogram
+             ? productOf(style.variables[set.first].unit, style.variables[set.second].unit)
+             : QString();
 }
 
 QString remarkOf(const Variography &variography, const VariogramStyle &style, bool hasNumbers)
@@ -135,34 +133,33 @@ QSize panelSize(int nVariables)
   return QSize(width, width * 2 / 3);
 }
 
-QString panelTitle(const VariogramSet &set, const Variography &variography,
-                   const VariogramStyle &style)
+QString panelTitle(const VariogramSet &set, const VariogramStyle &style)
 {
   const QString first = style.variables[set.first].name;
-  const QString name = set.isCross() ? QStringLiteral("%1 %2 %3").arg(
-                                           style.variables[set.second].name, QChar(0xD7), first)
-                                     : first;
-  return axisLabel(name, unitOf(set, variography, style));
+  const QString name =
+      set.isCross()
+          ? QStringLiteral("%1 %2 %3").arg(style.variables[set.second].name, QChar(0xD7), first)
+          : first;
+  return name;
 }
 
-/// A plot area under its title, in its row and column of the matrix.
-QCPAxisRect &addArea(QCustomPlot &plot, QCPLayoutGrid &matrix, const VariogramSet &set,
-                     const QString &title, const QSize &size)
+/// Puts a plot area under its title, in its row and column of the matrix.
+void placeArea(QCPAxisRect &area, const VariogramSet &set, const QString &title, const QSize &size,
+               QCPLayoutGrid &matrix)
 {
   const QFont font = fontOf(9);
   const QString shown = QFontMetricsF(font).elidedText(title, Qt::ElideMiddle, size.width() + 30);
-  auto *text = new QCPTextElement(&plot, shown, font);
-  text->setMargins(QMargins(0, 4, 0, 0));
+  auto *text = new QCPTextElement(area.parentPlot(), shown, font);
+  text->setMargins(QMargins(0, 6, 0, 0));
   matrix.addElement(2 * set.second, set.first, text);
-  auto *area = set.second == 0 ? plot.axisRect() : new QCPAxisRect(&plot);
-  area->setSizeConstraintRect(QCPLayoutElement::scrInnerRect);
-  area->setMinimumSize(size);
-  area->setMaximumSize(size);
-  matrix.addElement(2 * set.second + 1, set.first, area);
-  return *area;
+  area.setSizeConstraintRect(QCPLayoutElement::scrInnerRect);
+  area.setMinimumSize(size);
+  area.setMaximumSize(size);
+  area.setMinimumMargins(QMargins(0, 3, 14, 0));
+  matrix.addElement(2 * set.second + 1, set.first, &area);
 }
 
-void styleArea(QCPAxisRect &area, const QString &xLabel)
+void styleArea(QCPAxisRect &area, const QString &xLabel, const QString &yLabel)
 {
   area.setupFullAxesBox();
   for (const QCPAxis::AxisType type : {QCPAxis::atTop, QCPAxis::atRight}) {
@@ -171,11 +168,9 @@ void styleArea(QCPAxisRect &area, const QString &xLabel)
   }
   for (const QCPAxis::AxisType type : {QCPAxis::atBottom, QCPAxis::atLeft}) {
     QCPAxis &axis = *area.axis(type);
-    styleAxis(axis, type == QCPAxis::atBottom ? xLabel : QString());
+    styleAxis(axis, type == QCPAxis::atBottom ? xLabel : yLabel);
     axis.setTickLabelFont(fontOf(8));
     axis.setLabelFont(fontOf(9));
-    axis.setLayer(QStringLiteral("axes"));
-    axis.grid()->setLayer(QStringLiteral("grid"));
   }
 }
 
@@ -197,25 +192,32 @@ Picture drawMatrix(const Variography &variography, const VariogramStyle &style)
   auto plot = std::make_unique<QCustomPlot>();
   auto *matrix = new QCPLayoutGrid;
   const double width = variography.nVariables * (size.width() + 60.);
-  plot->plotLayout()->take(plot->axisRect());
+  QCPAxisRect *const firstArea = plot->axisRect();
+  plot->plotLayout()->take(firstArea);
   plot->plotLayout()->addElement(0, 0, matrix);
   addText(*plot, style.title, fontOf(13, true), width);
   addText(*plot, remarkOf(variography, style, false), fontOf(9), width);
   const double distance = largestDistanceOf(variography);
+  QVector<QCPMarginGroup *> columns;
+  for (int i = 0; i < variography.nVariables; ++i)
+    columns << new QCPMarginGroup(plot.get());
   for (const VariogramSet &set : variography.sets) {
     const bool isLast = set.second == variography.nVariables - 1;
-    QCPAxisRect &area =
-        addArea(*plot, *matrix, set, panelTitle(set, variography, style), size);
-    styleArea(area, isLast ? axisLabel(QObject::tr("Distance"), style.lengthUnit) : QString());
+    QCPAxisRect &area = set.second == 0 ? *firstArea : *new QCPAxisRect(plot.get());
+    placeArea(area, set, panelTitle(set, style), size, *matrix);
+    styleArea(area, isLast ? axisLabel(QObject::tr("Distance"), style.lengthUnit) : QString(),
+              unitOf(set, variography, style));
+    area.setMarginGroup(QCP::msLeft, columns[set.first]);
     drawPanel({area, set, style, 4.5, false}, distance);
     setTicks(*area.axis(QCPAxis::atBottom), size.width(), 75.);
     setTicks(*area.axis(QCPAxis::atLeft), size.height(), 45.);
   }
   addLegendEntries(*plot, variography, style);
-  setUpMatrixLegend(*plot, *plot->axisRect());
+  setUpMatrixLegend(*plot, *firstArea);
   plot->setViewport(QRect(QPoint(0, 0), QSize(int(width), int(width))));
   plot->replot(QCustomPlot::rpImmediateRefresh);
-  return Picture(std::move(plot), plot->plotLayout()->minimumOuterSizeHint());
+  const QSize whole = plot->plotLayout()->minimumOuterSizeHint();
+  return Picture(std::move(plot), whole);
 }
 
 }  // namespace

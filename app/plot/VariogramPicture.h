@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/plot/Picture.h"
+#include "app/study/Job.h"
 
 #include <QList>
 #include <QString>
@@ -9,7 +10,6 @@ class NgmVModel;
 
 namespace orvenal {
 
-struct JobVariable;
 struct Variography;
 
 /// What a picture of variograms shows besides the curves.

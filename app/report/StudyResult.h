@@ -22,8 +22,8 @@ struct StudyResult
   Samples samples;
   NbcStatMono sampleStatistics;                  ///< of the variable to estimate
   NgmMultivariateStatistics variableStatistics;  ///< of it and its covariates
-  qint64 nMaskOutside = 0;  ///< points of the mask's file outside the grid
-  Variography variography;  ///< empty without that step
+  qint64 nMaskOutside = 0;                       ///< points of the mask's file outside the grid
+  Variography variography;                       ///< empty without that step
   std::optional<ModelFit> fit;
   QByteArray variogramPicture;  ///< PNG, as all pictures
   QByteArray variogramMap;      ///< where they were asked for

@@ -32,8 +32,9 @@ QString noPairs(const Job &job, const VariogramSet &set)
   if (!set.isCross())
     return QObject::tr("no lag of the variogram of \"%1\" holds a pair; no model can be fitted")
         .arg(job.getVariable(set.first).name);
-  return QObject::tr("no lag holds a pair of samples with both \"%1\" and \"%2\"; no model can be "
-                     "fitted to their cross variogram")
+  return QObject::tr(
+             "no lag holds a pair of samples with both \"%1\" and \"%2\"; no model can be "
+             "fitted to their cross variogram")
       .arg(job.getVariable(set.first).name, job.getVariable(set.second).name);
 }
 
