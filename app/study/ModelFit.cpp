@@ -1,5 +1,6 @@
 #include "app/study/ModelFit.h"
 
+#include "app/study/Coregionalization.h"
 #include "app/study/Job.h"
 #include "app/study/RunContext.h"
 #include "app/study/Variography.h"
@@ -10,6 +11,8 @@
 #include "geos/stats/NgmVariogramExpData.h"
 
 #include <QObject>
+
+#include <cmath>
 
 namespace orvenal {
 
@@ -51,19 +54,55 @@ void check(const Job &job, const Variography &variography, const NgmMatrix &vari
   }
 }
 
+QVector<double> deviationsOf(const NgmMatrix &variances)
+{
+  QVector<double> deviations;
+  for (int i = 0; i < variances.getNRows(); ++i)
+    deviations << std::sqrt(variances(i, i));
+  return deviations;
+}
+
+/// The variograms of the variables divided by their units.
+NgmVariogramExpData withoutUnits(const Variography &variography, const QVector<double> &units)
+{
+  constexpr auto curve = NgmEVarioExp::EValue::VARIOGRAM;
+  NgmVariogramExpData data = *variography.data;
+  for (int direction = 0; direction < data.getNDirections(); ++direction) {
+    for (const VariogramSet &set : variography.sets) {
+      QVector<double> values = data.getVarioColumn(direction, curve, set.first, set.second);
+      for (double &value : values)
+        value /= units[set.first] * units[set.second];
+      data.setVarioValues(direction, curve, set.first, set.second, values.size(),
+                          values.constData());
+    }
+  }
+  return data;
+}
+
+NgmMatrix identity(int n)
+{
+  NgmMatrix matrix(n, n, true);
+  for (int i = 0; i < n; ++i)
+    matrix.setElement(i, i, 1.);
+  return matrix;
+}
+
 }  // namespace
 
 ModelFit fitModel(const Job &job, const Variography &variography, const NgmMatrix &variances,
                   const RunContext &context)
 {
   check(job, variography, variances);
+  const QVector<double> units = deviationsOf(variances);
   NgmVModelAutoFitting fitting;
-  fitting.setVariogramExp(*variography.data, NgmEVarioExp::VARIOGRAM);
+  fitting.setVariogramExp(withoutUnits(variography, units), NgmEVarioExp::VARIOGRAM);
   fitting.setInitialModel(initialModel(job));
-  fitting.setVarianceCovarianceMatrix(variances);
+  fitting.setVarianceCovarianceMatrix(identity(job.getNVariables()));
   context.run(fitting, QObject::tr("Fitting"), 1, QObject::tr("model"), RunContext::SIDE_STEP);
   ModelFit fit;
   fit.model = fitting.getFittedModel();
+  Coregionalization::stabilize(fit.model);
+  Coregionalization::rescale(fit.model, units);
   fit.hasConverged = fitting.hasConverged();
   fit.score = fitting.getGOF();
   return fit;
