@@ -4,6 +4,7 @@
 #include "app/study/Job.h"
 #include "app/study/Samples.h"
 #include "app/study/Variography.h"
+#include "geos/stats/NgmMultivariateStatistics.h"
 
 #include <QByteArray>
 #include <QPair>
@@ -19,9 +20,10 @@ struct StudyResult
 {
   Job job;
   Samples samples;
-  NbcStatMono sampleStatistics;
-  qint64 nMaskOutside = 0;  ///< points of the mask's file outside the grid
-  Variography variography;  ///< empty without that step
+  NbcStatMono sampleStatistics;                  ///< of the variable to estimate
+  NgmMultivariateStatistics variableStatistics;  ///< of it and its covariates
+  qint64 nMaskOutside = 0;                       ///< points of the mask's file outside the grid
+  Variography variography;                       ///< empty without that step
   std::optional<ModelFit> fit;
   QByteArray variogramPicture;  ///< PNG, as all pictures
   QByteArray variogramMap;      ///< where they were asked for
