@@ -1,7 +1,6 @@
 #include "app/io/CsvReader.h"
 
 #include "app/console/Interruption.h"
-#include "app/io/Suggestion.h"
 #include "basic/base/NbbGlobal.h"
 #include "basic/error/NbeUserError.h"
 
@@ -74,10 +73,15 @@ QString separatorName(char separator)
   }
 }
 
+QString lineName(qint64 line)
+{
+  return QObject::tr("line %1").arg(line);
+}
+
 }  // namespace
 
-CsvReader::CsvReader(const QString &path, const QString &shownName, const CsvFormat &format)
-    : _shownName(shownName),
+CsvReader::CsvReader(const QString &path, const QString &shownName, const TableFormat &format)
+    : TableReader(shownName),
       _separator(format.separator),
       _decimal(format.decimal),
       _file(path),
@@ -90,25 +94,13 @@ CsvReader::CsvReader(const QString &path, const QString &shownName, const CsvFor
   _setUndefined(format.undefined);
 }
 
-int CsvReader::findColumn(const QString &name, const QString &wantedBy) const
-{
-  const int column = _columns.indexOf(name);
-  if (column < 0)
-    _failAt(1, QObject::tr("there is no column \"%1\" (%2)%3; columns: %4")
-                   .arg(name, wantedBy, didYouMean(name, _columns), quotedList(_columns)));
-  if (_columns.lastIndexOf(name) != column)
-    _failAt(1,
-            QObject::tr("the column name \"%1\" (%2) stands more than once").arg(name, wantedBy));
-  return column;
-}
-
 bool CsvReader::next()
 {
   if (!_readRecord())
     return false;
-  if (int(_fields.size()) != _columns.size())
+  if (int(_fields.size()) != getColumns().size())
     fail(QObject::tr("%1 fields, but the header has %2 columns (separated by %3)")
-             .arg(QString::number(_fields.size()), QString::number(_columns.size()),
+             .arg(QString::number(_fields.size()), QString::number(getColumns().size()),
                   separatorName(_separator)));
   return true;
 }
@@ -129,28 +121,33 @@ double CsvReader::getNumber(int column) const
   return value;
 }
 
-void CsvReader::fail(int column, const QString &message) const
+QString CsvReader::getText(int column) const
 {
-  fail(QObject::tr("column %1 (\"%2\"): ").arg(QString::number(column + 1), _columns[column]) +
-       message);
+  return toText(getField(column));
 }
 
-void CsvReader::fail(const QString &message) const
+QString CsvReader::_getPlace() const
 {
-  _failAt(_recordLine, message);
+  return lineName(_recordLine);
+}
+
+QString CsvReader::_getHeaderPlace() const
+{
+  return lineName(1);
 }
 
 void CsvReader::_openFile()
 {
   if (!_file.open(QIODevice::ReadOnly))
-    throw NbeUserError(QObject::tr("%1: cannot be read: %2").arg(_shownName, _file.errorString()));
+    throw NbeUserError(
+        QObject::tr("%1: cannot be read: %2").arg(_getShownName(), _file.errorString()));
   if (!_fill())
-    throw NbeUserError(QObject::tr("%1: the file is empty").arg(_shownName));
+    throw NbeUserError(QObject::tr("%1: the file is empty").arg(_getShownName()));
   const auto startsWith = [this](const char *bytes, std::size_t n) {
     return _available >= n && std::memcmp(_chunk.data(), bytes, n) == 0;
   };
   if (startsWith("\xFF\xFE", 2) || startsWith("\xFE\xFF", 2))
-    _failAt(1, QObject::tr("the file is UTF-16 text; save it as UTF-8"));
+    _failAtLine(1, QObject::tr("the file is UTF-16 text; save it as UTF-8"));
   if (startsWith("\xEF\xBB\xBF", 3))
     _position = 3;
 }
@@ -181,11 +178,13 @@ void CsvReader::_readHeader()
   if (_separator == _decimal)
     throw NbeUserError(
         QObject::tr("%1: the fields are separated by %2, which cannot be the decimal mark too")
-            .arg(_shownName, separatorName(_separator)));
+            .arg(_getShownName(), separatorName(_separator)));
   if (!_readRecord())
-    throw NbeUserError(QObject::tr("%1: the file has no header line").arg(_shownName));
+    throw NbeUserError(QObject::tr("%1: the file has no header line").arg(_getShownName()));
+  QStringList columns;
   for (const std::string_view &field : _fields)
-    _columns << toText(field);
+    columns << toText(field);
+  _setColumns(columns);
 }
 
 bool CsvReader::_fill()
@@ -193,7 +192,8 @@ bool CsvReader::_fill()
   Interruption::check();
   const qint64 n = _file.read(_chunk.data(), qint64(_chunk.size()));
   if (n < 0)
-    throw NbeUserError(QObject::tr("%1: cannot be read: %2").arg(_shownName, _file.errorString()));
+    throw NbeUserError(
+        QObject::tr("%1: cannot be read: %2").arg(_getShownName(), _file.errorString()));
   _position = 0;
   _available = std::size_t(n);
   return n > 0;
@@ -393,9 +393,9 @@ void CsvReader::_failNumber(int column) const
   fail(column, QObject::tr("\"%1\" is not a number").arg(shown(field)) + hint);
 }
 
-void CsvReader::_failAt(qint64 line, const QString &message) const
+void CsvReader::_failAtLine(qint64 line, const QString &message) const
 {
-  throw NbeUserError(QObject::tr("%1, line %2: ").arg(_shownName, QString::number(line)) + message);
+  _failAt(lineName(line), message);
 }
 
 }  // namespace orvenal

@@ -1,28 +1,14 @@
 #pragma once
 
+#include "app/io/TableReader.h"
+
 #include <QFile>
-#include <QString>
-#include <QStringList>
 
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace orvenal {
-
-/// How a text table is written.
-struct CsvFormat
-{
-  /// ',', ';', tab or ' ' (any number of blanks); 0 finds out from the header.
-  char separator = 0;
-
-  /// '.' or ','.
-  char decimal = '.';
-
-  /// Texts that stand for an undefined value. One that is a number stands for all its spellings
-  /// ("-999" for -999.0).
-  QStringList undefined = {QString(), QStringLiteral("NA")};
-};
 
 /// Reads a text table (CSV) with a header line strictly, record by record, in constant memory.
 ///
@@ -33,21 +19,15 @@ struct CsvFormat
 /// Errors are NbeUserErrors that name file, line (of the record's start) and column: a file that
 /// cannot be read or has no header, records of another length than the header, text where a number
 /// is asked for, numbers that are not finite or not below 1e30 in size.
-class CsvReader
+class CsvReader : public TableReader
 {
 public:
   /// Opens the file and reads its header. `shownName` stands for the file in messages.
-  CsvReader(const QString &path, const QString &shownName, const CsvFormat &format);
+  CsvReader(const QString &path, const QString &shownName, const TableFormat &format);
 
-  const QStringList &getColumns() const { return _columns; }
   char getSeparator() const { return _separator; }
 
-  /// The index of a column. When it is missing, the message lists those that exist; `wantedBy` says
-  /// who asked.
-  int findColumn(const QString &name, const QString &wantedBy) const;
-
-  /// Goes to the next record; false at the end of the file.
-  bool next();
+  bool next() override;
 
   /// Line on which the current record begins, from 1.
   qint64 getLine() const { return _recordLine; }
@@ -55,12 +35,12 @@ public:
   /// A field of the current record, blanks around it dropped.
   std::string_view getField(int column) const { return _fields[std::size_t(column)]; }
 
-  /// The number in a field, NbbGlobal::D_FFFF when it is undefined.
-  double getNumber(int column) const;
+  double getNumber(int column) const override;
+  QString getText(int column) const override;
 
-  /// Throws the error of a field of the current record, or of the record.
-  [[noreturn]] void fail(int column, const QString &message) const;
-  [[noreturn]] void fail(const QString &message) const;
+protected:
+  QString _getPlace() const override;
+  QString _getHeaderPlace() const override;
 
 private:
   struct Slice
@@ -88,14 +68,12 @@ private:
   bool _isUndefined(std::string_view field, bool isNumber, double value) const;
   bool _parse(std::string_view field, double &value) const;
   [[noreturn]] void _failNumber(int column) const;
-  [[noreturn]] void _failAt(qint64 line, const QString &message) const;
+  [[noreturn]] void _failAtLine(qint64 line, const QString &message) const;
 
-  QString _shownName;
   char _separator;
   char _decimal;
   std::vector<std::string> _undefinedTexts;
   std::vector<double> _undefinedNumbers;
-  QStringList _columns;
 
   QFile _file;
   std::vector<char> _chunk;

@@ -10,6 +10,12 @@
 
 namespace orvenal {
 
+/// A key of a job as text.
+inline QString key(const char *name)
+{
+  return QString::fromLatin1(name);
+}
+
 /// An object of a job file that knows its place, and reads its members with their types.
 ///
 /// Every error is a UsageError that names the file and the JSON path of the value

@@ -11,11 +11,6 @@ namespace orvenal {
 
 namespace {
 
-QString key(const char *name)
-{
-  return QString::fromLatin1(name);
-}
-
 QStringList modes()
 {
   return {key("ordinary"), key("simple"), key("drift"), key("rescaled")};

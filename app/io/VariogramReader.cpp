@@ -11,11 +11,6 @@ namespace {
 constexpr int mostLags = 10000;
 constexpr int mostDirections = 180;
 
-QString key(const char *name)
-{
-  return QString::fromLatin1(name);
-}
-
 /// Curves that say something of two variables only.
 bool comparesVariables(const NgmEVarioExp &curve)
 {

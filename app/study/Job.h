@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/io/CsvReader.h"
+#include "app/io/TableReader.h"
 #include "app/study/CrossValidation.h"
 #include "app/study/KrigingRequest.h"
 #include "app/study/ModelFit.h"
@@ -24,7 +24,7 @@ struct JobTable
   QString file;   ///< absolute path
   QString shown;  ///< as the job names it
   QString path;   ///< JSON path of the object that describes it
-  CsvFormat format;
+  TableFormat format;
   QString x;
   QString y;
   QString z;  ///< empty in two dimensions
