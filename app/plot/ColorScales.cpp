@@ -11,8 +11,8 @@
 
 namespace orvenal {
 
-/// Matplotlib's viridis (Smith and van der Walt, 2015) and cividis (Nunez et al., 2018); the last one
-/// is ColorBrewer's PuOr (Brewer, 2003), from purple below to orange above.
+/// Matplotlib's viridis (Smith and van der Walt, 2015) and cividis (Nunez et al., 2018); the last
+/// one is ColorBrewer's PuOr (Brewer, 2003), from purple below to orange above.
 QCPColorGradient gradientOf(ColorScale scale)
 {
   static const QStringList viridis = {"#440154", "#482878", "#3e4989", "#31688e", "#26828e",
@@ -59,8 +59,9 @@ ColorRange colorRangeOf(const std::vector<double> &values)
 
 QString remarkOf(const ColorRange &range)
 {
-  return range.isCut ? QObject::tr("The colours end at the quantiles of 1 % and 99 %; the values "
-                                   "beyond have the colour of the end.")
+  return range.isCut ? QObject::tr(
+                           "The colours end at the quantiles of 1 % and 99 %; the values "
+                           "beyond have the colour of the end.")
                      : QString();
 }
 

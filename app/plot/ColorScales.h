@@ -20,8 +20,8 @@ struct ColorRange
   bool isCut = false;  ///< extreme values lie outside and have the colour of the end
 };
 
-/// From the least to the largest defined value. When a few extreme ones would take more than half of
-/// the colours, the range ends at the quantiles of 1 % and 99 %. A constant gets some room.
+/// From the least to the largest defined value. When a few extreme ones would take more than half
+/// of the colours, the range ends at the quantiles of 1 % and 99 %. A constant gets some room.
 ColorRange colorRangeOf(const std::vector<double> &values);
 
 /// What a cut range has to be told to a reader; empty when it is not cut.

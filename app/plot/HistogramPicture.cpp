@@ -105,9 +105,9 @@ void drawClasses(PanelSheet &sheet, const Distribution &distribution, double mea
   const double most =
       std::max(*std::max_element(counts.begin(), counts.end()),
                endCounts.isEmpty() ? 0. : *std::max_element(endCounts.begin(), endCounts.end()));
-  QCPAxisRect &area = sheet.add(
-      squarePanel(valueLabel, QObject::tr("Samples"),
-                  QCPRange(range.lower - room, range.upper + room), QCPRange(0., 1.06 * most)));
+  QCPAxisRect &area = sheet.add(squarePanel(valueLabel, QObject::tr("Samples"),
+                                            QCPRange(range.lower - room, range.upper + room),
+                                            QCPRange(0., 1.06 * most)));
   addBars(area, places, counts, histogram.width, barColor);
   addBars(area, endPlaces, endCounts, wide, beyondColor);
   addVertical(area, mean, Qt::SolidLine);
@@ -184,11 +184,10 @@ QString shown(double value)
 void addStatistics(PanelSheet &sheet, const Distribution &distribution,
                    const NbcStatMono &statistics)
 {
-  const QStringList names = {QObject::tr("count"),    QObject::tr("mean"),
-                             QObject::tr("std. dev."), QObject::tr("minimum"),
-                             QObject::tr("lower quartile"), QObject::tr("median"),
-                             QObject::tr("upper quartile"), QObject::tr("maximum"),
-                             QObject::tr("skewness")};
+  const QStringList names = {
+      QObject::tr("count"),          QObject::tr("mean"),           QObject::tr("std. dev."),
+      QObject::tr("minimum"),        QObject::tr("lower quartile"), QObject::tr("median"),
+      QObject::tr("upper quartile"), QObject::tr("maximum"),        QObject::tr("skewness")};
   const bool isConstant = !(statistics.getMaximum() > statistics.getMinimum());
   const QStringList values = {Progress::grouped(statistics.getNDefined()),
                               shown(statistics.getMean()),
@@ -205,7 +204,8 @@ void addStatistics(PanelSheet &sheet, const Distribution &distribution,
 QString remarkOf(const Distribution &distribution, const NbcStatMono &statistics)
 {
   const Histogram &histogram = distribution.histogram;
-  QStringList remarks = {QObject::tr("%1 values.").arg(Progress::grouped(statistics.getNDefined()))};
+  QStringList remarks = {
+      QObject::tr("%1 values.").arg(Progress::grouped(statistics.getNDefined()))};
   const qint64 nUndefined = statistics.getNTotal() - statistics.getNDefined();
   if (nUndefined > 0)
     remarks << QObject::tr("%1 undefined.").arg(Progress::grouped(nUndefined));
@@ -216,8 +216,9 @@ QString remarkOf(const Distribution &distribution, const NbcStatMono &statistics
   if (histogram.nAbove > 0)
     remarks << QObject::tr("Orange: %1 above %2.")
                    .arg(Progress::grouped(histogram.nAbove), shown(histogram.getUpper()));
-  remarks << QObject::tr("Right: Gaussian values lie on a straight line; dashed: through the "
-                         "quartiles.");
+  remarks << QObject::tr(
+      "Right: Gaussian values lie on a straight line; dashed: through the "
+      "quartiles.");
   return remarks.join(' ');
 }
 

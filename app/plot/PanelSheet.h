@@ -56,7 +56,7 @@ private:
   QCPLayoutGrid *_body;
   QVector<QCPLayoutGrid *> _rows;  ///< of areas
   QCPLayoutGrid *_row = nullptr;   ///< the last one
-  QSize _rowSize;  ///< room that the row's areas take, with their labels
+  QSize _rowSize;                  ///< room that the row's areas take, with their labels
   int _nInRow = 0;
   QVector<QCPMarginGroup *> _groups;  ///< areas above each other begin at one place
 };

@@ -23,8 +23,8 @@ QString wrapped(const QString &text, const QFont &font, double width);
 
 void styleAxis(QCPAxis &axis, const QString &label);
 
-/// Ticks that leave room between their labels, with the decimals that tell them apart, and the label
-/// of the axis broken to its length; to be called when the range and the label are set.
+/// Ticks that leave room between their labels, with the decimals that tell them apart, and the
+/// label of the axis broken to its length; to be called when the range and the label are set.
 void setTicks(QCPAxis &axis, double length, double roomPerTick);
 
 /// Plain lines above and to the right of the plot area.

@@ -46,8 +46,7 @@ std::array<QCPRange, 3> extentOf(const Scene &scene)
   NbgBox box;
   const Samples &samples = scene.samples;
   for (std::size_t i = 0; i < samples.x.size(); ++i)
-    box.extendWith(
-        NbgVector3D(samples.x[i], samples.y[i], samples.z.empty() ? 0. : samples.z[i]));
+    box.extendWith(NbgVector3D(samples.x[i], samples.y[i], samples.z.empty() ? 0. : samples.z[i]));
   if (scene.style.grid)
     scene.style.grid->updateBoundingBox(box);
   const NbgVector3D low = box.getLowerLeftCorner();
@@ -55,8 +54,7 @@ std::array<QCPRange, 3> extentOf(const Scene &scene)
   const NbgVector3D size = box.getSize();
   const double horizontal = std::max(size.x(), size.y());
   // Samples at one place have some space around them.
-  const double room =
-      horizontal > 0. ? 0.03 * horizontal : std::max(0.5, 1e-6 * std::abs(low.x()));
+  const double room = horizontal > 0. ? 0.03 * horizontal : std::max(0.5, 1e-6 * std::abs(low.x()));
   const double above = size.z() > 0. ? 0.04 * size.z() : room;
   return {QCPRange(low.x() - room, high.x() + room), QCPRange(low.y() - room, high.y() + room),
           QCPRange(low.z() - above, high.z() + above)};
@@ -119,9 +117,9 @@ Picture draw(const Scene &scene)
   constexpr double width3D = 980.;
   const std::array<QCPRange, 3> extent = extentOf(scene);
   const bool is3D = !scene.samples.z.empty();
-  const double scale = (is3D ? longSide3D : longSide2D) /
-                       std::max({extent[0].size(), extent[1].size(),
-                                 is3D ? 0.7 * extent[2].size() : 0.});
+  const double scale =
+      (is3D ? longSide3D : longSide2D) /
+      std::max({extent[0].size(), extent[1].size(), is3D ? 0.7 * extent[2].size() : 0.});
   const double width = is3D ? width3D : std::max(400., extent[0].size() * scale + 130.);
   PanelSheet sheet(scene.style.title, scene.remark, width);
   Panel plan = panelOf(scene, extent, 0, 1, scale);
@@ -147,9 +145,8 @@ QColor colorOf(Scene &scene, double value)
 
 QString thinningRemark(std::size_t n)
 {
-  return n > SampleMarks::most
-             ? QObject::tr("Dots are the first samples of their little squares.")
-             : QString();
+  return n > SampleMarks::most ? QObject::tr("Dots are the first samples of their little squares.")
+                               : QString();
 }
 
 QString joined(QStringList sentences)
@@ -180,13 +177,12 @@ Picture drawSampleMap(const Samples &samples, const SampleMapStyle &style)
     }
   }
   const QString open = samples.nUndefined == 0 ? QString()
-                       : areDots ? QObject::tr("Grey: %1 without a value.")
-                           : QObject::tr("Open circles: %1 without a value.");
-  scene.remark = joined(
-      {QObject::tr("%1 samples.").arg(Progress::grouped(samples.getCount())),
-       open.isEmpty() ? open : open.arg(Progress::grouped(samples.nUndefined)),
-       thinningRemark(scene.marks.size()), remarkOf(range),
-       style.grid ? QObject::tr("Dashed: the grid.") : QString()});
+                       : areDots               ? QObject::tr("Grey: %1 without a value.")
+                                               : QObject::tr("Open circles: %1 without a value.");
+  scene.remark = joined({QObject::tr("%1 samples.").arg(Progress::grouped(samples.getCount())),
+                         open.isEmpty() ? open : open.arg(Progress::grouped(samples.nUndefined)),
+                         thinningRemark(scene.marks.size()), remarkOf(range),
+                         style.grid ? QObject::tr("Dashed: the grid.") : QString()});
   return draw(scene);
 }
 
@@ -210,13 +206,13 @@ Picture drawErrorMap(const Samples &samples, const std::vector<double> &standard
     scene.marks.push_back(mark);
     scene.sample.push_back(i);
   }
-  scene.remark = joined(
-      {QObject::tr("Standardized errors of %1 samples.")
-           .arg(Progress::grouped(qint64(scene.marks.size()))),
-       QObject::tr("Triangles: %1 beyond %2, upward where the estimate is too high.")
-           .arg(Progress::grouped(nMarked), QString::number(largestUsualError)),
-       thinningRemark(scene.marks.size()),
-       style.grid ? QObject::tr("Dashed: the grid.") : QString()});
+  scene.remark =
+      joined({QObject::tr("Standardized errors of %1 samples.")
+                  .arg(Progress::grouped(qint64(scene.marks.size()))),
+              QObject::tr("Triangles: %1 beyond %2, upward where the estimate is too high.")
+                  .arg(Progress::grouped(nMarked), QString::number(largestUsualError)),
+              thinningRemark(scene.marks.size()),
+              style.grid ? QObject::tr("Dashed: the grid.") : QString()});
   return draw(scene);
 }
 

@@ -101,9 +101,8 @@ void SampleMarks::_drawTriangle(QCPPainter &painter, const SampleMark &mark) con
   const double size = std::max(4., 1.5 * _radius);
   const double tip = mark.shape == SampleMark::UP ? -size : size;
   const QPointF place = _placeOf(mark);
-  const QPolygonF triangle = {
-      {place + QPointF(0., 1.2 * tip), place + QPointF(-size, -0.7 * tip),
-       place + QPointF(size, -0.7 * tip)}};
+  const QPolygonF triangle = {{place + QPointF(0., 1.2 * tip), place + QPointF(-size, -0.7 * tip),
+                               place + QPointF(size, -0.7 * tip)}};
   painter.setBrush(Qt::NoBrush);
   painter.setPen(QPen(Qt::white, 3.));
   painter.drawPolygon(triangle);

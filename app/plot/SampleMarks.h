@@ -25,9 +25,9 @@ struct SampleMark
   Shape shape = CIRCLE;
 };
 
-/// Marks at samples in one plot area, above its frame. Thousands of marks would hide each other: they
-/// are thinned to dots then, the first one of each small square of the picture, triangles before
-/// others.
+/// Marks at samples in one plot area, above its frame. Thousands of marks would hide each other:
+/// they are thinned to dots then, the first one of each small square of the picture, triangles
+/// before others.
 class SampleMarks : public QCPLayerable
 {
 public:

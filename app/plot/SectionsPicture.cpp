@@ -16,7 +16,7 @@ namespace orvenal {
 
 namespace {
 
-constexpr double width = 980.;    // of the picture, about, in units of the layout
+constexpr double width = 980.;     // of the picture, about, in units of the layout
 constexpr double longSide = 380.;  // of a horizontal section
 constexpr int mostCells = 800;
 
@@ -55,8 +55,8 @@ Panel panelOf(const NbgGeomGrid &grid, const GridSection &section, const Extent 
     const QString name = QLatin1String(names[axis]);
     return isTurned && axis < 2 ? QObject::tr("%1 along the grid").arg(name) : name;
   };
-  QString place = axisName(section.axis) + QStringLiteral(" = ") +
-                  QString::number(section.coordinate, 'g', 10);
+  QString place =
+      axisName(section.axis) + QStringLiteral(" = ") + QString::number(section.coordinate, 'g', 10);
   if (!unit.isEmpty())
     place += ' ' + unit;
   Panel panel;
@@ -87,30 +87,28 @@ Picture drawSections(const NbgGeomGrid &grid, const std::vector<double> &values,
   const ColorRange range = colorRangeOf(values);
   const QCPColorGradient gradient =
       gradientOf(style.isDeviation ? ColorScale::CIVIDIS : ColorScale::VIRIDIS);
-  const bool areHalfCells = std::all_of(
-      sections.begin(), sections.end(), [&](const GridSection &section) {
+  const bool areHalfCells =
+      std::all_of(sections.begin(), sections.end(), [&](const GridSection &section) {
         return section.distance == 0.5 * grid.getCellSize()[section.axis];
       });
-  QStringList remarks = {
-      style.subtitle + '.',
-      areHalfCells ? QObject::tr("Circles: samples within half a cell of the section.")
-                   : QObject::tr("Circles: samples near the section."),
-      remarkOf(range)};
+  QStringList remarks = {style.subtitle + '.',
+                         areHalfCells
+                             ? QObject::tr("Circles: samples within half a cell of the section.")
+                             : QObject::tr("Circles: samples near the section."),
+                         remarkOf(range)};
   remarks.removeAll(QString());
   remarks.removeAll(QStringLiteral("."));
   PanelSheet sheet(style.title, remarks.join(' '), width);
   const double scale = scaleFor(grid, sections);
   for (const GridSection &section : sections) {
     const NbgGeomGrid plane = planeOf(grid, section);
-    QCPAxisRect &area =
-        sheet.add(panelOf(grid, section, extentOf(plane), scale, style.lengthUnit));
+    QCPAxisRect &area = sheet.add(panelOf(grid, section, extentOf(plane), scale, style.lengthUnit));
     addRaster(area, rasterize(plane, sectionValues(grid, values, section), mostCells), gradient,
               range.range);
     const Samples near = samplesNear(grid, samples, section);
     new SampleMarks(area,  // the plot owns them
                     marksOf(near, style.coloredSamples ? &gradient : nullptr, range.range),
-                    mapMarkRadius,
-                    SampleMarks::OUTLINED);
+                    mapMarkRadius, SampleMarks::OUTLINED);
   }
   sheet.addColorScale(PanelSheet::BELOW, style.valueLabel, gradient, range.range);
   return sheet.finish();

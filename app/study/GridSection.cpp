@@ -108,9 +108,7 @@ Samples samplesNear(const NbgGeomGrid &grid, const Samples &samples, const GridS
   for (std::size_t i = 0; i < samples.x.size(); ++i) {
     const NbgVector3D place(samples.x[i], samples.y[i], samples.z[i]);
     const NbgVector3D turnedBack = grid.getUVW(place) + grid.getOriginCentered();
-    const auto isWithin = [&](int axis) {
-      return findLayer(grid, axis, turnedBack[axis]) >= 0;
-    };
+    const auto isWithin = [&](int axis) { return findLayer(grid, axis, turnedBack[axis]) >= 0; };
     if (std::abs(turnedBack[section.axis] - section.coordinate) >
             section.distance * (1. + rounding) ||
         !isWithin(xAxis) || !isWithin(yAxis))

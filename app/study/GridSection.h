@@ -12,8 +12,8 @@ namespace orvenal {
 
 struct Samples;
 
-/// A section through a grid of three dimensions that somebody wants to see. Coordinates are those of
-/// the grid turned back about its first node; they are the samples' own when it is not turned.
+/// A section through a grid of three dimensions that somebody wants to see. Coordinates are those
+/// of the grid turned back about its first node; they are the samples' own when it is not turned.
 struct SectionRequest
 {
   int axis = 2;                    ///< 0, 1, 2: the section is at a constant x, y, z
