@@ -16,7 +16,6 @@
 #include <QObject>
 
 #include <cmath>
-#include <limits>
 
 namespace orvenal {
 
