@@ -18,6 +18,7 @@
 #include "app/plot/VariogramPicture.h"
 #include "app/report/Describe.h"
 #include "app/report/StudyReport.h"
+#include "app/study/References.h"
 #include "app/study/Statistics.h"
 #include "app/study/VariogramMap.h"
 #include "basic/provider/NbpMemoryProviderPointsW.h"
@@ -106,6 +107,8 @@ void StudyRun::_reserveOutputs()
 void StudyRun::_readData()
 {
   const Job &job = _result.job;
+  for (const QString &warning : adoptReferences(_result.job, _isToDo(Step::KRIGING)))
+    _console.warn(warning);
   _result.samples = readSamples(job);
   _samples = makeProvider(_result.samples);
   _console.print(

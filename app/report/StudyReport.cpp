@@ -144,12 +144,8 @@ QString data(const StudyResult &result)
       {QObject::tr("Samples"), QString::number(samples.getCount())},
       {QObject::tr("Undefined values"), QString::number(samples.nUndefined)},
       {QObject::tr("Samples at the place of another"), QString::number(samples.nDuplicates)}};
-  if (!job.crs.isEmpty()) {
-    QString reason;
-    const QString name = SpatialReference::parse(job.crs, reason).getName();
-    rows.append(
-        {QObject::tr("Coordinate reference system"), QObject::tr("%1 (%2)").arg(job.crs, name)});
-  }
+  if (!job.crs.isEmpty())
+    rows.append({QObject::tr("Coordinate reference system"), SpatialReference::describe(job.crs)});
   if (result.estimation)
     rows.append({QObject::tr("Grid"), Describe::grid(job)});
   if (result.estimation && job.mask)
