@@ -50,15 +50,15 @@ void applyOptions(const QCommandLineParser &parser, Job &job)
 
 QString JobCommand::getHelp() const
 {
-  return QObject::tr(
-             "usage: orvenal %1 [OPTIONS] JOB.json\n\n%2\ndocs/job.md describes the job.\n\n"
-             "  -q, --quiet       print nothing but errors\n"
-             "  --overwrite       replace files of an earlier run\n"
-             "  --threads N       number of threads (default: all processors)\n"
-             "  --memory SIZE     memory for the work, such as \"500 MB\" or 2GB (default: half of "
-             "it)\n"
-             "  -h, --help        show this text")
-      .arg(getName(), _getDescription());
+  return QObject::
+      tr("usage: orvenal %1 [OPTIONS] JOB.json\n\n%2\nThe job is described by: orvenal help job\n\n"
+         "  -q, --quiet       print nothing but errors\n"
+         "  --overwrite       replace files of an earlier run\n"
+         "  --threads N       number of threads (default: all processors)\n"
+         "  --memory SIZE     memory for the work, such as \"500 MB\" or 2GB (default: half of "
+         "it)\n"
+         "  -h, --help        show this text")
+          .arg(getName(), _getDescription());
 }
 
 void JobCommand::run(const QStringList &arguments, Console &console) const

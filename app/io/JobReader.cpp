@@ -113,8 +113,6 @@ void readFitOf(const JobObject &root, Job &job)
     root.fail(name, QObject::tr("needs \"variogram\", to which the model is fitted"));
   if (job.variogram->curve != NgmEVarioExp::VARIOGRAM)
     root.fail(key("variogram.curve"), QObject::tr("a model is fitted to a \"Variogram\""));
-  if (!job.covariates.isEmpty())
-    root.fail(name, QObject::tr("fits one variable; with \"covariates\" give the \"model\""));
   job.fit = readFit(root.object(name, fitKeys()));
 }
 
@@ -171,11 +169,12 @@ Job parseJob(const QString &path, const QByteArray &text)
   Job job;
   job.file = QFileInfo(path).absoluteFilePath();
   job.text = text;
-  const JobObject root = JobObject::parse(
+  JobObject root = JobObject::parse(
       path, job.text,
       {key("title"), key("data"), key("variable"), key("covariates"), key("variogram"), key("fit"),
        key("grid"), key("model"), key("kriging"), key("neighborhood"), key("crossValidation"),
-       key("output"), key("threads"), key("memory")});
+       key("conventions"), key("output"), key("threads"), key("memory")});
+  root.readConventions();
   const QDir folder = QFileInfo(job.file).absoluteDir();
   job.title = root.text(key("title"), QFileInfo(path).completeBaseName());
   readData(root, folder, job);

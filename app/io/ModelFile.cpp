@@ -122,10 +122,13 @@ struct ModelSize
 NgmVModel fromJson(const QByteArray &text, const QString &shownName, int nDimensions,
                    int nVariables)
 {
-  return readModel(JobObject::parse(shownName, text, modelKeys()), nDimensions, nVariables);
+  JobObject object =
+      JobObject::parse(shownName, text, modelKeys() << QStringLiteral("conventions"));
+  object.readConventions();
+  return readModel(object, nDimensions, nVariables);
 }
 
-bool isBinary(const QString &file)
+bool hasBinaryEnding(const QString &file)
 {
   return QFileInfo(file).suffix().toLower() == QLatin1String("bin");
 }
@@ -135,7 +138,7 @@ bool isBinary(const QByteArray &bytes, const QString &shownName)
 {
   if (bytes.startsWith(magic))
     return true;
-  if (isBinary(shownName))
+  if (hasBinaryEnding(shownName))
     throw NbeUserError(QObject::tr("%1: not a binary model of this program").arg(shownName));
   return false;
 }
@@ -147,10 +150,16 @@ QStringList modelEndings()
   return {QStringLiteral("json"), QStringLiteral("bin")};
 }
 
+bool isBinaryModel(const QString &path)
+{
+  QFile file(path);
+  return file.open(QIODevice::ReadOnly) && file.read(magic.size()) == magic;
+}
+
 QByteArray modelToBytes(const QString &file, const NgmVModel &model, int nDimensions)
 {
-  return isBinary(file) ? toBinary(model, nDimensions)
-                        : QJsonDocument(toJson(model, nDimensions)).toJson();
+  return hasBinaryEnding(file) ? toBinary(model, nDimensions)
+                               : QJsonDocument(toJson(model, nDimensions)).toJson();
 }
 
 NgmVModel readModelFile(const QString &path, const QString &shownName, int nDimensions,

@@ -16,6 +16,9 @@ namespace orvenal {
 /// (quint32) and the model's stream. All numbers are big-endian.
 QStringList modelEndings();
 
+/// Whether a file begins as a model in the binary form.
+bool isBinaryModel(const QString &path);
+
 /// The content of a file of that name. Both forms are read back to the same model.
 QByteArray modelToBytes(const QString &file, const NgmVModel &model, int nDimensions);
 

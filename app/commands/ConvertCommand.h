@@ -1,0 +1,17 @@
+#pragma once
+
+#include "app/commands/Command.h"
+
+namespace orvenal {
+
+/// Writes a table of points, a grid or a variogram model in another format.
+class ConvertCommand : public Command
+{
+public:
+  QString getName() const override { return QStringLiteral("convert"); }
+  QString getSummary() const override;
+  QString getHelp() const override;
+  void run(const QStringList &arguments, Console &console) const override;
+};
+
+}  // namespace orvenal
