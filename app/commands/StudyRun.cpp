@@ -18,9 +18,9 @@
 #include "app/plot/VariogramPicture.h"
 #include "app/report/Describe.h"
 #include "app/report/StudyReport.h"
+#include "app/study/References.h"
 #include "app/study/Statistics.h"
 #include "app/study/VariogramMap.h"
-#include "basic/error/NbeUserError.h"
 #include "basic/provider/NbpMemoryProviderPointsW.h"
 #include "geos/data/NgdDataSetPoints.h"
 
@@ -79,6 +79,8 @@ void StudyRun::run()
   if (_isToDo(Step::KRIGING))
     _krige();
   _console.print('\n' + textStatistics(_result) + '\n');
+  if (_result.job.hasModel && _result.job.getNVariables() > 1)
+    _console.print(textSills(_result.job) + '\n');
   if (_isToDo(Step::VARIOGRAM))
     _console.print(textVariograms(_result.variography, _result.job) + '\n');
   if (_isToDo(Step::CROSS_VALIDATION))
@@ -105,6 +107,8 @@ void StudyRun::_reserveOutputs()
 void StudyRun::_readData()
 {
   const Job &job = _result.job;
+  for (const QString &warning : adoptReferences(_result.job, _isToDo(Step::KRIGING)))
+    _console.warn(warning);
   _result.samples = readSamples(job);
   _samples = makeProvider(_result.samples);
   _console.print(
@@ -123,10 +127,9 @@ void StudyRun::_readData()
 
 void StudyRun::_computeStatistics()
 {
-  NgdDataSetPoints data;
-  data.setDataProvider(_samples);
-  data.assignVariable(Nbd::Role::V, _samples->getIdFromName(sampleValueName()));
-  _result.sampleStatistics = computeStatistics(data, _context).first();
+  _result.variableStatistics =
+      computeMultivariateStatistics(makeVariableDataSet(_result.job, _samples), _context);
+  _result.sampleStatistics = _result.variableStatistics.getConstUnivariateStats(0);
   _endStep(QObject::tr("Statistics of the samples"));
 }
 
@@ -149,18 +152,17 @@ void StudyRun::_drawSamples()
 
 void StudyRun::_computeVariograms()
 {
-  _result.variography = computeVariograms(_result.job, _result.samples, _samples, _context);
+  _result.variography = computeVariograms(_result.job, _result.samples, _samples,
+                                          _result.variableStatistics, _context);
   _endStep(QObject::tr("Variograms"));
 }
 
 void StudyRun::_fitModel()
 {
   Job &job = _result.job;
-  if (_result.variography.curves.first().distances.isEmpty())
-    throw NbeUserError(QObject::tr("no lag of the variogram holds a pair; no model can be fitted"));
-  if (!(_result.variography.sill > 0.))
-    throw NbeUserError(QObject::tr("all values are equal; there is no model to fit"));
-  _result.fit = fitModel(job, *_result.variography.data, _result.variography.sill, _context);
+  _result.fit =
+      fitModel(job, _result.variography,
+               _result.variableStatistics.getVarianceCovarianceMatrixHeterotopic(), _context);
   job.model = _result.fit->model;
   job.hasModel = true;
   _console.print(QObject::tr("  fitted   %1").arg(Describe::model(job)));
@@ -180,8 +182,9 @@ void StudyRun::_drawVariogramMap(const VariogramStyle &style)
     _writePicture(job.output.variogramMap, picture);
   }
   if (!job.output.variogramCloud.isEmpty()) {
-    const Picture picture =
-        drawVariogramCloud(computeVariogramCloud(job, _result.samples, _samples, _context), style);
+    const Picture picture = drawVariogramCloud(
+        computeVariogramCloud(job, _result.samples, _samples, _result.variableStatistics, _context),
+        style);
     _result.variogramCloud = picture.toPng();
     _writePicture(job.output.variogramCloud, picture);
   }
@@ -230,7 +233,8 @@ void StudyRun::_drawVariograms()
     return;
   VariogramStyle style;
   style.title = job.title;
-  style.valueUnit = job.variable.unit;
+  for (int i = 0; i < job.getNVariables(); ++i)
+    style.variables << job.getVariable(i);
   style.lengthUnit = job.lengthUnit;
   style.nDimensions = job.getNDimensions();
   style.model = job.hasModel && _result.variography.isVariogram ? &job.model : nullptr;
@@ -282,7 +286,7 @@ void StudyRun::_writeFiles()
   for (const QString &file : output.grids)
     _writeGrid(file);
   if (!output.variogramTable.isEmpty())
-    _files.write(output.variogramTable, variogramCsv(_result.variography));
+    _files.write(output.variogramTable, variogramCsv(_result.variography, _result.job));
   if (!output.fittedModel.isEmpty())
     _files.write(
         output.fittedModel,

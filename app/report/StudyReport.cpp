@@ -164,12 +164,8 @@ QString data(const StudyResult &result)
       {QObject::tr("Samples"), QString::number(samples.getCount())},
       {QObject::tr("Undefined values"), QString::number(samples.nUndefined)},
       {QObject::tr("Samples at the place of another"), QString::number(samples.nDuplicates)}};
-  if (!job.crs.isEmpty()) {
-    QString reason;
-    const QString name = SpatialReference::parse(job.crs, reason).getName();
-    rows.append(
-        {QObject::tr("Coordinate reference system"), QObject::tr("%1 (%2)").arg(job.crs, name)});
-  }
+  if (!job.crs.isEmpty())
+    rows.append({QObject::tr("Coordinate reference system"), SpatialReference::describe(job.crs)});
   if (result.estimation)
     rows.append({QObject::tr("Grid"), Describe::grid(job)});
   if (result.estimation && job.mask)
@@ -185,8 +181,11 @@ QString statistics(const StudyResult &result)
   NbbHtmlTable table;
   table.setAlignCell(NbbHtmlTable::ALIGN_RIGHT);
   table.setColumnHeader(Describe::statisticsHeader());
-  QStringList names = {Describe::sampleLabel(result.job)};
-  table.addRow(Describe::statisticsRow(result.sampleStatistics));
+  QStringList names;
+  for (int i = 0; i < result.job.getNVariables(); ++i) {
+    names << result.job.getVariable(i).getLabel();
+    table.addRow(Describe::statisticsRow(result.variableStatistics.getConstUnivariateStats(i)));
+  }
   if (result.estimation) {
     names << Describe::estimateLabel(result.job) << Describe::deviationLabel(result.job);
     table.addRow(Describe::statisticsRow(result.estimation->estimate));
@@ -244,7 +243,8 @@ QString vectorText(const NbgVector3D &v)
   return QObject::tr("(%1, %2, %3)").arg(component(v.x()), component(v.y()), component(v.z()));
 }
 
-/// A row per axis of the structure's frame: range, direction and vector.
+/// A row per axis of the structure's frame: range, direction and vector; the sill before them when
+/// there is one variable.
 void addStructure(const NgmVModel &model, int index, const Job &job, NbbHtmlTable &table)
 {
   const NgmAVStruct &structure = model.getStructure(index);
@@ -256,37 +256,59 @@ void addStructure(const NgmVModel &model, int index, const Job &job, NbbHtmlTabl
   if (structure.getNAuxiliaryParameters() > 0)
     name += QObject::tr(", %1 %2").arg(structure.getAuxiliaryName(0),
                                        Describe::number(structure.getAuxiliaryValue(0)));
-  for (int axis = 0; axis < job.getNDimensions(); ++axis)
-    table.addRow(
-        {axis == 0 ? name : QString(),
-         axis == 0 ? Describe::number(model.getCoregionalisationMatrix(index)(0, 0)) : QString(),
-         QLatin1String(names[axis]), Describe::length(ranges[axis], job.lengthUnit),
-         Compass::describe(axes[axis], job.getNDimensions()), vectorText(axes[axis])});
+  for (int axis = 0; axis < job.getNDimensions(); ++axis) {
+    QStringList row = {axis == 0 ? name : QString()};
+    if (job.getNVariables() == 1)
+      row << (axis == 0 ? Describe::number(model.getCoregionalisationMatrix(index)(0, 0))
+                        : QString());
+    row << QLatin1String(names[axis]) << Describe::length(ranges[axis], job.lengthUnit)
+        << Compass::describe(axes[axis], job.getNDimensions()) << vectorText(axes[axis]);
+    table.addRow(row);
+  }
+}
+
+QString structures(const NgmVModel &model, const Job &job)
+{
+  const bool hasSills = job.getNVariables() == 1;
+  QStringList header = {QObject::tr("Structure")};
+  if (hasSills)
+    header << QObject::tr("Sill");
+  header << QObject::tr("Axis") << QObject::tr("Practical range") << QObject::tr("Direction")
+         << QObject::tr("Axis vector (east, north, up)");
+  NbbHtmlTable table;
+  table.setColumnHeader(header);
+  if (hasSills && model.hasNugget())
+    table.addRow({QObject::tr("Nugget"), Describe::number(model.getNugget(0, 0)), QString(),
+                  QString(), QString(), QString()});
+  for (int index = 0; index < model.getNStructures(); ++index)
+    addStructure(model, index, job, table);
+  return scrolling(table);
+}
+
+QString sills(const NgmVModel &model, const Job &job)
+{
+  if (job.getNVariables() == 1)
+    return paragraph(QObject::tr("Total sill %1.").arg(Describe::number(model.getC0IJ(0, 0))),
+                     QStringLiteral("lead"));
+  return NbbHtml::title(QObject::tr("Matrices of sills"), 3) + '\n' + headedTable(sillRows(job)) +
+         paragraph(QObject::tr("A linear model of coregionalization: each structure has a matrix "
+                               "of sills, which is positive semi-definite, so that the model is "
+                               "admissible."),
+                   QStringLiteral("lead"));
 }
 
 QString model(const StudyResult &result)
 {
   const NgmVModel &model = result.job.model;
-  NbbHtmlTable table;
-  table.setColumnHeader({QObject::tr("Structure"), QObject::tr("Sill"), QObject::tr("Axis"),
-                         QObject::tr("Practical range"), QObject::tr("Direction"),
-                         QObject::tr("Axis vector (east, north, up)")});
-  if (model.hasNugget())
-    table.addRow({QObject::tr("Nugget"), Describe::number(model.getNugget(0, 0)), QString(),
-                  QString(), QString(), QString()});
-  for (int index = 0; index < model.getNStructures(); ++index)
-    addStructure(model, index, result.job, table);
   QString fit;
   if (result.fit)
     fit = paragraph(QObject::tr("Fitted to the experimental variograms; misfit %1.")
                         .arg(Describe::number(result.fit->score)));
-  return fit + scrolling(table) +
-         paragraph(
-             QObject::tr("Total sill %1. Ranges are practical ranges: the distance at which a "
-                         "structure reaches its sill, or 95% of it when it never does. "
-                         "Azimuths run clockwise from north, dips downward.")
-                 .arg(Describe::number(model.getC0IJ(0, 0))),
-             QStringLiteral("lead"));
+  return fit + structures(model, result.job) + sills(model, result.job) +
+         paragraph(QObject::tr("Ranges are practical ranges: the distance at which a structure "
+                               "reaches its sill, or 95% of it when it never does. Azimuths run "
+                               "clockwise from north, dips downward."),
+                   QStringLiteral("lead"));
 }
 
 QString outcome(const StudyResult &result)

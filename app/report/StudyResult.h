@@ -4,6 +4,7 @@
 #include "app/study/Job.h"
 #include "app/study/Samples.h"
 #include "app/study/Variography.h"
+#include "geos/stats/NgmMultivariateStatistics.h"
 
 #include <QByteArray>
 #include <QPair>
@@ -19,8 +20,9 @@ struct StudyResult
 {
   Job job;
   Samples samples;
-  NbcStatMono sampleStatistics;
-  QByteArray dataMap;  ///< PNG, as all pictures
+  NbcStatMono sampleStatistics;                  ///< of the variable to estimate
+  NgmMultivariateStatistics variableStatistics;  ///< of it and its covariates
+  QByteArray dataMap;                            ///< PNG, as all pictures
   QByteArray dataHistogram;
   qint64 nMaskOutside = 0;  ///< points of the mask's file outside the grid
   Variography variography;  ///< empty without that step

@@ -105,6 +105,12 @@ struct Job
   void keepOutputsOf(const Steps &steps);
 
   int getNVariables() const { return 1 + covariates.size(); }
+
+  /// The variable to estimate for 0, then the covariates.
+  const JobVariable &getVariable(int rank) const
+  {
+    return rank == 0 ? variable : covariates[rank - 1];
+  }
   int getNDimensions() const { return data.z.isEmpty() ? 2 : 3; }
 };
 
