@@ -1,10 +1,12 @@
 #include "matrix/private/NgmSymmetricSolver.h"
 
+#include "private/NgmLanes.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
-using NgmSymmetricSolver::LANES;
+using namespace NgmLanes;
 using NgmSymmetricSolver::MOST_ROWS;
 using NgmSymmetricSolver::paddedRows;
 
@@ -14,21 +16,8 @@ namespace {
 /// blocks of one.
 constexpr double ALPHA = 0.64038820320220756;
 
-typedef double Lanes __attribute__((vector_size(LANES * sizeof(double)), may_alias));
-typedef long long Bits __attribute__((vector_size(LANES * sizeof(long long)), may_alias));
-
-inline const Lanes &lanes(const double *p)
-{
-  return *reinterpret_cast<const Lanes *>(p);
-}
-
-inline Lanes &lanes(double *p)
-{
-  return *reinterpret_cast<Lanes *>(p);
-}
-
 /// A column of the matrix above its pivot, with zeros up to a whole register.
-struct alignas(sizeof(Lanes)) Column
+struct alignas(64) Column
 {
   double values[MOST_ROWS];
 };
