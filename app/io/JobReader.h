@@ -11,6 +11,10 @@ namespace orvenal {
 /// Errors are UsageErrors that name the JSON path.
 Job readJob(const QString &path);
 
+/// The same for a text that need not be in a file: `path` is where it would be, names of files are
+/// relative to its folder.
+Job parseJob(const QString &path, const QByteArray &text);
+
 /// Bytes of a memory size such as "500 MB" or "2 GB" (units of 1024); -1 when it is none.
 qint64 parseMemorySize(const QString &text);
 

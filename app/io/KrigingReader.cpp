@@ -11,11 +11,6 @@ namespace orvenal {
 
 namespace {
 
-QString key(const char *name)
-{
-  return QString::fromLatin1(name);
-}
-
 QStringList modes()
 {
   return {key("ordinary"), key("simple"), key("drift"), key("rescaled")};
@@ -154,6 +149,7 @@ void readLocal(const JobObject &object, int nDimensions, KrigingRequest &request
   const JobObject local = object.object(name, {key("azimuth"), key("factor")});
   if (local.has(key("azimuth")))
     request.localAzimuth = Column{local.text(key("azimuth"))};
+  request.localAngles = object.getConventions().angles;
   if (local.has(key("factor")))
     request.localFactor = Column{local.text(key("factor"))};
   if (!request.localAzimuth && !request.localFactor)

@@ -1,6 +1,6 @@
 #include "app/study/Samples.h"
 
-#include "app/io/CsvReader.h"
+#include "app/io/TableReader.h"
 #include "app/study/Job.h"
 #include "basic/base/NbbGlobal.h"
 #include "basic/error/NbeUserError.h"
@@ -9,26 +9,33 @@
 #include "basic/geom/NbgGeomPolyline.h"
 #include "basic/geom/NbgGeomPolylineSet.h"
 #include "basic/provider/NbpMemoryProviderPointsW.h"
+#include "geos/data/NgdDataSetPoints.h"
 
 #include <QObject>
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <numeric>
 
 namespace orvenal {
 
 namespace {
 
+std::unique_ptr<TableReader> openTable(const JobTable &table)
+{
+  return TableReader::open(table.file, table.shown, table.format);
+}
+
 /// Columns of the coordinates of a table; -1 for an axis that it does not have.
-std::array<int, 3> findCoordinates(const CsvReader &reader, const JobTable &table)
+std::array<int, 3> findCoordinates(const TableReader &reader, const JobTable &table)
 {
   return {reader.findColumn(table.x, table.path + ".x"),
           reader.findColumn(table.y, table.path + ".y"),
           table.z.isEmpty() ? -1 : reader.findColumn(table.z, table.path + ".z")};
 }
 
-NbgVector3D readLocation(const CsvReader &reader, const std::array<int, 3> &columns)
+NbgVector3D readLocation(const TableReader &reader, const std::array<int, 3> &columns)
 {
   std::array<double, 3> location = {0., 0., 0.};
   for (std::size_t axis = 0; axis < 3; ++axis) {
@@ -41,7 +48,7 @@ NbgVector3D readLocation(const CsvReader &reader, const std::array<int, 3> &colu
   return NbgVector3D(location[0], location[1], location[2]);
 }
 
-double readValue(const CsvReader &reader, int column, Transform transform)
+double readValue(const TableReader &reader, int column, Transform transform)
 {
   double value = reader.getNumber(column);
   if (!applyTransform(transform, value))
@@ -58,7 +65,7 @@ struct PlacedColumn
   int index;
 };
 
-std::vector<PlacedColumn> findColumns(const CsvReader &reader, const QList<Column> &columns,
+std::vector<PlacedColumn> findColumns(const TableReader &reader, const QList<Column> &columns,
                                       const QString &path)
 {
   std::vector<PlacedColumn> placed;
@@ -75,7 +82,7 @@ struct SampleColumns
   std::vector<PlacedColumn> auxiliary;
 };
 
-SampleColumns findSampleColumns(const CsvReader &reader, const Job &job)
+SampleColumns findSampleColumns(const TableReader &reader, const Job &job)
 {
   SampleColumns columns;
   columns.value = reader.findColumn(job.variable.column, QStringLiteral("variable.column"));
@@ -93,7 +100,7 @@ SampleColumns findSampleColumns(const CsvReader &reader, const Job &job)
   return columns;
 }
 
-void readSample(const CsvReader &reader, const std::array<int, 3> &coordinates,
+void readSample(const TableReader &reader, const std::array<int, 3> &coordinates,
                 const SampleColumns &columns, const Job &job, Samples &samples)
 {
   const NbgVector3D location = readLocation(reader, coordinates);
@@ -140,13 +147,13 @@ double Samples::getDiagonal() const
 
 Samples readSamples(const Job &job)
 {
-  CsvReader reader(job.data.file, job.data.shown, job.data.format);
-  const std::array<int, 3> coordinates = findCoordinates(reader, job.data);
-  const SampleColumns columns = findSampleColumns(reader, job);
+  const auto reader = openTable(job.data);
+  const std::array<int, 3> coordinates = findCoordinates(*reader, job.data);
+  const SampleColumns columns = findSampleColumns(*reader, job);
   Samples samples;
   samples.covariates.resize(columns.covariates.size());
-  while (reader.next())
-    readSample(reader, coordinates, columns, job, samples);
+  while (reader->next())
+    readSample(*reader, coordinates, columns, job, samples);
   if (job.kriging.constantError)
     samples.auxiliaryColumns[constantErrorName()].assign(samples.x.size(),
                                                          *job.kriging.constantError);
@@ -198,43 +205,54 @@ QSharedPointer<NbpMemoryProviderPointsW> makeProvider(const Samples &samples)
   return provider;
 }
 
+NgdDataSetPoints makeVariableDataSet(const Job &job,
+                                     const QSharedPointer<NbpMemoryProviderPointsW> &samples)
+{
+  NgdDataSetPoints data;
+  data.setDataProvider(samples);
+  data.assignVariable(Nbd::Role::V, samples->getIdFromName(sampleValueName()));
+  for (int i = 0; i < job.covariates.size(); ++i)
+    data.assignVariable(Nbd::Role::V, samples->getIdFromName(covariateName(i)));
+  return data;
+}
+
 QMap<QString, std::vector<double>> readGridValues(const Job &job)
 {
   const QList<Column> wanted = job.kriging.getGridColumns();
   QMap<QString, std::vector<double>> values;
   if (wanted.isEmpty())
     return values;
-  CsvReader reader(job.gridValues->file, job.gridValues->shown, job.gridValues->format);
-  const std::array<int, 3> coordinates = findCoordinates(reader, *job.gridValues);
+  const auto reader = openTable(*job.gridValues);
+  const std::array<int, 3> coordinates = findCoordinates(*reader, *job.gridValues);
   const std::vector<PlacedColumn> columns =
-      findColumns(reader, wanted, QStringLiteral("grid.values"));
+      findColumns(*reader, wanted, QStringLiteral("grid.values"));
   const std::size_t nNodes = std::size_t(job.grid.getGridSize());
   for (const PlacedColumn &placed : columns)
     values[placed.column.getName()].assign(nNodes, NbbGlobal::D_FFFF);
   std::vector<bool> filled(nNodes, false);
   NbgIntVector3D ijk;
-  while (reader.next()) {
-    if (!job.grid.getCellIJK(readLocation(reader, coordinates), ijk))
+  while (reader->next()) {
+    if (!job.grid.getCellIJK(readLocation(*reader, coordinates), ijk))
       continue;
     const std::size_t rank = std::size_t(job.grid.getRankFromIJK(ijk));
     if (filled[rank])
-      reader.fail(coordinates[0], QObject::tr("a second point in a cell of the grid"));
+      reader->fail(coordinates[0], QObject::tr("a second point in a cell of the grid"));
     filled[rank] = true;
     for (const PlacedColumn &placed : columns)
       values[placed.column.getName()][rank] =
-          readValue(reader, placed.index, placed.column.transform);
+          readValue(*reader, placed.index, placed.column.transform);
   }
   return values;
 }
 
 NbgGeomPolylineSet readFaults(const Job &job)
 {
-  CsvReader reader(job.faults->file, job.faults->shown, job.faults->format);
-  const std::array<int, 3> coordinates = findCoordinates(reader, *job.faults);
-  const int lineColumn = reader.findColumn(job.faultLine, job.faults->path + ".line");
+  const auto reader = openTable(*job.faults);
+  const std::array<int, 3> coordinates = findCoordinates(*reader, *job.faults);
+  const int lineColumn = reader->findColumn(job.faultLine, job.faults->path + ".line");
   QMap<double, QVector<NbgVector3D>> lines;
-  while (reader.next())
-    lines[reader.getNumber(lineColumn)] << readLocation(reader, coordinates);
+  while (reader->next())
+    lines[reader->getNumber(lineColumn)] << readLocation(*reader, coordinates);
   NbgGeomPolylineSet faults;
   for (QVector<NbgVector3D> points : lines) {
     if (points.size() < 2)
@@ -254,12 +272,12 @@ std::vector<unsigned char> readMask(const Job &job, qint64 &nOutside)
   if (!job.mask)
     return std::vector<unsigned char>(nNodes, 1);
   std::vector<unsigned char> selected(nNodes, 0);
-  CsvReader reader(job.mask->file, job.mask->shown, job.mask->format);
-  const std::array<int, 3> coordinates = findCoordinates(reader, *job.mask);
+  const auto reader = openTable(*job.mask);
+  const std::array<int, 3> coordinates = findCoordinates(*reader, *job.mask);
   NbgIntVector3D ijk;
   bool isEmpty = true;
-  while (reader.next()) {
-    if (job.grid.getCellIJK(readLocation(reader, coordinates), ijk)) {
+  while (reader->next()) {
+    if (job.grid.getCellIJK(readLocation(*reader, coordinates), ijk)) {
       selected[std::size_t(job.grid.getRankFromIJK(ijk))] = 1;
       isEmpty = false;
     } else {

@@ -15,7 +15,7 @@ namespace {
 
 constexpr double undefined = NbbGlobal::D_FFFF;
 
-std::vector<std::vector<double>> readNumbers(const QString &path, const CsvFormat &format)
+std::vector<std::vector<double>> readNumbers(const QString &path, const TableFormat &format)
 {
   CsvReader reader(path, "t.csv", format);
   std::vector<std::vector<double>> rows;
@@ -27,7 +27,7 @@ std::vector<std::vector<double>> readNumbers(const QString &path, const CsvForma
   return rows;
 }
 
-std::string errorOf(const QByteArray &content, const CsvFormat &format = CsvFormat())
+std::string errorOf(const QByteArray &content, const TableFormat &format = TableFormat())
 {
   const apptest::Folder folder;
   const QString path = folder.write("t.csv", content);
@@ -39,9 +39,9 @@ std::string errorOf(const QByteArray &content, const CsvFormat &format = CsvForm
   return "no error";
 }
 
-CsvFormat format(char separator, char decimal = '.', const QStringList &undefinedTexts = {""})
+TableFormat format(char separator, char decimal = '.', const QStringList &undefinedTexts = {""})
 {
-  CsvFormat result;
+  TableFormat result;
   result.separator = separator;
   result.decimal = decimal;
   result.undefined = undefinedTexts;
@@ -56,7 +56,7 @@ TEST(CsvReader, ReadsOneTableInAllItsSpellings)
   {
     const char *name;
     QByteArray content;
-    CsvFormat format;
+    TableFormat format;
   };
   const Case cases[] = {
       {"comma", "a,b\n1,2\n3,-999\n", format(0, '.', {"-999"})},
@@ -88,7 +88,7 @@ TEST(CsvReader, TakesQuotedFieldsAsTheyAre)
   const apptest::Folder folder;
   const QString path = folder.write(
       "t.csv", "\"zinc, \"\"total\"\"\",\"two\nlines\",\xE9t\xE9\n1,\"x;y\",3\n\"4\",5,6\n");
-  CsvReader reader(path, "t.csv", CsvFormat());
+  CsvReader reader(path, "t.csv", TableFormat());
   EXPECT_EQ(reader.getColumns(), (QStringList{"zinc, \"total\"", "two\nlines", "\u00E9t\u00E9"}));
   ASSERT_TRUE(reader.next());
   EXPECT_EQ(reader.getField(1), "x;y");
@@ -103,7 +103,7 @@ TEST(CsvReader, NamesFileLineAndColumnOfWhatIsWrong)
   struct Case
   {
     QByteArray content;
-    CsvFormat format;
+    TableFormat format;
     std::vector<const char *> parts;
   };
   const Case cases[] = {
@@ -153,7 +153,7 @@ TEST(CsvReader, ReadsTheSmallestNumbersAsTheyAre)
 TEST(CsvReader, FindsColumnsAndListsThem)
 {
   const apptest::Folder folder;
-  const CsvReader reader(folder.write("t.csv", "zinc,lead,lead\n1,2,3\n"), "t.csv", CsvFormat());
+  const CsvReader reader(folder.write("t.csv", "zinc,lead,lead\n1,2,3\n"), "t.csv", TableFormat());
   EXPECT_EQ(reader.findColumn("zinc", "variable.column"), 0);
   try {
     reader.findColumn("zink", "variable.column");
@@ -173,7 +173,7 @@ TEST(CsvReader, ReadsFilesLargerThanItsMemory)
   constexpr int n = 150000;  // about three chunks
   for (int i = 0; i < n; ++i)
     content += QByteArray::number(i) + ',' + QByteArray::number(double(i) * i, 'g', 17) + "\r\n";
-  CsvReader reader(folder.write("t.csv", content), "t.csv", CsvFormat());
+  CsvReader reader(folder.write("t.csv", content), "t.csv", TableFormat());
   for (int i = 0; i < n; ++i) {
     ASSERT_TRUE(reader.next());
     ASSERT_EQ(reader.getNumber(0), i);
@@ -187,7 +187,7 @@ TEST(CsvReader, SurvivesDamagedFiles)
 {
   const QByteArray whole = "\"a\";b;\"c \"\"d\"\"\"\n1;\"2.5\";3\n\"4\";NA;-999\r\n7;8;9\n";
   const apptest::Folder folder;
-  EXPECT_EQ(readNumbers(folder.write("t.csv", whole), CsvFormat()).size(), 3u);
+  EXPECT_EQ(readNumbers(folder.write("t.csv", whole), TableFormat()).size(), 3u);
   int nRead = 0;
   for (int round = 0; round < 500; ++round) {
     QByteArray damaged = whole;
@@ -197,7 +197,7 @@ TEST(CsvReader, SurvivesDamagedFiles)
       damaged.truncate(testsupport::uniformInt(8, round, whole.size()));
     const QString path = folder.write("t.csv", damaged);
     try {
-      EXPECT_LE(readNumbers(path, CsvFormat()).size(), 5u);
+      EXPECT_LE(readNumbers(path, TableFormat()).size(), 5u);
       ++nRead;
     } catch (const NbeUserError &error) {
       EXPECT_TRUE(error.getMessage().startsWith("t.csv"));

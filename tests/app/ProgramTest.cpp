@@ -16,28 +16,12 @@
 using namespace orvenal;
 using apptest::json;
 using apptest::MeuseJob;
+using apptest::Outcome;
+using apptest::runProgram;
 using testing::HasSubstr;
 using testing::Not;
 
 namespace {
-
-struct Outcome
-{
-  int exitCode = -1;
-  std::string output;
-  std::string errors;
-};
-
-Outcome runProgram(const QStringList &arguments, const QString &folder = QDir::tempPath())
-{
-  QProcess program;
-  program.setWorkingDirectory(folder);
-  program.start(ORVENAL_PROGRAM, arguments);
-  EXPECT_TRUE(program.waitForFinished(300000));
-  EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
-  return {program.exitCode(), program.readAllStandardOutput().toStdString(),
-          program.readAllStandardError().toStdString()};
-}
 
 Outcome runJob(const MeuseJob &job, const apptest::Folder &folder,
                const QStringList &options = QStringList())
@@ -55,7 +39,7 @@ using Nodes = std::map<std::pair<double, double>, Node>;
 
 Nodes readNodes(const QString &path)
 {
-  CsvReader reader(path, path, CsvFormat());
+  CsvReader reader(path, path, TableFormat());
   EXPECT_EQ(reader.getColumns().mid(0, 5),
             (QStringList{"x", "y", "estimate", "deviation", "variance"}));
   Nodes nodes;
@@ -180,7 +164,7 @@ TEST(Program, KrigesEveryVariantOfTheExamples)
 
   // The block's own results, from variance, volume, mean and production.
   const Nodes precise = runVariant("super-kriging", folder);
-  CsvReader table(folder.path("out/super-kriging.csv"), "super-kriging.csv", CsvFormat());
+  CsvReader table(folder.path("out/super-kriging.csv"), "super-kriging.csv", TableFormat());
   while (table.next()) {
     const double variance = table.getNumber(4);
     expectEqual(table.getNumber(5), variance * 1600.);
@@ -324,7 +308,7 @@ TEST(Program, KrigesInThreeDimensions)
     "output": {"grid": ["out.csv"], "report": "r.html"}})");
   const Outcome outcome = runProgram({"run", "job.json"}, folder.path(""));
   ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
-  CsvReader reader(folder.path("out.csv"), "out.csv", CsvFormat());
+  CsvReader reader(folder.path("out.csv"), "out.csv", TableFormat());
   EXPECT_EQ(reader.getColumns().mid(0, 4), (QStringList{"x", "y", "z", "estimate"}));
   std::map<std::vector<double>, double> found;
   std::vector<double> firstAxis;
@@ -353,7 +337,7 @@ TEST(Program, ComputesVariograms)
   EXPECT_EQ(folder.list("out"), (QStringList{"out/c.svg", "out/m.png", "out/v.csv", "out/v.svg"}));
 
   const testsupport::CsvFile reference("meuse/vario_centred_omni.csv");
-  CsvReader table(folder.path("out/v.csv"), "v.csv", CsvFormat());
+  CsvReader table(folder.path("out/v.csv"), "v.csv", TableFormat());
   std::size_t lag = 0;
   for (; table.next(); ++lag) {
     ASSERT_LT(lag, reference["np"].size());
@@ -392,7 +376,7 @@ TEST(Program, ComputesVariogramsByDirections)
   const Outcome outcome = runProgram({"run", "job.json"}, folder.path(""));
   ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
   EXPECT_THAT(outcome.output, HasSubstr("north"));
-  CsvReader table(folder.path("v.csv"), "v.csv", CsvFormat());
+  CsvReader table(folder.path("v.csv"), "v.csv", TableFormat());
   int nLines = 0;
   for (; table.next(); ++nLines) {
     const double azimuth = table.getNumber(1);
@@ -528,7 +512,7 @@ TEST(Program, CrossValidates)
     ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
     EXPECT_EQ(folder.list("out"), (QStringList{"out/x.csv", "out/x.png"}));
     const testsupport::CsvFile reference(file);
-    CsvReader table(folder.path("out/x.csv"), "x.csv", CsvFormat());
+    CsvReader table(folder.path("out/x.csv"), "x.csv", TableFormat());
     double squares = 0.;
     std::size_t i = 0;
     for (; table.next(); ++i) {
@@ -565,7 +549,7 @@ TEST(Program, LeavesOutLinesAndBalls)
       "output": {"crossValidation": {"table": "x.csv"}}})");
     const Outcome outcome = runProgram({"run", "--quiet", "job.json"}, folder.path(""));
     ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
-    CsvReader table(folder.path("x.csv"), "x.csv", CsvFormat());
+    CsvReader table(folder.path("x.csv"), "x.csv", TableFormat());
     for (int i = 0; table.next(); ++i)
       EXPECT_NEAR(table.getNumber(3), i < 6 ? 2. : 1., 1e-12) << leaveOut;
   }

@@ -5,6 +5,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -88,15 +89,18 @@ inline QJsonValue valueAt(QJsonValue root, const QStringList &place)
   return root;
 }
 
-/// The job of the Meuse example, reading its data where they are and writing into `out` beside the
-/// job.
+/// Ordinary kriging of the Meuse samples with a given model, reading its data where they are and
+/// writing into `out` beside the job.
 class MeuseJob
 {
 public:
-  MeuseJob() : _job(QJsonDocument::fromJson(readFile(ORVENAL_EXAMPLES "/meuse/job.json")).object())
+  MeuseJob()
+      : _job(QJsonDocument::fromJson(readFile(ORVENAL_EXAMPLES "/meuse/variants/ordinary.json"))
+                 .object())
   {
     set("data.file", ORVENAL_EXAMPLES "/meuse/meuse.csv");
     set("grid.mask.file", ORVENAL_EXAMPLES "/meuse/meuse_grid.csv");
+    set("output.directory", "out");
   }
 
   MeuseJob &set(const QString &place, const QJsonValue &value)
@@ -121,6 +125,26 @@ private:
 inline QJsonValue json(const char *text)
 {
   return QJsonDocument::fromJson(QByteArray("{\"v\":") + text + '}').object().value("v");
+}
+
+/// How a process ended, and what it said.
+struct Outcome
+{
+  int exitCode = -1;
+  std::string output;
+  std::string errors;
+};
+
+/// Runs the program.
+inline Outcome runProgram(const QStringList &arguments, const QString &folder = QDir::tempPath())
+{
+  QProcess program;
+  program.setWorkingDirectory(folder);
+  program.start(ORVENAL_PROGRAM, arguments);
+  EXPECT_TRUE(program.waitForFinished(300000));
+  EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
+  return {program.exitCode(), program.readAllStandardOutput().toStdString(),
+          program.readAllStandardError().toStdString()};
 }
 
 }  // namespace apptest
