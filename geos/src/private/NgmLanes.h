@@ -6,21 +6,24 @@ namespace NgmLanes {
 
 constexpr int LANES = 4;
 
-/// Lanes and what comparing them gives: all bits of a lane, or none. In memory they need no more
-/// than the alignment of their elements.
-typedef double Lanes
-    __attribute__((vector_size(LANES * sizeof(double)), aligned(sizeof(double)), may_alias));
-typedef long long Bits
-    __attribute__((vector_size(LANES * sizeof(long long)), aligned(sizeof(long long)), may_alias));
+/// Lanes, and what comparing them gives: all bits of a lane, or none. To be passed by reference.
+typedef double Lanes __attribute__((vector_size(LANES * sizeof(double))));
+typedef long long Bits __attribute__((vector_size(LANES * sizeof(long long))));
 
-inline const Lanes &lanes(const double *p)
+/// Lanes among other numbers in memory, at any place.
+struct __attribute__((packed, may_alias)) Stored
 {
-  return *reinterpret_cast<const Lanes *>(p);
+  Lanes lanes;
+};
+
+inline const Stored &at(const double *p)
+{
+  return *reinterpret_cast<const Stored *>(p);
 }
 
-inline Lanes &lanes(double *p)
+inline Stored &at(double *p)
 {
-  return *reinterpret_cast<Lanes *>(p);
+  return *reinterpret_cast<Stored *>(p);
 }
 
 /// n rounded up to whole registers.

@@ -265,13 +265,13 @@ private:
     for (int i = 0; i < LEAF; i += LANES, bit <<= LANES) {
       Lanes squared = {}, weighted = {};
       for (int axis = 0; axis < nDim; ++axis) {
-        const Lanes difference = lanes(leaf + axis * LEAF + i) - _point[axis];
+        const Lanes difference = at(leaf + axis * LEAF + i).lanes - _point[axis];
         squared += difference * difference;
         if (WEIGHTED)
           weighted += _weights[axis] * (difference * difference);
       }
-      lanes(values + i) = WEIGHTED ? weighted : squared;
-      Bits counts = lanes(values + i) <= bound;
+      at(values + i).lanes = WEIGHTED ? weighted : squared;
+      Bits counts = at(values + i).lanes <= bound;
       if (WEIGHTED)
         counts &= squared <= _squaredRadius;
       found |= counts & bit;

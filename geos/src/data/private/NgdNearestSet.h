@@ -103,10 +103,10 @@ private:
     using namespace NgmLanes;
     const Lanes inserted = {key, key, key, key};
     for (int i = _count++ / LANES * LANES; i >= 0; i -= LANES) {
-      const Lanes here = lanes(_keys + i);
-      const Lanes before = lanes(_keys + i - 1);
+      const Lanes here = at(_keys + i).lanes;
+      const Lanes before = at(_keys + i - 1).lanes;
       const Lanes smaller = here < inserted ? here : inserted;
-      lanes(_keys + i) = smaller > before ? smaller : before;
+      at(_keys + i).lanes = smaller > before ? smaller : before;
     }
   }
 
