@@ -3,6 +3,7 @@
 #include "app/commands/FitCommand.h"
 #include "app/commands/HelpCommand.h"
 #include "app/commands/HelpTopics.h"
+#include "app/commands/InfoCommand.h"
 #include "app/commands/RunCommand.h"
 #include "app/commands/VariogramCommand.h"
 #include "app/commands/VersionCommand.h"
@@ -24,6 +25,7 @@ Program::Program()
   _commands.push_back(std::make_unique<VariogramCommand>());
   _commands.push_back(std::make_unique<FitCommand>());
   _commands.push_back(std::make_unique<XvalidCommand>());
+  _commands.push_back(std::make_unique<InfoCommand>());
   _commands.push_back(std::make_unique<HelpCommand>(*this));
   _commands.push_back(std::make_unique<VersionCommand>());
 }

@@ -114,8 +114,6 @@ void readFitOf(const JobObject &root, Job &job)
     root.fail(name, QObject::tr("needs \"variogram\", to which the model is fitted"));
   if (job.variogram->curve != NgmEVarioExp::VARIOGRAM)
     root.fail(key("variogram.curve"), QObject::tr("a model is fitted to a \"Variogram\""));
-  if (!job.covariates.isEmpty())
-    root.fail(name, QObject::tr("fits one variable; with \"covariates\" give the \"model\""));
   job.fit = readFit(root.object(name, fitKeys()));
 }
 

@@ -3,6 +3,7 @@
 #include "app/io/AxesReader.h"
 #include "app/io/JobObject.h"
 #include "app/io/Suggestion.h"
+#include "app/study/Coregionalization.h"
 #include "app/study/ModelFit.h"
 #include "basic/base/NbbGlobal.h"
 #include "basic/error/NbeError.h"
@@ -15,7 +16,6 @@
 #include <QObject>
 
 #include <cmath>
-#include <limits>
 
 namespace orvenal {
 
@@ -65,20 +65,16 @@ void readParameter(const JobObject &object, NgmVModel &model, int index)
   model.setAuxiliaryParameter(index, 0, value);
 }
 
-/// The library's reason without the place in its sources.
-QString reasonOf(const NbeError &error)
+/// Sills of several variables are variances and covariances: no eigenvalue is negative.
+void checkSills(const JobObject &object, const QString &key, NgmMatrix &sills)
 {
-  return error.getMessage().section(QStringLiteral("\n\n"), -1).trimmed();
-}
-
-/// Up to what rounding makes of a zero.
-bool hasNegativeEigenvalue(const NgmMatrix &matrix)
-{
-  NgmMatrix values(false);
-  NgmMatrix vectors(false);
-  const double largest = matrix.eigenValues(values, vectors, false, false, 1);
-  const double rounding = matrix.getNRows() * std::numeric_limits<double>::epsilon();
-  return values(0, 0) < -rounding * std::abs(largest);
+  constexpr double rounding = 1e-12;
+  const double eigenvalue = Coregionalization::smallestEigenvalue(sills);
+  if (eigenvalue < -rounding)
+    object.fail(key, QObject::tr("the matrix is not positive semi-definite: two of the variables "
+                                 "are more correlated than they can be"));
+  if (eigenvalue < 0.)
+    Coregionalization::shrink(sills, 2. * rounding);
 }
 
 /// One number for one variable, else a symmetric matrix with a row per variable.
@@ -97,9 +93,7 @@ NgmMatrix readSills(const JobObject &object, const QString &key, int nVariables)
       sills.setElement(i, j, rows[std::size_t(i)][std::size_t(j)]);
     }
   }
-  if (hasNegativeEigenvalue(sills))
-    object.fail(key, QObject::tr("the matrix is not positive semi-definite: variables would vary "
-                                 "together more than each of them alone"));
+  checkSills(object, key, sills);
   return sills;
 }
 
@@ -128,6 +122,28 @@ void readStructure(const JobObject &object, int nDimensions, NgmVModel &model)
   readParameter(object, model, index);  // the practical factor may depend on it
   model.setRanges(index, practicalRanges(object, ranges, model.getStructure(index)));
   model.setRotation(index, readFrame(object, nDimensions, ranges.x() != ranges.y()));
+}
+
+/// The library's reason without the place in its sources.
+QString reasonOf(const NbeError &error)
+{
+  return error.getMessage().section(QStringLiteral("\n\n"), -1).trimmed();
+}
+
+/// Checks a model in units in which the variables have similar sizes.
+void authorize(const JobObject &object, NgmVModel &model)
+{
+  const QVector<double> units = Coregionalization::exactUnits(model);
+  QVector<double> inverses;
+  for (const double unit : units)
+    inverses << 1. / unit;
+  try {
+    Coregionalization::rescale(model, inverses);
+    model.makeAuthorized();
+    Coregionalization::rescale(model, units);
+  } catch (const NbeError &error) {
+    object.fail(QObject::tr("the model is not admissible: ") + reasonOf(error));
+  }
 }
 
 }  // namespace
@@ -183,11 +199,7 @@ NgmVModel readModel(const JobObject &object, int nDimensions, int nVariables)
   }
   if (!model.isValid())
     object.fail(QObject::tr("the model is empty; give a nugget or a structure"));
-  try {
-    model.makeAuthorized();
-  } catch (const NbeError &error) {
-    object.fail(QObject::tr("the model is not admissible: ") + reasonOf(error));
-  }
+  authorize(object, model);
   return model;
 }
 
