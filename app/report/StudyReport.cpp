@@ -235,16 +235,9 @@ QString crossValidation(const StudyResult &result)
                    QStringLiteral("lead"));
 }
 
-QString vectorText(const NbgVector3D &v)
-{
-  const auto component = [](double value) {
-    return QString::number(std::abs(value) < 5e-7 ? 0. : value, 'f', 6);
-  };
-  return QObject::tr("(%1, %2, %3)").arg(component(v.x()), component(v.y()), component(v.z()));
-}
-
 /// A row per axis of the structure's frame: range, direction and vector; the sill before them when
-/// there is one variable.
+/// there is one variable. In two dimensions the third axis of an anisotropic structure is shown
+/// too; it has no range.
 void addStructure(const NgmVModel &model, int index, const Job &job, NbbHtmlTable &table)
 {
   const NgmAVStruct &structure = model.getStructure(index);
@@ -256,13 +249,17 @@ void addStructure(const NgmVModel &model, int index, const Job &job, NbbHtmlTabl
   if (structure.getNAuxiliaryParameters() > 0)
     name += QObject::tr(", %1 %2").arg(structure.getAuxiliaryName(0),
                                        Describe::number(structure.getAuxiliaryValue(0)));
-  for (int axis = 0; axis < job.getNDimensions(); ++axis) {
+  const int nDimensions = job.getNDimensions();
+  const int nAxes = structure.isIsotropic() ? nDimensions : 3;
+  for (int axis = 0; axis < nAxes; ++axis) {
     QStringList row = {axis == 0 ? name : QString()};
     if (job.getNVariables() == 1)
       row << (axis == 0 ? Describe::number(model.getCoregionalisationMatrix(index)(0, 0))
                         : QString());
-    row << QLatin1String(names[axis]) << Describe::length(ranges[axis], job.lengthUnit)
-        << Compass::describe(axes[axis], job.getNDimensions()) << vectorText(axes[axis]);
+    row << QLatin1String(names[axis])
+        << (axis < nDimensions ? Describe::length(ranges[axis], job.lengthUnit) : QString())
+        << Compass::describe(axes[axis], axis < 2 ? nDimensions : 3)
+        << Describe::vector(axes[axis]);
     table.addRow(row);
   }
 }
