@@ -6,7 +6,7 @@ namespace orvenal {
 
 class Program;
 
-/// Prints the list of commands, or the help of one.
+/// Prints the list of commands, or the help of one or of a topic.
 class HelpCommand : public Command
 {
 public:

@@ -48,7 +48,7 @@ void applyOptions(const QCommandLineParser &parser, Job &job)
 QString JobCommand::getHelp() const
 {
   return QObject::tr(
-             "usage: orvenal %1 [OPTIONS] JOB.json\n\n%2\ndocs/job.md describes the job.\n\n"
+             "usage: orvenal %1 [OPTIONS] JOB.json\n\n%2\nThe job is described by: orvenal help job\n\n"
              "  -q, --quiet       print nothing but errors\n"
              "  --threads N       number of threads (default: all processors)\n"
              "  --memory SIZE     memory for the work, such as \"500 MB\" or 2GB (default: half of "

@@ -2,6 +2,8 @@
 
 #include "app/commands/FitCommand.h"
 #include "app/commands/HelpCommand.h"
+#include "app/commands/HelpTopics.h"
+#include "app/commands/InfoCommand.h"
 #include "app/commands/RunCommand.h"
 #include "app/commands/VariogramCommand.h"
 #include "app/commands/VersionCommand.h"
@@ -23,6 +25,7 @@ Program::Program()
   _commands.push_back(std::make_unique<VariogramCommand>());
   _commands.push_back(std::make_unique<FitCommand>());
   _commands.push_back(std::make_unique<XvalidCommand>());
+  _commands.push_back(std::make_unique<InfoCommand>());
   _commands.push_back(std::make_unique<HelpCommand>(*this));
   _commands.push_back(std::make_unique<VersionCommand>());
 }
@@ -49,9 +52,14 @@ QString Program::getHelp() const
   for (const std::unique_ptr<Command> &command : _commands)
     text += QStringLiteral("  %1  %2\n")
                 .arg(command->getName().leftJustified(10), command->getSummary());
+  QStringList topics;
+  for (const HelpTopic &topic : helpTopics())
+    topics << topic.name;
   return text + QObject::tr(
                     "\nHelp on one of them: orvenal help COMMAND\n"
-                    "Exit codes: 0 done, 1 failed, 2 wrong use, 130 interrupted");
+                    "Help on a topic: orvenal help %1\n"
+                    "Exit codes: 0 done, 1 failed, 2 wrong use, 130 interrupted")
+                    .arg(topics.join(QStringLiteral(" | ")));
 }
 
 int Program::run(const QStringList &arguments, Console &console) const

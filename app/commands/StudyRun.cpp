@@ -10,11 +10,15 @@
 #include "app/io/SpatialReference.h"
 #include "app/io/VariogramCsvWriter.h"
 #include "app/plot/CrossValidationPicture.h"
+#include "app/plot/HistogramPicture.h"
 #include "app/plot/MapPicture.h"
+#include "app/plot/SampleMapPicture.h"
+#include "app/plot/SectionsPicture.h"
 #include "app/plot/VariogramMapPicture.h"
 #include "app/plot/VariogramPicture.h"
 #include "app/report/Describe.h"
 #include "app/report/StudyReport.h"
+#include "app/study/References.h"
 #include "app/study/Statistics.h"
 #include "app/study/VariogramMap.h"
 #include "basic/error/NbeUserError.h"
@@ -26,6 +30,30 @@
 #include <QObject>
 
 namespace orvenal {
+
+namespace {
+
+SampleMapStyle sampleMapStyle(const Job &job, const QString &valueLabel)
+{
+  SampleMapStyle style;
+  style.title = job.title;
+  style.valueLabel = valueLabel;
+  style.lengthUnit = job.lengthUnit;
+  style.grid = job.hasGrid ? &job.grid : nullptr;
+  return style;
+}
+
+Picture drawResult(const GridResult &grid, const std::vector<double> &values,
+                   const StudyResult &result, const MapStyle &style)
+{
+  if (grid.geometry.is2D())
+    return drawMap(grid.geometry, values, result.samples, style);
+  return drawSections(grid.geometry, values,
+                      chooseSections(grid.geometry, result.job.output.sections), result.samples,
+                      style);
+}
+
+}  // namespace
 
 StudyRun::StudyRun(const Job &job, const Steps &steps, Console &console)
     : _steps(steps), _console(console), _context{console, job.threads, job.memory, [this] {
@@ -59,6 +87,7 @@ void StudyRun::run()
     _console.print(textVariograms(_result.variography, _result.job) + '\n');
   if (_isToDo(Step::CROSS_VALIDATION))
     _console.print(textCrossValidation(_result) + '\n');
+  _drawSamples();
   _drawVariograms();
   _drawCrossValidation();
   _drawMaps();
@@ -80,6 +109,8 @@ void StudyRun::_reserveOutputs()
 void StudyRun::_readData()
 {
   const Job &job = _result.job;
+  for (const QString &warning : adoptReferences(_result.job, _isToDo(Step::KRIGING)))
+    _console.warn(warning);
   _result.samples = readSamples(job);
   _samples = makeProvider(_result.samples);
   _console.print(
@@ -104,6 +135,23 @@ void StudyRun::_computeStatistics()
       computeMultivariateStatistics(makeVariableDataSet(_result.job, _samples), _context);
   _result.sampleStatistics = _result.variableStatistics.getConstUnivariateStats(0);
   _endStep(QObject::tr("Statistics of the samples"));
+}
+
+void StudyRun::_drawSamples()
+{
+  const Job &job = _result.job;
+  const JobOutput &output = job.output;
+  if (output.dataMap.isEmpty() && output.dataHistogram.isEmpty() && output.report.isEmpty())
+    return;
+  const Picture map = drawSampleMap(_result.samples, sampleMapStyle(job, job.variable.getLabel()));
+  _result.dataMap = map.toPng();
+  _writePicture(output.dataMap, map);
+  Interruption::check();
+  const Picture histogram = drawHistogram(_result.samples.value, _result.sampleStatistics,
+                                          job.title, job.variable.getLabel());
+  _result.dataHistogram = histogram.toPng();
+  _writePicture(output.dataHistogram, histogram);
+  _endStep(QObject::tr("Pictures of the samples"));
 }
 
 void StudyRun::_computeVariograms()
@@ -160,13 +208,19 @@ void StudyRun::_drawCrossValidation()
 {
   const Job &job = _result.job;
   if (!_isToDo(Step::CROSS_VALIDATION) ||
-      (job.output.crossValidationPicture.isEmpty() && job.output.report.isEmpty()))
+      (job.output.crossValidationPicture.isEmpty() && job.output.crossValidationMap.isEmpty() &&
+       job.output.report.isEmpty()))
     return;
   const Picture picture = drawCrossValidation(_result.crossValidation, _result.samples.value,
                                               job.title, job.variable.getLabel());
   _result.crossValidationPicture = picture.toPng();
   _writePicture(job.output.crossValidationPicture, picture);
-  _endStep(QObject::tr("Picture of the cross-validation"));
+  const Picture map = drawErrorMap(
+      _result.samples, _result.crossValidation.standardizedError,
+      sampleMapStyle(job, QObject::tr("Standardized error of %1").arg(job.variable.name)));
+  _result.crossValidationMap = map.toPng();
+  _writePicture(job.output.crossValidationMap, map);
+  _endStep(QObject::tr("Pictures of the cross-validation"));
 }
 
 void StudyRun::_krige()
@@ -202,7 +256,7 @@ void StudyRun::_drawMaps()
   const Job &job = _result.job;
   const bool wanted = !job.output.report.isEmpty() || !job.output.estimateMap.isEmpty() ||
                       !job.output.deviationMap.isEmpty();
-  if (!wanted || !_result.estimation || !_result.estimation->grid.geometry.is2D())
+  if (!wanted || !_result.estimation)
     return;
   const GridResult &grid = _result.estimation->grid;
   MapStyle style;
@@ -211,14 +265,14 @@ void StudyRun::_drawMaps()
   style.subtitle = Describe::method(job);
   style.valueLabel = Describe::estimateLabel(job);
   style.coloredSamples = true;
-  const Picture estimate = drawMap(grid.geometry, grid.estimate, _result.samples, style);
+  const Picture estimate = drawResult(grid, grid.estimate, _result, style);
   _result.estimateMap = estimate.toPng();
   _writePicture(job.output.estimateMap, estimate);
   Interruption::check();
   style.valueLabel = Describe::deviationLabel(job);
   style.isDeviation = true;
   style.coloredSamples = false;
-  const Picture deviation = drawMap(grid.geometry, grid.deviation, _result.samples, style);
+  const Picture deviation = drawResult(grid, grid.deviation, _result, style);
   _result.deviationMap = deviation.toPng();
   _writePicture(job.output.deviationMap, deviation);
   _endStep(QObject::tr("Maps"));

@@ -1,11 +1,11 @@
 #include "app/io/JobObject.h"
 
+#include "app/io/JobText.h"
 #include "app/io/Suggestion.h"
 #include "app/io/UsageError.h"
 #include "basic/error/NbeAssertion.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QObject>
 
 #include <cmath>
@@ -41,35 +41,24 @@ QString describe(const QJsonValue &value)
   }
 }
 
-/// Line and column of a byte of a UTF-8 text, both from 1.
-QString placeOf(const QByteArray &text, int offset)
-{
-  const QByteArray before = text.left(offset);
-  const int line = before.count('\n') + 1;
-  const int column = QString::fromUtf8(before.mid(before.lastIndexOf('\n') + 1)).size() + 1;
-  return QObject::tr("line %1, column %2").arg(line).arg(column);
-}
-
 }  // namespace
 
 JobObject JobObject::parse(const QString &file, const QByteArray &text,
                            const QStringList &knownKeys)
 {
-  static const QByteArray byteOrderMark("\xEF\xBB\xBF");
-  const QByteArray json = text.startsWith(byteOrderMark) ? text.mid(byteOrderMark.size()) : text;
-  QJsonParseError error;
-  const QJsonDocument document = QJsonDocument::fromJson(json, &error);
-  if (error.error != QJsonParseError::NoError)
-    throw UsageError(QObject::tr("%1, %2: not valid JSON: %3")
-                         .arg(file, placeOf(json, error.offset), error.errorString()));
-  if (!document.isObject())
+  const QJsonValue root = parseJobText(file, text).root;
+  if (!root.isObject())
     throw UsageError(QObject::tr("%1: a job is a JSON object, { ... }").arg(file));
-  return JobObject(file, QString(), document.object(), knownKeys);
+  const QString schema = QStringLiteral("$schema");  // names the schema for editors
+  QJsonObject object = root.toObject();
+  if (object.contains(schema) && !object.take(schema).isString())
+    throw UsageError(QObject::tr("%1: %2: expected a text in quotes").arg(file, schema));
+  return JobObject(file, QString(), object, knownKeys);
 }
 
 JobObject::JobObject(const QString &file, const QString &path, const QJsonObject &object,
-                     const QStringList &knownKeys)
-    : _file(file), _path(path), _object(object), _knownKeys(knownKeys)
+                     const QStringList &knownKeys, const Conventions &conventions)
+    : _file(file), _path(path), _object(object), _knownKeys(knownKeys), _conventions(conventions)
 {
   for (const QString &key : object.keys()) {
     if (knownKeys.contains(key))
@@ -84,6 +73,22 @@ JobObject::JobObject(const QString &file, const QString &path, const QJsonObject
 QString JobObject::getPath(const QString &key) const
 {
   return _path.isEmpty() ? key : _path + '.' + key;
+}
+
+void JobObject::readConventions()
+{
+  const QString name = QStringLiteral("conventions");
+  if (!has(name))
+    return;
+  const QString ranges = QStringLiteral("ranges");
+  const QString angles = QStringLiteral("angles");
+  const QStringList rangeNames = {QStringLiteral("practical"), QStringLiteral("scale")};
+  const QStringList angleNames = {QStringLiteral("azimuth"), QStringLiteral("mathematical")};
+  const JobObject given = object(name, {ranges, angles});
+  _conventions.ranges =
+      RangeConvention(rangeNames.indexOf(given.choice(ranges, rangeNames, rangeNames.first())));
+  _conventions.angles =
+      AngleConvention(angleNames.indexOf(given.choice(angles, angleNames, angleNames.first())));
 }
 
 bool JobObject::has(const QString &key) const
@@ -198,7 +203,7 @@ JobObject JobObject::object(const QString &key, const QStringList &knownKeys) co
   const QJsonValue value = _value(key);
   if (!value.isObject())
     _failType(getPath(key), QObject::tr("an object"), value);
-  return JobObject(_file, getPath(key), value.toObject(), knownKeys);
+  return JobObject(_file, getPath(key), value.toObject(), knownKeys, _conventions);
 }
 
 QList<JobObject> JobObject::objects(const QString &key, const QStringList &knownKeys) const
@@ -209,7 +214,7 @@ QList<JobObject> JobObject::objects(const QString &key, const QStringList &known
     const QString path = elementPath(getPath(key), i);
     if (!array[i].isObject())
       _failType(path, QObject::tr("an object"), array[i]);
-    objects.append(JobObject(_file, path, array[i].toObject(), knownKeys));
+    objects.append(JobObject(_file, path, array[i].toObject(), knownKeys, _conventions));
   }
   return objects;
 }

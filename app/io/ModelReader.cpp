@@ -5,6 +5,7 @@
 #include "app/io/Suggestion.h"
 #include "app/study/Coregionalization.h"
 #include "app/study/ModelFit.h"
+#include "basic/base/NbbGlobal.h"
 #include "basic/error/NbeError.h"
 #include "basic/interval/NbiIntervalData.h"
 #include "geos/matrix/NgmMatrix.h"
@@ -14,7 +15,7 @@
 
 #include <QObject>
 
-#include <memory>
+#include <cmath>
 
 namespace orvenal {
 
@@ -96,6 +97,18 @@ NgmMatrix readSills(const JobObject &object, const QString &key, int nVariables)
   return sills;
 }
 
+/// The ranges of a structure that has its parameter of shape.
+NbgVector3D practicalRanges(const JobObject &object, const NbgVector3D &given,
+                            const NgmAVStruct &structure)
+{
+  const NbgVector3D ranges = toPracticalRanges(given, object.getConventions().ranges, structure);
+  for (const double range : {ranges.x(), ranges.y(), ranges.z()}) {
+    if (!NbbGlobal::isDefined(range))
+      object.fail(QObject::tr("a practical range of %1 is too large").arg(range));
+  }
+  return ranges;
+}
+
 void readStructure(const JobObject &object, int nDimensions, NgmVModel &model)
 {
   const NgmEVStruct type =
@@ -107,7 +120,7 @@ void readStructure(const JobObject &object, int nDimensions, NgmVModel &model)
       readLengths(object, QStringLiteral("range"), QStringLiteral("ranges"), nDimensions);
   const int index = model.addStructure(type.getLabel(), sills);
   readParameter(object, model, index);  // the practical factor may depend on it
-  model.setRanges(index, ranges);
+  model.setRanges(index, practicalRanges(object, ranges, model.getStructure(index)));
   model.setRotation(index, readFrame(object, nDimensions, ranges.x() != ranges.y()));
 }
 

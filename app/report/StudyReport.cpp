@@ -2,6 +2,7 @@
 
 #include "app/console/Progress.h"
 #include "app/io/SpatialReference.h"
+#include "app/plot/SampleMapPicture.h"
 #include "app/report/Describe.h"
 #include "app/report/StudyResult.h"
 #include "app/report/Versions.h"
@@ -37,7 +38,7 @@ p { margin: .4rem 0; }
 .lead { color: #4a5a6a; }
 figure { margin: 1rem 0; }
 figure img { max-width: 100%; height: auto; }
-#variograms > figure, #cross-validation > figure { max-width: 44rem; }
+#variograms > figure { max-width: 44rem; }
 .maps { display: flex; flex-wrap: wrap; gap: 1rem; margin-top: 1rem; }
 .maps figure { flex: 1 1 22rem; margin: 0; }
 .maps img { width: 100%; height: auto; }
@@ -104,10 +105,22 @@ QString maps(const StudyResult &result)
 {
   if (result.estimateMap.isEmpty() && result.deviationMap.isEmpty())
     return QString();
-  return QStringLiteral("<div class=\"maps\">\n") +
-         figure(result.estimateMap, Describe::estimateLabel(result.job)) +
-         figure(result.deviationMap, Describe::deviationLabel(result.job)) +
+  const bool is3D = result.job.getNDimensions() > 2;
+  const QString caption = is3D ? QObject::tr("%1, sections") : QStringLiteral("%1");
+  return QStringLiteral("<div class=\"%1\">\n")
+             .arg(is3D ? QStringLiteral("sections") : QStringLiteral("maps")) +
+         figure(result.estimateMap, caption.arg(Describe::estimateLabel(result.job))) +
+         figure(result.deviationMap, caption.arg(Describe::deviationLabel(result.job))) +
          QStringLiteral("</div>\n");
+}
+
+QString samplePictures(const StudyResult &result)
+{
+  return figure(result.dataMap,
+                QObject::tr("The samples, coloured by %1").arg(Describe::sampleLabel(result.job))) +
+         figure(result.dataHistogram,
+                QObject::tr("Histogram of %1, and its values on Gaussian probabilities")
+                    .arg(Describe::sampleLabel(result.job)));
 }
 
 QString warnings(const StudyResult &result)
@@ -130,12 +143,8 @@ QString data(const StudyResult &result)
                {QObject::tr("Samples"), QString::number(samples.getCount())},
                {QObject::tr("Undefined values"), QString::number(samples.nUndefined)},
                {QObject::tr("Samples at the place of another"), describeDuplicates(job, samples)}};
-  if (!job.crs.isEmpty()) {
-    QString reason;
-    const QString name = SpatialReference::parse(job.crs, reason).getName();
-    rows.append(
-        {QObject::tr("Coordinate reference system"), QObject::tr("%1 (%2)").arg(job.crs, name)});
-  }
+  if (!job.crs.isEmpty())
+    rows.append({QObject::tr("Coordinate reference system"), SpatialReference::describe(job.crs)});
   if (result.estimation)
     rows.append({QObject::tr("Grid"), Describe::grid(job)});
   if (result.estimation && job.mask)
@@ -193,7 +202,11 @@ QString variograms(const StudyResult &result)
 
 QString crossValidation(const StudyResult &result)
 {
-  return figure(result.crossValidationPicture, QObject::tr("Cross-validation")) +
+  return figure(result.crossValidationPicture,
+                QObject::tr("Values against estimates, and standardized errors")) +
+         figure(result.crossValidationMap,
+                QObject::tr("Map of the standardized errors; triangles are beyond %1")
+                    .arg(QString::number(largestUsualError))) +
          rowsTable(crossValidationRows(result)) +
          paragraph(QObject::tr("Errors are estimates less values; standardized ones are divided by "
                                "the kriging standard deviation. A fitting model has a mean error "
@@ -372,7 +385,8 @@ QByteArray studyReport(const StudyResult &result)
   html += NbbHtml::title(result.job.title, 1) + '\n' +
           paragraph(lead(result), QStringLiteral("lead")) + warnings(result) + maps(result);
   html += section(QStringLiteral("statistics"), QObject::tr("Statistics"), statistics(result));
-  html += section(QStringLiteral("data"), QObject::tr("Data"), data(result));
+  html +=
+      section(QStringLiteral("data"), QObject::tr("Data"), data(result) + samplePictures(result));
   if (!result.variography.isEmpty())
     html += section(QStringLiteral("variograms"), QObject::tr("Experimental variograms"),
                     variograms(result));

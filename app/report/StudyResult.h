@@ -22,16 +22,19 @@ struct StudyResult
   Samples samples;
   NbcStatMono sampleStatistics;                  ///< of the variable to estimate
   NgmMultivariateStatistics variableStatistics;  ///< of it and its covariates
-  qint64 nMaskOutside = 0;                       ///< points of the mask's file outside the grid
-  Variography variography;                       ///< empty without that step
+  QByteArray dataMap;                            ///< PNG, as all pictures
+  QByteArray dataHistogram;
+  qint64 nMaskOutside = 0;  ///< points of the mask's file outside the grid
+  Variography variography;  ///< empty without that step
   std::optional<ModelFit> fit;
-  QByteArray variogramPicture;  ///< PNG, as all pictures
-  QByteArray variogramMap;      ///< where they were asked for
+  QByteArray variogramPicture;
+  QByteArray variogramMap;  ///< where they were asked for
   QByteArray variogramCloud;
   CrossValidation crossValidation;  ///< empty without that step
   QByteArray crossValidationPicture;
+  QByteArray crossValidationMap;
   std::optional<Estimation> estimation;
-  QByteArray estimateMap;  ///< empty for a grid of three dimensions
+  QByteArray estimateMap;  ///< of sections, for a grid of three dimensions
   QByteArray deviationMap;
   QStringList warnings;
   QVector<QPair<QString, double>> seconds;  ///< of each step, in order

@@ -3,6 +3,7 @@
 #include "app/io/TableReader.h"
 #include "app/study/CrossValidation.h"
 #include "app/study/Duplicates.h"
+#include "app/study/GridSection.h"
 #include "app/study/KrigingRequest.h"
 #include "app/study/ModelFit.h"
 #include "app/study/VariogramRequest.h"
@@ -45,8 +46,11 @@ struct JobVariable : Column
 struct JobOutput
 {
   QStringList grids;
-  QString estimateMap;
+  QString dataMap;
+  QString dataHistogram;
+  QString estimateMap;  ///< of sections, for a grid of three dimensions
   QString deviationMap;
+  QList<SectionRequest> sections;  ///< empty for the usual ones
   QString variogramTable;
   QString variogramPicture;
   QString variogramMap;
@@ -54,13 +58,14 @@ struct JobOutput
   QString fittedModel;
   QString crossValidationTable;
   QString crossValidationPicture;
+  QString crossValidationMap;
   QString report;
 
   QStringList getFiles() const;
 };
 
 /// Parts of a study that can be run alone.
-enum class Step { VARIOGRAM, FIT, CROSS_VALIDATION, KRIGING, REPORT };
+enum class Step { STATISTICS, VARIOGRAM, FIT, CROSS_VALIDATION, KRIGING, REPORT };
 using Steps = std::set<Step>;
 
 /// A study as a job file describes it, in the terms of the libraries: angles are converted,
