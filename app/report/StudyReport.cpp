@@ -158,12 +158,11 @@ QString data(const StudyResult &result)
   static const char *const transforms[] = {"column \"%1\"", "natural logarithm of column \"%1\"",
                                            "square root of column \"%1\""};
   const QString transform = QObject::tr(transforms[int(job.variable.transform)]);
-  Rows rows = {
-      {QObject::tr("Variable"), Describe::sampleLabel(job)},
-      {QObject::tr("Values"), transform.arg(job.variable.column)},
-      {QObject::tr("Samples"), QString::number(samples.getCount())},
-      {QObject::tr("Undefined values"), QString::number(samples.nUndefined)},
-      {QObject::tr("Samples at the place of another"), QString::number(samples.nDuplicates)}};
+  Rows rows = {{QObject::tr("Variable"), Describe::sampleLabel(job)},
+               {QObject::tr("Values"), transform.arg(job.variable.column)},
+               {QObject::tr("Samples"), QString::number(samples.getCount())},
+               {QObject::tr("Undefined values"), QString::number(samples.nUndefined)},
+               {QObject::tr("Samples at the place of another"), describeDuplicates(job, samples)}};
   if (!job.crs.isEmpty())
     rows.append({QObject::tr("Coordinate reference system"), SpatialReference::describe(job.crs)});
   if (result.estimation)
