@@ -16,28 +16,12 @@
 using namespace orvenal;
 using apptest::json;
 using apptest::MeuseJob;
+using apptest::Outcome;
+using apptest::runProgram;
 using testing::HasSubstr;
 using testing::Not;
 
 namespace {
-
-struct Outcome
-{
-  int exitCode = -1;
-  std::string output;
-  std::string errors;
-};
-
-Outcome runProgram(const QStringList &arguments, const QString &folder = QDir::tempPath())
-{
-  QProcess program;
-  program.setWorkingDirectory(folder);
-  program.start(ORVENAL_PROGRAM, arguments);
-  EXPECT_TRUE(program.waitForFinished(300000));
-  EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
-  return {program.exitCode(), program.readAllStandardOutput().toStdString(),
-          program.readAllStandardError().toStdString()};
-}
 
 Outcome runJob(const MeuseJob &job, const apptest::Folder &folder,
                const QStringList &options = QStringList())

@@ -5,6 +5,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -121,6 +122,26 @@ private:
 inline QJsonValue json(const char *text)
 {
   return QJsonDocument::fromJson(QByteArray("{\"v\":") + text + '}').object().value("v");
+}
+
+/// How a process ended, and what it said.
+struct Outcome
+{
+  int exitCode = -1;
+  std::string output;
+  std::string errors;
+};
+
+/// Runs the program.
+inline Outcome runProgram(const QStringList &arguments, const QString &folder = QDir::tempPath())
+{
+  QProcess program;
+  program.setWorkingDirectory(folder);
+  program.start(ORVENAL_PROGRAM, arguments);
+  EXPECT_TRUE(program.waitForFinished(300000));
+  EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
+  return {program.exitCode(), program.readAllStandardOutput().toStdString(),
+          program.readAllStandardError().toStdString()};
 }
 
 }  // namespace apptest
