@@ -1,12 +1,12 @@
 #include "app/io/JobObject.h"
 
 #include "app/io/JobError.h"
+#include "app/io/JobText.h"
 #include "app/io/Suggestion.h"
 #include "app/io/UsageError.h"
 #include "basic/error/NbeAssertion.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QObject>
 
 #include <cmath>
@@ -42,30 +42,19 @@ QString describe(const QJsonValue &value)
   }
 }
 
-/// Line and column of a byte of a UTF-8 text, both from 1.
-QString placeOf(const QByteArray &text, int offset)
-{
-  const QByteArray before = text.left(offset);
-  const int line = before.count('\n') + 1;
-  const int column = QString::fromUtf8(before.mid(before.lastIndexOf('\n') + 1)).size() + 1;
-  return QObject::tr("line %1, column %2").arg(line).arg(column);
-}
-
 }  // namespace
 
 JobObject JobObject::parse(const QString &file, const QByteArray &text,
                            const QStringList &knownKeys)
 {
-  static const QByteArray byteOrderMark("\xEF\xBB\xBF");
-  const QByteArray json = text.startsWith(byteOrderMark) ? text.mid(byteOrderMark.size()) : text;
-  QJsonParseError error;
-  const QJsonDocument document = QJsonDocument::fromJson(json, &error);
-  if (error.error != QJsonParseError::NoError)
-    throw UsageError(QObject::tr("%1, %2: not valid JSON: %3")
-                         .arg(file, placeOf(json, error.offset), error.errorString()));
-  if (!document.isObject())
+  const QJsonValue root = parseJobText(file, text).root;
+  if (!root.isObject())
     throw UsageError(QObject::tr("%1: a job is a JSON object, { ... }").arg(file));
-  return JobObject(file, QString(), document.object(), knownKeys);
+  const QString schema = QStringLiteral("$schema");  // names the schema for editors
+  QJsonObject object = root.toObject();
+  if (object.contains(schema) && !object.take(schema).isString())
+    throw UsageError(QObject::tr("%1: %2: expected a text in quotes").arg(file, schema));
+  return JobObject(file, QString(), object, knownKeys);
 }
 
 JobObject::JobObject(const QString &file, const QString &path, const QJsonObject &object,

@@ -25,7 +25,7 @@ inline QString key(const char *name)
 class JobObject
 {
 public:
-  /// Parses the text of a job. Syntax errors name line and column (in characters, from 1).
+  /// Parses the text of a job, see parseJobText(). A member "$schema" is passed over.
   static JobObject parse(const QString &file, const QByteArray &text, const QStringList &knownKeys);
 
   const QString &getFile() const { return _file; }
