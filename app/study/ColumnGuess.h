@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QStringList>
+
+namespace orvenal {
+
+struct TableSummary;
+
+/// Columns of a table whose names are those of coordinates; -1 where none is.
+struct CoordinateColumns
+{
+  int x = -1;
+  int y = -1;
+  int z = -1;
+
+  /// They are named longitude and latitude.
+  bool isGeographic = false;
+
+  bool isComplete() const { return x >= 0 && y >= 0; }
+};
+
+/// Goes by the names alone, upper and lower case alike: x and y, X_UTM, east and north, easting,
+/// lon and lat, Rechtswert ..., with a unit behind or not; z, elevation or depth for the third one.
+/// X and y always come from one pair of names.
+CoordinateColumns guessCoordinates(const QStringList &columns);
+
+/// The column that is most likely the variable of a study: the first one of numbers that is no
+/// coordinate, no running number or code and not constant; -1 when there is none.
+int guessVariable(const TableSummary &summary);
+
+}  // namespace orvenal
