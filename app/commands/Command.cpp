@@ -13,8 +13,8 @@ constexpr int optionColumn = 27;
 
 QString optionLabel(const CommandOption &option)
 {
-  QString label = option.letter.isEmpty() ? QStringLiteral("  ")
-                                          : QStringLiteral("  -%1, ").arg(option.letter);
+  QString label =
+      option.letter.isEmpty() ? QStringLiteral("  ") : QStringLiteral("  -%1, ").arg(option.letter);
   label += QStringLiteral("--") + option.name;
   return option.value.isEmpty() ? label : label + ' ' + option.value;
 }
@@ -57,8 +57,9 @@ QString examplesText(const QList<QStringList> &examples)
 {
   QString text;
   for (const QStringList &example : examples)
-    text += QStringLiteral("  %1\n      %2\n").arg(example[1], commandLines(example[0], helpWidth - 6)
-                                                        .join(QStringLiteral(" \\\n        ")));
+    text += QStringLiteral("  %1\n      %2\n")
+                .arg(example[1],
+                     commandLines(example[0], helpWidth - 6).join(QStringLiteral(" \\\n        ")));
   return text.isEmpty() ? text : QObject::tr("\nExamples:\n") + text;
 }
 
@@ -66,7 +67,8 @@ QString examplesText(const QList<QStringList> &examples)
 
 QString Command::getHelp() const
 {
-  QString text = QObject::tr("usage: orvenal %1 %2").arg(getName(), getArguments()).trimmed() + '\n';
+  QString text =
+      QObject::tr("usage: orvenal %1 %2").arg(getName(), getArguments()).trimmed() + '\n';
   for (const QString &paragraph : getDescription().split(QStringLiteral("\n\n")))
     text += '\n' + wrapped(paragraph, helpWidth).join('\n') + '\n';
   return (text + optionsText(getOptions()) + examplesText(getExamples())).trimmed();

@@ -26,10 +26,10 @@ public:
   virtual QString getSummary() const = 0;
 
   /// What follows the name: "[OPTIONS] JOB.json".
-  virtual QString getArguments() const = 0;
+  virtual QString getArguments() const { return QString(); }
 
   /// What it does; paragraphs are separated by empty lines.
-  virtual QString getDescription() const = 0;
+  virtual QString getDescription() const { return QString(); }
 
   virtual CommandOptions getOptions() const { return CommandOptions(); }
 
@@ -40,8 +40,8 @@ public:
   /// Words that may be its first argument, for the completion of shells; none where it is a file.
   virtual QStringList getWords() const { return QStringList(); }
 
-  /// The whole help text.
-  QString getHelp() const;
+  /// The whole help text, made of the above.
+  virtual QString getHelp() const;
 
   /// Does its work. Wrong arguments are a UsageError, all else that fails another NbeError.
   virtual void run(const QStringList &arguments, Console &console) const = 0;

@@ -26,6 +26,12 @@ QJsonValue toValue(const QString &text)
 
 }  // namespace
 
+bool isJobFile(const QString &file)
+{
+  return file.endsWith(QLatin1String(".json"), Qt::CaseInsensitive) ||
+         file.endsWith(QLatin1String(".jsonc"), Qt::CaseInsensitive);
+}
+
 JobDraft JobDraft::ofJob(const QString &path)
 {
   return JobDraft(path, readJobRoot(path), false);
@@ -111,13 +117,21 @@ QString JobDraft::toJobPath(const QString &file) const
 
 Job JobDraft::readData() const
 {
-  const QString name = QStringLiteral("data");
+  JobDraft part = *this;
+  for (const char *axis : {"data.x", "data.y"})
+    part.setDefault(key(axis), QString());
+  const QStringList names = {key("data"), key("variable"), key("covariates")};
+  for (const QString &name : part._root.keys()) {
+    if (!names.contains(name))
+      part._root.remove(name);
+  }
   Job job;
   job.file = QFileInfo(_path).absoluteFilePath();
-  const QByteArray text = QJsonDocument(QJsonObject({{name, _root.value(name)}})).toJson();
   try {
-    orvenal::readData(JobObject::parse(_path, text, {name}), QFileInfo(job.file).absoluteDir(),
-                      job);
+    const JobObject root = JobObject::parse(_path, part.getText(), names);
+    orvenal::readData(root, QFileInfo(job.file).absoluteDir(), job);
+    if (root.has(key("variable")))
+      readVariables(root, job);
   } catch (const JobError &error) {
     _fail(error);
   }
@@ -147,8 +161,9 @@ void JobDraft::_fail(const JobError &error) const
     throw error;
   if (_isOfData && error.getPath() == QLatin1String("data.file"))
     throw UsageError(error.getReason());
-  throw UsageError(QStringLiteral("%1: %2").arg(option, error.getReason()) +
-                   (_isOfData ? QString() : QStringLiteral(" (%1: %2)").arg(_path, error.getPath())));
+  throw UsageError(
+      QStringLiteral("%1: %2").arg(option, error.getReason()) +
+      (_isOfData ? QString() : QStringLiteral(" (%1: %2)").arg(_path, error.getPath())));
 }
 
 QString JobDraft::_findOption(const QString &path) const

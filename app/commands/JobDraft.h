@@ -8,6 +8,9 @@
 
 namespace orvenal {
 
+/// Whether a file is a job by its name: its ending is .json or .jsonc.
+bool isJobFile(const QString &file);
+
 /// A job in the making: that of a file, or none but a data file, with the members that options set.
 ///
 /// What is set is JSON, and only the reader of jobs reads it; so options and jobs cannot differ.
@@ -44,7 +47,8 @@ public:
   /// The name of a file as an option gives it, as the job has to name it.
   QString toJobPath(const QString &file) const;
 
-  /// The table of the samples: all that is known of the job before its other parts are read.
+  /// The table of the samples, its coordinates named or not, and the variables if there are any:
+  /// what can be known before the other parts are read.
   Job readData() const;
 
   /// The job. Errors of a member that an option set, or could set where there is no job file, name

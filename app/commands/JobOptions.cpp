@@ -49,16 +49,14 @@ const Row table[] = {
     {JobOption::DATA, "unit", "TEXT", JobOption::TEXT, "data.unit", "unit of the coordinates",
      "that of the reference system", nullptr},
 
-    {JobOption::VARIABLE, "variable", "COLUMN", JobOption::TEXT, "variable.column",
-     "column of the variable", nullptr, nullptr},
+    {JobOption::VARIABLE, "variable", "COLUMN", JobOption::VARIABLES, "variable.column",
+     "column of the variable; further ones are covariates", nullptr, nullptr},
     {JobOption::VARIABLE, "transform", "NAME", JobOption::TEXT, "variable.transform",
-     "what is done to its values", "none", nullptr},
+     "what is done to the values of all of them", "none", nullptr},
     {JobOption::VARIABLE, "name", "TEXT", JobOption::TEXT, "variable.name",
-     "its name after the transform", "the column's", nullptr},
+     "name of the first one after the transform", "the column's", nullptr},
     {JobOption::VARIABLE, "variable-unit", "TEXT", JobOption::TEXT, "variable.unit",
      "its unit after the transform", nullptr, nullptr},
-    {JobOption::COVARIATES, "covariate", "COLUMN", JobOption::COLUMNS, "covariates",
-     "a further variable, for cokriging", nullptr, nullptr},
 
     {JobOption::VARIOGRAM, "curve", "NAME", JobOption::TEXT, "variogram.curve",
      "what is computed of the pairs", "Variogram", nullptr},
@@ -79,8 +77,8 @@ const Row table[] = {
      "pairs farther from the axis of their direction are left out", nullptr, nullptr},
     {JobOption::VARIOGRAM, "variogram-table", "FILE", JobOption::FILE, "output.variogram.table",
      "writes the variograms as .csv", nullptr, nullptr},
-    {JobOption::VARIOGRAM, "variogram-picture", "FILE", JobOption::FILE,
-     "output.variogram.picture", "draws them, with the model, as .png or .svg", nullptr, nullptr},
+    {JobOption::VARIOGRAM, "variogram-picture", "FILE", JobOption::FILE, "output.variogram.picture",
+     "draws them, with the model, as .png or .svg", nullptr, nullptr},
     {JobOption::VARIOGRAM, "variogram-map", "FILE", JobOption::FILE, "output.variogram.map",
      "draws the variogram by the vector between samples", nullptr, nullptr},
     {JobOption::VARIOGRAM, "variogram-cloud", "FILE", JobOption::FILE, "output.variogram.cloud",
@@ -90,8 +88,8 @@ const Row table[] = {
      "structures that are fitted to the variograms, separated by commas, in place of a given "
      "model",
      nullptr, "model"},
-    {JobOption::FIT, "no-nugget", "", JobOption::SWITCH_OFF, "fit.nugget",
-     "fits no nugget effect", nullptr, "model"},
+    {JobOption::FIT, "no-nugget", "", JobOption::SWITCH_OFF, "fit.nugget", "fits no nugget effect",
+     nullptr, "model"},
     {JobOption::FIT, "isotropic", "", JobOption::SWITCH_OFF, "fit.anisotropy",
      "fits the same ranges in all directions", nullptr, "model"},
     {JobOption::FIT, "fitted-model", "FILE", JobOption::FILE, "output.fit.model",
@@ -111,8 +109,8 @@ const Row table[] = {
     {JobOption::NEIGHBORHOOD, "radii", "LENGTHS", JobOption::NUMBERS, "neighborhood.radii",
      "in its place: radii along the axes of an ellipsoid, separated by commas", nullptr,
      "neighborhood.radius"},
-    {JobOption::NEIGHBORHOOD, "search-azimuth", "ANGLE", JobOption::NUMBER,
-     "neighborhood.azimuth", "azimuth of its first axis", "0", nullptr},
+    {JobOption::NEIGHBORHOOD, "search-azimuth", "ANGLE", JobOption::NUMBER, "neighborhood.azimuth",
+     "azimuth of its first axis", "0", nullptr},
     {JobOption::NEIGHBORHOOD, "maximum", "N", JobOption::INTEGER, "neighborhood.maximum",
      "samples used at most", nullptr, nullptr},
     {JobOption::NEIGHBORHOOD, "minimum", "N", JobOption::INTEGER, "neighborhood.minimum",
@@ -121,8 +119,11 @@ const Row table[] = {
      "equal angles into which the search is divided", "1", nullptr},
     {JobOption::NEIGHBORHOOD, "per-sector", "N", JobOption::INTEGER, "neighborhood.perSector",
      "samples used at most in each sector", "the maximum shared by them", nullptr},
-    {JobOption::NEIGHBORHOOD, "unique", "", JobOption::UNIQUE, "neighborhood",
-     "all samples are used everywhere", nullptr, nullptr},
+    {JobOption::NEIGHBORHOOD, "unique", "", JobOption::UNIQUE, "neighborhood.type",
+     "all samples are used everywhere", nullptr,
+     "neighborhood.radius neighborhood.radii neighborhood.azimuth neighborhood.dip "
+     "neighborhood.pitch neighborhood.maximum neighborhood.minimum neighborhood.sectors "
+     "neighborhood.split neighborhood.perSector"},
 
     {JobOption::KRIGING, "mode", "NAME", JobOption::TEXT, "kriging.mode",
      "what is known of the mean", "ordinary", nullptr},
@@ -131,11 +132,11 @@ const Row table[] = {
     {JobOption::KRIGING, "degree", "N", JobOption::INTEGER, "kriging.degree",
      "degree of the drift, 1 or 2, for the mode drift", nullptr, nullptr},
     {JobOption::KRIGING, "measurement-error", "NUMBER", JobOption::NUMBER_OR_TEXT,
-     "kriging.measurementError",
-     "standard deviation of the samples' errors, or the column with it", nullptr, nullptr},
+     "kriging.measurementError", "standard deviation of the samples' errors, or the column with it",
+     nullptr, nullptr},
 
-    {JobOption::CROSS_VALIDATION, "leave-out", "WHAT", JobOption::TEXT,
-     "crossValidation.leaveOut", "what is not used around a sample", "sample", nullptr},
+    {JobOption::CROSS_VALIDATION, "leave-out", "WHAT", JobOption::TEXT, "crossValidation.leaveOut",
+     "what is not used around a sample", "sample", nullptr},
     {JobOption::CROSS_VALIDATION, "line", "COLUMN", JobOption::TEXT, "crossValidation.line",
      "column with the numbers of lines", nullptr, nullptr},
     {JobOption::CROSS_VALIDATION, "ball-radius", "LENGTH", JobOption::NUMBER,
@@ -181,7 +182,6 @@ QString headingOf(JobOption::Group group)
     case JobOption::DATA:
       return QObject::tr("Data");
     case JobOption::VARIABLE:
-    case JobOption::COVARIATES:
       return QObject::tr("Variable");
     case JobOption::VARIOGRAM:
       return QObject::tr("Variograms");
@@ -200,7 +200,7 @@ QString headingOf(JobOption::Group group)
     case JobOption::OUTPUT:
       break;
   }
-  return QObject::tr("Output");
+  return QObject::tr("Results");
 }
 
 /// Values of the options that take a word.
@@ -234,7 +234,7 @@ JobOption toOption(const Row &row)
   option.choices = choicesOf(option.path);
   option.replaced = QString::fromLatin1(row.replaced).split(' ', Qt::SkipEmptyParts);
   option.isRepeatable = row.kind == JobOption::TEXTS || row.kind == JobOption::FILES ||
-                        row.kind == JobOption::COLUMNS || row.kind == JobOption::STRUCTURES;
+                        row.kind == JobOption::VARIABLES || row.kind == JobOption::STRUCTURES;
   return option;
 }
 
@@ -265,7 +265,8 @@ QJsonArray toNumbers(const CommandOption &option, const QString &text)
 QJsonArray toAxes(const CommandOption &option, const QString &text, int nDimensions)
 {
   QJsonArray numbers = toNumbers(option, text);
-  while (numbers.size() == 1 || (numbers.size() == 2 && nDimensions == 3 && !text.contains(',')))
+  const bool isOne = numbers.size() == 1;
+  while (isOne && numbers.size() < nDimensions)
     numbers.append(numbers.first());
   return numbers;
 }
@@ -323,8 +324,6 @@ QJsonValue toMember(const JobOption &option, const QString &text, const JobDraft
     case JobOption::FILE:
     case JobOption::FILES:
       return draft.toJobPath(text);
-    case JobOption::COLUMNS:
-      return QJsonObject({{QStringLiteral("column"), text}});
     case JobOption::STRUCTURES:
       return toStructure(option, text);
     default:
@@ -332,12 +331,28 @@ QJsonValue toMember(const JobOption &option, const QString &text, const JobDraft
   }
 }
 
+/// The first variable is the job's, the others are its covariates; all have one transform.
+void setVariables(const QStringList &columns, const QString &transform, JobDraft &draft)
+{
+  const QString origin = QStringLiteral("--variable");
+  draft.set(QStringLiteral("variable.column"), columns.first(), origin);
+  QJsonArray covariates;
+  for (const QString &column : columns.mid(1)) {
+    QJsonObject covariate = {{QStringLiteral("column"), column}};
+    if (!transform.isEmpty())
+      covariate.insert(QStringLiteral("transform"), transform);
+    covariates.append(covariate);
+  }
+  if (!covariates.isEmpty())
+    draft.set(QStringLiteral("covariates"), covariates, origin);
+}
+
 QJsonValue toMembers(const JobOption &option, const QStringList &texts, const JobDraft &draft)
 {
   if (option.kind == JobOption::SWITCH_OFF)
     return false;
   if (option.kind == JobOption::UNIQUE)
-    return QJsonObject({{QStringLiteral("type"), QStringLiteral("unique")}});
+    return QStringLiteral("unique");
   if (!option.isRepeatable)
     return toMember(option, texts.last(), draft);
   QJsonArray members;
@@ -380,7 +395,10 @@ void applyJobOptions(const QCommandLineParser &parser, const QList<JobOption::Gr
       if (draft.has(path) && !draft.isGiven(path))
         draft.set(path, QJsonValue::Undefined, origin);
     }
-    draft.set(option.path, toMembers(option, parser.values(option.name), draft), origin);
+    if (option.kind == JobOption::VARIABLES)
+      setVariables(parser.values(option.name), parser.value(QStringLiteral("transform")), draft);
+    else
+      draft.set(option.path, toMembers(option, parser.values(option.name), draft), origin);
   }
 }
 

@@ -15,24 +15,33 @@ class JobDraft;
 /// An option that sets a member of a job.
 struct JobOption : CommandOption
 {
-  enum Group { DATA, VARIABLE, COVARIATES, VARIOGRAM, FIT, MODEL, NEIGHBORHOOD, KRIGING, GRID,
-               CROSS_VALIDATION, OUTPUT };
+  enum Group {
+    DATA,
+    VARIABLE,
+    VARIOGRAM,
+    FIT,
+    MODEL,
+    NEIGHBORHOOD,
+    KRIGING,
+    GRID,
+    CROSS_VALIDATION,
+    OUTPUT
+  };
 
   enum Kind {
     TEXT,
-    TEXTS,      ///< one per use of the option
-    WORDS,      ///< separated by commas
+    TEXTS,  ///< one per use of the option
+    WORDS,  ///< separated by commas
     NUMBER,
     INTEGER,
-    NUMBERS,    ///< separated by commas
-    AXES,       ///< the same; a single one holds for all axes
-    SWITCH,     ///< true
-    SWITCH_OFF, ///< false
-    UNIQUE,     ///< the unique neighborhood
-    FILE,       ///< relative to the current folder
-    FILES,      ///< one per use of the option
-    COLUMNS,    ///< objects with a column, one per use of the option
-    STRUCTURES, ///< structures of a model, one per use of the option
+    NUMBERS,     ///< separated by commas
+    AXES,        ///< the same; a single one holds for all axes
+    SWITCH_OFF,  ///< false
+    UNIQUE,      ///< the word "unique"
+    FILE,        ///< relative to the current folder
+    FILES,       ///< one per use of the option
+    VARIABLES,   ///< the variable, and covariates with every further use of the option
+    STRUCTURES,  ///< structures of a model, one per use of the option
     NUMBER_OR_TEXT
   };
 

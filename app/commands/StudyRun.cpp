@@ -14,6 +14,7 @@
 #include "app/plot/VariogramMapPicture.h"
 #include "app/plot/VariogramPicture.h"
 #include "app/report/Describe.h"
+#include "app/report/ResultJson.h"
 #include "app/report/StudyReport.h"
 #include "app/study/Statistics.h"
 #include "app/study/VariogramMap.h"
@@ -28,9 +29,7 @@
 namespace orvenal {
 
 StudyRun::StudyRun(const Job &job, const Steps &steps, Console &console)
-    : _steps(steps), _console(console), _context{console, job.threads, job.memory, [this] {
-                                                   _abandon();
-                                                 }}
+    : _steps(steps), _console(console), _context{console, job.threads, job.memory}
 {
   _result.job = job;
   _result.job.keepOutputsOf(steps);
@@ -60,12 +59,6 @@ void StudyRun::run()
   _drawCrossValidation();
   _drawMaps();
   _writeFiles();
-}
-
-void StudyRun::_abandon()
-{
-  _files.discard();
-  _console.error(QObject::tr("interrupted; nothing was written"));
 }
 
 void StudyRun::_reserveOutputs()
@@ -243,6 +236,8 @@ void StudyRun::_writeFiles()
   _result.warnings = _console.getWarnings();
   if (!output.report.isEmpty())
     _files.write(output.report, studyReport(_result));
+  if (!output.results.isEmpty())
+    _files.write(output.results, QJsonDocument(resultToJson(_result)).toJson());
   Interruption::check();
   _files.commit();
   for (const QString &file : output.getFiles())

@@ -11,7 +11,8 @@ namespace orvenal {
 
 JsonPath JsonPath::parse(const QString &text)
 {
-  static const QRegularExpression step(QStringLiteral("\\G(?:(^|\\.)([A-Za-z]\\w*)|\\[(\\d{1,6})\\])"));
+  static const QRegularExpression step(
+      QStringLiteral("\\G(?:(^|\\.)([A-Za-z]\\w*)|\\[(\\d{1,6})\\])"));
   JsonPath path;
   int position = 0;
   while (position < text.size()) {

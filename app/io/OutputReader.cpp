@@ -144,9 +144,9 @@ void readOutput(const JobObject &root, const QDir &jobFolder, Job &job)
 {
   if (!root.has(key("output")))
     return;
-  const JobObject object =
-      root.object(key("output"), {key("directory"), key("grid"), key("maps"), key("fit"),
-                                  key("variogram"), key("crossValidation"), key("report")});
+  const JobObject object = root.object(
+      key("output"), {key("directory"), key("grid"), key("maps"), key("fit"), key("variogram"),
+                      key("crossValidation"), key("report"), key("results")});
   const QDir folder(jobFolder.absoluteFilePath(object.text(key("directory"), key("."))));
   JobOutput &output = job.output;
   readKrigingFiles(object, folder, job, output);
@@ -159,6 +159,9 @@ void readOutput(const JobObject &root, const QDir &jobFolder, Job &job)
   if (object.has(key("report")))
     output.report = readOutputFile(object, key("report"), object.text(key("report")), folder,
                                    {key("html"), key("htm")});
+  if (object.has(key("results")))
+    output.results =
+        readOutputFile(object, key("results"), object.text(key("results")), folder, {key("json")});
   checkOutputs(root, job);
 }
 

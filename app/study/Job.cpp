@@ -12,7 +12,7 @@ QStringList JobOutput::getFiles() const
   QStringList files = grids;
   for (const QString &file :
        {variogramTable, variogramPicture, variogramMap, variogramCloud, fittedModel,
-        crossValidationTable, crossValidationPicture, estimateMap, deviationMap, report}) {
+        crossValidationTable, crossValidationPicture, estimateMap, deviationMap, report, results}) {
     if (!file.isEmpty())
       files << file;
   }
@@ -30,7 +30,7 @@ Steps Job::getSteps() const
     steps.insert(Step::CROSS_VALIDATION);
   if (hasGrid)
     steps.insert(Step::KRIGING);
-  if (!output.report.isEmpty())
+  if (!output.report.isEmpty() || !output.results.isEmpty())
     steps.insert(Step::REPORT);
   return steps;
 }
@@ -55,8 +55,10 @@ void Job::keepOutputsOf(const Steps &steps)
     kept.estimateMap = output.estimateMap;
     kept.deviationMap = output.deviationMap;
   }
-  if (steps.count(Step::REPORT))
+  if (steps.count(Step::REPORT)) {
     kept.report = output.report;
+    kept.results = output.results;
+  }
   output = kept;
 }
 

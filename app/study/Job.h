@@ -54,6 +54,7 @@ struct JobOutput
   QString crossValidationTable;
   QString crossValidationPicture;
   QString report;
+  QString results;
 
   QStringList getFiles() const;
 };

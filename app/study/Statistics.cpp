@@ -14,6 +14,7 @@ NgmMultivariateStatistics computeMultivariateStatistics(const NgdADataSet &dataS
 {
   NgcQuickStat calculator(Nbd::Role::V);
   calculator.setFullStatFlag(true);
+  calculator.setBivariateStatFlag(dataSet.getNVariables(Nbd::Role::V) > 1);
   calculator.setInputDataSet(dataSet);
   context.run(calculator, QObject::tr("Statistics"), dataSet.getNSamples(), QObject::tr("values"),
               RunContext::SIDE_STEP);
