@@ -3,6 +3,7 @@
 
 #include "geos/matrix/NgmLinearSystem.h"
 #include "geos/matrix/NgmNumericLibrary.h"
+#include "matrix/private/NgmSymmetricSolver.h"
 
 #include <benchmark/benchmark.h>
 #include <mkl.h>
@@ -70,7 +71,25 @@ void bareDsysv(benchmark::State &state)
   }
   check(state, x.data(), solution);
 }
-BENCHMARK(bareDsysv)->Arg(17)->Arg(33);
+BENCHMARK(bareDsysv)->Arg(17)->Arg(31)->Arg(34)->Arg(64)->Arg(128);
+
+void symmetricSolver(benchmark::State &state)
+{
+  const int n = int(state.range(0));
+  const int rows = NgmSymmetricSolver::paddedRows(n);
+  const NgmMatrix lhs = krigingMatrix(n);
+  const NgmMatrix solution = knownSolution(n);
+  const NgmMatrix rhs = lhs * solution;
+  NgmMatrix a(rows, n, false), x(rows, 1, false);
+  std::vector<int> pivots(n);
+  for (auto _ : state) {
+    NgmSymmetricSolver::copyUpper(n, lhs.constElements(), n, a.elements(), rows);
+    NgmSymmetricSolver::copyColumns(n, 1, rhs.constElements(), n, x.elements(), rows);
+    NgmSymmetricSolver::solve(n, a.elements(), pivots.data(), 1, x.elements());
+  }
+  check(state, x.constElements(), solution);
+}
+BENCHMARK(symmetricSolver)->Arg(17)->Arg(31)->Arg(34)->Arg(64)->Arg(128);
 
 void resolveEquat(benchmark::State &state)
 {
@@ -88,7 +107,7 @@ void resolveEquat(benchmark::State &state)
   }
   check(state, x.constElements(), solution);
 }
-BENCHMARK(resolveEquat)->Arg(17)->Arg(33);
+BENCHMARK(resolveEquat)->Arg(17)->Arg(31)->Arg(34)->Arg(64)->Arg(128);
 
 void linearSystem(benchmark::State &state)
 {
@@ -102,7 +121,7 @@ void linearSystem(benchmark::State &state)
     system.solve();
   check(state, system.getResults().constElements(), solution);
 }
-BENCHMARK(linearSystem)->Arg(17)->Arg(33);
+BENCHMARK(linearSystem)->Arg(17)->Arg(31)->Arg(34)->Arg(64)->Arg(128);
 
 void invertSymmetrical(benchmark::State &state)
 {

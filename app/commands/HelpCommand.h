@@ -6,7 +6,7 @@ namespace orvenal {
 
 class Program;
 
-/// Prints the list of commands, the help of one, or the man page.
+/// Prints the list of commands, the help of one or of a topic, or the man page.
 class HelpCommand : public Command
 {
 public:

@@ -3,6 +3,9 @@
 #include "app/commands/CompletionCommand.h"
 #include "app/commands/FitCommand.h"
 #include "app/commands/HelpCommand.h"
+#include "app/commands/HelpTopics.h"
+#include "app/commands/InfoCommand.h"
+#include "app/commands/InitCommand.h"
 #include "app/commands/JobDraft.h"
 #include "app/commands/KrigeCommand.h"
 #include "app/commands/RunCommand.h"
@@ -55,11 +58,13 @@ QString groupText(Command::Group group, const std::vector<std::unique_ptr<Comman
 Program::Program()
 {
   _commands.push_back(std::make_unique<RunCommand>());
-  // INIT STATS
+  _commands.push_back(std::make_unique<InitCommand>());
+  _commands.push_back(std::make_unique<StatsCommand>());
   _commands.push_back(std::make_unique<VariogramCommand>());
   _commands.push_back(std::make_unique<FitCommand>());
   _commands.push_back(std::make_unique<XvalidCommand>());
   _commands.push_back(std::make_unique<KrigeCommand>());
+  _commands.push_back(std::make_unique<InfoCommand>());
   _commands.push_back(std::make_unique<HelpCommand>(*this));
   _commands.push_back(std::make_unique<CompletionCommand>(*this));
   _commands.push_back(std::make_unique<VersionCommand>());
@@ -92,9 +97,14 @@ QString Program::getHelp() const
   for (const Command::Group group :
        {Command::STUDY, Command::STEP, Command::FILE, Command::PROGRAM})
     text += groupText(group, _commands);
+  QStringList topics;
+  for (const HelpTopic &topic : helpTopics())
+    topics << topic.name;
   return text + QObject::tr(
                     "\nHelp on one of them: orvenal help COMMAND\n"
-                    "Exit codes: 0 done, 1 failed, 2 wrong use, 130 interrupted");
+                    "Help on a topic: orvenal help %1\n"
+                    "Exit codes: 0 done, 1 failed, 2 wrong use, 130 interrupted")
+                    .arg(topics.join(QStringLiteral(" | ")));
 }
 
 int Program::run(const QStringList &arguments, Console &console) const

@@ -10,15 +10,18 @@
 #include "app/io/SpatialReference.h"
 #include "app/io/VariogramCsvWriter.h"
 #include "app/plot/CrossValidationPicture.h"
+#include "app/plot/HistogramPicture.h"
 #include "app/plot/MapPicture.h"
+#include "app/plot/SampleMapPicture.h"
+#include "app/plot/SectionsPicture.h"
 #include "app/plot/VariogramMapPicture.h"
 #include "app/plot/VariogramPicture.h"
 #include "app/report/Describe.h"
 #include "app/report/ResultJson.h"
 #include "app/report/StudyReport.h"
+#include "app/study/References.h"
 #include "app/study/Statistics.h"
 #include "app/study/VariogramMap.h"
-#include "basic/error/NbeUserError.h"
 #include "basic/provider/NbpMemoryProviderPointsW.h"
 #include "geos/data/NgdDataSetPoints.h"
 
@@ -27,6 +30,30 @@
 #include <QObject>
 
 namespace orvenal {
+
+namespace {
+
+SampleMapStyle sampleMapStyle(const Job &job, const QString &valueLabel)
+{
+  SampleMapStyle style;
+  style.title = job.title;
+  style.valueLabel = valueLabel;
+  style.lengthUnit = job.lengthUnit;
+  style.grid = job.hasGrid ? &job.grid : nullptr;
+  return style;
+}
+
+Picture drawResult(const GridResult &grid, const std::vector<double> &values,
+                   const StudyResult &result, const MapStyle &style)
+{
+  if (grid.geometry.is2D())
+    return drawMap(grid.geometry, values, result.samples, style);
+  return drawSections(grid.geometry, values,
+                      chooseSections(grid.geometry, result.job.output.sections), result.samples,
+                      style);
+}
+
+}  // namespace
 
 StudyRun::StudyRun(const Job &job, const Steps &steps, Console &console)
     : _steps(steps), _console(console), _context{console, job.threads, job.memory}
@@ -51,10 +78,13 @@ void StudyRun::run()
   if (_isToDo(Step::KRIGING))
     _krige();
   _console.print('\n' + textStatistics(_result) + '\n');
+  if (_result.job.hasModel && _result.job.getNVariables() > 1)
+    _console.print(textSills(_result.job) + '\n');
   if (_isToDo(Step::VARIOGRAM))
     _console.print(textVariograms(_result.variography, _result.job) + '\n');
   if (_isToDo(Step::CROSS_VALIDATION))
     _console.print(textCrossValidation(_result) + '\n');
+  _drawSamples();
   _drawVariograms();
   _drawCrossValidation();
   _drawMaps();
@@ -70,6 +100,8 @@ void StudyRun::_reserveOutputs()
 void StudyRun::_readData()
 {
   const Job &job = _result.job;
+  for (const QString &warning : adoptReferences(_result.job, _isToDo(Step::KRIGING)))
+    _console.warn(warning);
   _result.samples = readSamples(job);
   _samples = makeProvider(_result.samples);
   _console.print(
@@ -88,27 +120,42 @@ void StudyRun::_readData()
 
 void StudyRun::_computeStatistics()
 {
-  NgdDataSetPoints data;
-  data.setDataProvider(_samples);
-  data.assignVariable(Nbd::Role::V, _samples->getIdFromName(sampleValueName()));
-  _result.sampleStatistics = computeStatistics(data, _context).first();
+  _result.variableStatistics =
+      computeMultivariateStatistics(makeVariableDataSet(_result.job, _samples), _context);
+  _result.sampleStatistics = _result.variableStatistics.getConstUnivariateStats(0);
   _endStep(QObject::tr("Statistics of the samples"));
+}
+
+void StudyRun::_drawSamples()
+{
+  const Job &job = _result.job;
+  const JobOutput &output = job.output;
+  if (output.dataMap.isEmpty() && output.dataHistogram.isEmpty() && output.report.isEmpty())
+    return;
+  const Picture map = drawSampleMap(_result.samples, sampleMapStyle(job, job.variable.getLabel()));
+  _result.dataMap = map.toPng();
+  _writePicture(output.dataMap, map);
+  Interruption::check();
+  const Picture histogram = drawHistogram(_result.samples.value, _result.sampleStatistics,
+                                          job.title, job.variable.getLabel());
+  _result.dataHistogram = histogram.toPng();
+  _writePicture(output.dataHistogram, histogram);
+  _endStep(QObject::tr("Pictures of the samples"));
 }
 
 void StudyRun::_computeVariograms()
 {
-  _result.variography = computeVariograms(_result.job, _result.samples, _samples, _context);
+  _result.variography = computeVariograms(_result.job, _result.samples, _samples,
+                                          _result.variableStatistics, _context);
   _endStep(QObject::tr("Variograms"));
 }
 
 void StudyRun::_fitModel()
 {
   Job &job = _result.job;
-  if (_result.variography.curves.first().distances.isEmpty())
-    throw NbeUserError(QObject::tr("no lag of the variogram holds a pair; no model can be fitted"));
-  if (!(_result.variography.sill > 0.))
-    throw NbeUserError(QObject::tr("all values are equal; there is no model to fit"));
-  _result.fit = fitModel(job, *_result.variography.data, _result.variography.sill, _context);
+  _result.fit =
+      fitModel(job, _result.variography,
+               _result.variableStatistics.getVarianceCovarianceMatrixHeterotopic(), _context);
   job.model = _result.fit->model;
   job.hasModel = true;
   _console.print(QObject::tr("  fitted   %1").arg(Describe::model(job)));
@@ -128,8 +175,9 @@ void StudyRun::_drawVariogramMap(const VariogramStyle &style)
     _writePicture(job.output.variogramMap, picture);
   }
   if (!job.output.variogramCloud.isEmpty()) {
-    const Picture picture =
-        drawVariogramCloud(computeVariogramCloud(job, _result.samples, _samples, _context), style);
+    const Picture picture = drawVariogramCloud(
+        computeVariogramCloud(job, _result.samples, _samples, _result.variableStatistics, _context),
+        style);
     _result.variogramCloud = picture.toPng();
     _writePicture(job.output.variogramCloud, picture);
   }
@@ -149,13 +197,19 @@ void StudyRun::_drawCrossValidation()
 {
   const Job &job = _result.job;
   if (!_isToDo(Step::CROSS_VALIDATION) ||
-      (job.output.crossValidationPicture.isEmpty() && job.output.report.isEmpty()))
+      (job.output.crossValidationPicture.isEmpty() && job.output.crossValidationMap.isEmpty() &&
+       job.output.report.isEmpty()))
     return;
   const Picture picture = drawCrossValidation(_result.crossValidation, _result.samples.value,
                                               job.title, job.variable.getLabel());
   _result.crossValidationPicture = picture.toPng();
   _writePicture(job.output.crossValidationPicture, picture);
-  _endStep(QObject::tr("Picture of the cross-validation"));
+  const Picture map = drawErrorMap(
+      _result.samples, _result.crossValidation.standardizedError,
+      sampleMapStyle(job, QObject::tr("Standardized error of %1").arg(job.variable.name)));
+  _result.crossValidationMap = map.toPng();
+  _writePicture(job.output.crossValidationMap, map);
+  _endStep(QObject::tr("Pictures of the cross-validation"));
 }
 
 void StudyRun::_krige()
@@ -172,7 +226,8 @@ void StudyRun::_drawVariograms()
     return;
   VariogramStyle style;
   style.title = job.title;
-  style.valueUnit = job.variable.unit;
+  for (int i = 0; i < job.getNVariables(); ++i)
+    style.variables << job.getVariable(i);
   style.lengthUnit = job.lengthUnit;
   style.nDimensions = job.getNDimensions();
   style.model = job.hasModel && _result.variography.isVariogram ? &job.model : nullptr;
@@ -190,7 +245,7 @@ void StudyRun::_drawMaps()
   const Job &job = _result.job;
   const bool wanted = !job.output.report.isEmpty() || !job.output.estimateMap.isEmpty() ||
                       !job.output.deviationMap.isEmpty();
-  if (!wanted || !_result.estimation || !_result.estimation->grid.geometry.is2D())
+  if (!wanted || !_result.estimation)
     return;
   const GridResult &grid = _result.estimation->grid;
   MapStyle style;
@@ -199,14 +254,14 @@ void StudyRun::_drawMaps()
   style.subtitle = Describe::method(job);
   style.valueLabel = Describe::estimateLabel(job);
   style.coloredSamples = true;
-  const Picture estimate = drawMap(grid.geometry, grid.estimate, _result.samples, style);
+  const Picture estimate = drawResult(grid, grid.estimate, _result, style);
   _result.estimateMap = estimate.toPng();
   _writePicture(job.output.estimateMap, estimate);
   Interruption::check();
   style.valueLabel = Describe::deviationLabel(job);
   style.isDeviation = true;
   style.coloredSamples = false;
-  const Picture deviation = drawMap(grid.geometry, grid.deviation, _result.samples, style);
+  const Picture deviation = drawResult(grid, grid.deviation, _result, style);
   _result.deviationMap = deviation.toPng();
   _writePicture(job.output.deviationMap, deviation);
   _endStep(QObject::tr("Maps"));
@@ -224,7 +279,7 @@ void StudyRun::_writeFiles()
   for (const QString &file : output.grids)
     _writeGrid(file);
   if (!output.variogramTable.isEmpty())
-    _files.write(output.variogramTable, variogramCsv(_result.variography));
+    _files.write(output.variogramTable, variogramCsv(_result.variography, _result.job));
   if (!output.fittedModel.isEmpty())
     _files.write(
         output.fittedModel,

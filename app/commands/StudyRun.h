@@ -27,6 +27,7 @@ private:
   void _reserveOutputs();
   void _readData();
   void _computeStatistics();
+  void _drawSamples();
   void _computeVariograms();
   void _drawVariograms();
   void _drawVariogramMap(const VariogramStyle &style);

@@ -31,17 +31,20 @@ NbgRotation readFrame(const JobObject &object, int nDimensions, bool needed)
         object.fail(key, QObject::tr("has a meaning in three dimensions only"));
     }
   }
+  const bool isAzimuth = object.getConventions().angles == AngleConvention::AZIMUTH;
   if (needed && !object.has(QStringLiteral("azimuth")))
     object.fail(QStringLiteral("azimuth"),
-                QObject::tr("missing; it says where the first axis (U) points, clockwise from "
-                            "north in degrees"));
+                QObject::tr("missing; it says where the first axis (U) points, in degrees %1")
+                    .arg(isAzimuth ? QObject::tr("clockwise from north")
+                                   : QObject::tr("counter-clockwise from east")));
   if (!needed && nDimensions < 3)
     return NbgRotation();
   const QStringList keys = angleKeys();
   if (std::none_of(keys.begin(), keys.end(), [&](const QString &key) { return object.has(key); }))
     return NbgRotation();
-  return Compass::frame(readAngle(object, QStringLiteral("azimuth")),
-                        readAngle(object, QStringLiteral("dip")),
+  const double azimuth = Compass::toAzimuth(readAngle(object, QStringLiteral("azimuth")),
+                                            object.getConventions().angles);
+  return Compass::frame(azimuth, readAngle(object, QStringLiteral("dip")),
                         readAngle(object, QStringLiteral("pitch")));
 }
 

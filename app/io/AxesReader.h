@@ -14,8 +14,9 @@ class JobObject;
 /// Keys by which a job turns a frame: azimuth, dip and pitch.
 QStringList angleKeys();
 
-/// The frame of `object`. Dip and pitch are refused in two dimensions. `needed` says that the
-/// horizontal axes differ, so that the azimuth has to be given.
+/// The frame of `object`, its azimuth being an angle in the object's convention. Dip and pitch are
+/// refused in two dimensions. `needed` says that the horizontal axes differ, so that the azimuth
+/// has to be given.
 NbgRotation readFrame(const JobObject &object, int nDimensions, bool needed);
 
 /// Lengths along the axes U, V and W: one number for all of them under `single`, or a list with one

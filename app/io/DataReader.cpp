@@ -21,7 +21,15 @@ char readSeparator(const JobObject &object)
 
 TableFormat readFormat(const JobObject &object)
 {
+  // In the order of TableFormat::Kind.
+  static const QStringList kinds = {key("auto"), key("csv"), key("geo-eas"), key("gdal")};
   TableFormat format;
+  format.kind =
+      TableFormat::Kind(kinds.indexOf(object.choice(key("format"), kinds, kinds.first())));
+  format.layer = object.text(key("layer"), QString());
+  if (!format.layer.isEmpty() &&
+      (format.kind == TableFormat::CSV || format.kind == TableFormat::GEO_EAS))
+    object.fail(key("layer"), QObject::tr("text tables have no layers"));
   format.separator = readSeparator(object);
   format.decimal = object.choice(key("decimal"), {key("."), key(",")}, key("."))[0].toLatin1();
   if (format.separator == format.decimal)
@@ -49,8 +57,8 @@ JobVariable readVariable(const JobObject &object)
 
 QStringList tableKeys()
 {
-  return {key("file"), key("separator"), key("decimal"),  key("x"),
-          key("y"),    key("z"),         key("undefined")};
+  return {key("file"), key("format"), key("layer"), key("separator"), key("decimal"),
+          key("x"),    key("y"),      key("z"),     key("undefined")};
 }
 
 JobTable readTable(const JobObject &object, const QDir &folder)
@@ -65,8 +73,8 @@ JobTable readTable(const JobObject &object, const QDir &folder)
   if (file.isDir())
     object.fail(key("file"), QObject::tr("\"%1\" is a folder").arg(table.file));
   table.format = readFormat(object);
-  table.x = object.text(key("x"));
-  table.y = object.text(key("y"));
+  table.x = object.text(key("x"), key("x"));
+  table.y = object.text(key("y"), key("y"));
   table.z = object.text(key("z"), QString());
   return table;
 }

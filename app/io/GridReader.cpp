@@ -38,7 +38,8 @@ NbgGeomGrid readGeometry(const JobObject &object)
   grid.setOriginCentered({origin[0], origin[1], n > 2 ? origin[2] : 0.});
   grid.setCellSize({cell[0], cell[1], n > 2 ? cell[2] : 1.});
   if (object.has(key("rotation")))
-    grid.setRotation(Compass::gridFrame(object.number(key("rotation"))));
+    grid.setRotation(Compass::gridFrame(
+        Compass::toAzimuthOfRows(object.number(key("rotation")), object.getConventions().angles)));
   checkSize(object, grid);
   return grid;
 }

@@ -58,8 +58,8 @@ JobObject JobObject::parse(const QString &file, const QByteArray &text,
 }
 
 JobObject::JobObject(const QString &file, const QString &path, const QJsonObject &object,
-                     const QStringList &knownKeys)
-    : _file(file), _path(path), _object(object), _knownKeys(knownKeys)
+                     const QStringList &knownKeys, const Conventions &conventions)
+    : _file(file), _path(path), _object(object), _knownKeys(knownKeys), _conventions(conventions)
 {
   for (const QString &key : object.keys()) {
     if (knownKeys.contains(key))
@@ -74,6 +74,22 @@ JobObject::JobObject(const QString &file, const QString &path, const QJsonObject
 QString JobObject::getPath(const QString &key) const
 {
   return _path.isEmpty() ? key : _path + '.' + key;
+}
+
+void JobObject::readConventions()
+{
+  const QString name = QStringLiteral("conventions");
+  if (!has(name))
+    return;
+  const QString ranges = QStringLiteral("ranges");
+  const QString angles = QStringLiteral("angles");
+  const QStringList rangeNames = {QStringLiteral("practical"), QStringLiteral("scale")};
+  const QStringList angleNames = {QStringLiteral("azimuth"), QStringLiteral("mathematical")};
+  const JobObject given = object(name, {ranges, angles});
+  _conventions.ranges =
+      RangeConvention(rangeNames.indexOf(given.choice(ranges, rangeNames, rangeNames.first())));
+  _conventions.angles =
+      AngleConvention(angleNames.indexOf(given.choice(angles, angleNames, angleNames.first())));
 }
 
 bool JobObject::has(const QString &key) const
@@ -188,7 +204,7 @@ JobObject JobObject::object(const QString &key, const QStringList &knownKeys) co
   const QJsonValue value = _value(key);
   if (!value.isObject())
     _failType(getPath(key), QObject::tr("an object"), value);
-  return JobObject(_file, getPath(key), value.toObject(), knownKeys);
+  return JobObject(_file, getPath(key), value.toObject(), knownKeys, _conventions);
 }
 
 QList<JobObject> JobObject::objects(const QString &key, const QStringList &knownKeys) const
@@ -199,7 +215,7 @@ QList<JobObject> JobObject::objects(const QString &key, const QStringList &known
     const QString path = elementPath(getPath(key), i);
     if (!array[i].isObject())
       _failType(path, QObject::tr("an object"), array[i]);
-    objects.append(JobObject(_file, path, array[i].toObject(), knownKeys));
+    objects.append(JobObject(_file, path, array[i].toObject(), knownKeys, _conventions));
   }
   return objects;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/io/Conventions.h"
+
 #include <QJsonObject>
 #include <QList>
 #include <QString>
@@ -33,6 +35,12 @@ public:
   /// Path of the object, or of one of its members.
   const QString &getPath() const { return _path; }
   QString getPath(const QString &key) const;
+
+  /// What ranges and angles below this object mean; members have those of the object.
+  const Conventions &getConventions() const { return _conventions; }
+
+  /// Reads the member "conventions", which is among the known keys.
+  void readConventions();
 
   bool has(const QString &key) const;
 
@@ -72,7 +80,7 @@ public:
 
 private:
   JobObject(const QString &file, const QString &path, const QJsonObject &object,
-            const QStringList &knownKeys);
+            const QStringList &knownKeys, const Conventions &conventions = Conventions());
 
   QJsonValue _value(const QString &key) const;
   QJsonArray _array(const QString &key, const QString &expected) const;
@@ -87,6 +95,7 @@ private:
   QString _path;
   QJsonObject _object;
   QStringList _knownKeys;
+  Conventions _conventions;
 };
 
 }  // namespace orvenal

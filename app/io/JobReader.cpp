@@ -99,8 +99,9 @@ NgmVModel readModelOf(const JobObject &root, const QDir &folder, Job &job)
   if (!QFileInfo(file).isFile())
     object.fail(key("file"), QObject::tr("there is no file \"%1\"").arg(file));
   job.modelFile = file;
-  return readModel(JobObject::parse(file, readFile(file), modelKeys()), job.getNDimensions(),
-                   job.getNVariables());
+  JobObject model = JobObject::parse(file, readFile(file), modelKeys() << key("conventions"));
+  model.readConventions();
+  return readModel(model, job.getNDimensions(), job.getNVariables());
 }
 
 void readFitOf(const JobObject &root, Job &job)
@@ -114,8 +115,6 @@ void readFitOf(const JobObject &root, Job &job)
     root.fail(name, QObject::tr("needs \"variogram\", to which the model is fitted"));
   if (job.variogram->curve != NgmEVarioExp::VARIOGRAM)
     root.fail(key("variogram.curve"), QObject::tr("a model is fitted to a \"Variogram\""));
-  if (!job.covariates.isEmpty())
-    root.fail(name, QObject::tr("fits one variable; with \"covariates\" give the \"model\""));
   job.fit = readFit(root.object(name, fitKeys()));
 }
 
@@ -172,11 +171,12 @@ Job parseJob(const QString &path, const QByteArray &text)
   Job job;
   job.file = QFileInfo(path).absoluteFilePath();
   job.text = text;
-  const JobObject root = JobObject::parse(
+  JobObject root = JobObject::parse(
       path, job.text,
       {key("title"), key("data"), key("variable"), key("covariates"), key("variogram"), key("fit"),
        key("grid"), key("model"), key("kriging"), key("neighborhood"), key("crossValidation"),
-       key("output"), key("threads"), key("memory")});
+       key("conventions"), key("output"), key("threads"), key("memory")});
+  root.readConventions();
   const QDir folder = QFileInfo(job.file).absoluteDir();
   job.title = root.text(key("title"), QFileInfo(path).completeBaseName());
   readData(root, folder, job);

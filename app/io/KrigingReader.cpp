@@ -144,6 +144,7 @@ void readLocal(const JobObject &object, int nDimensions, KrigingRequest &request
   const JobObject local = object.object(name, {key("azimuth"), key("factor")});
   if (local.has(key("azimuth")))
     request.localAzimuth = Column{local.text(key("azimuth"))};
+  request.localAngles = object.getConventions().angles;
   if (local.has(key("factor")))
     request.localFactor = Column{local.text(key("factor"))};
   if (!request.localAzimuth && !request.localFactor)

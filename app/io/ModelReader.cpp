@@ -3,7 +3,9 @@
 #include "app/io/AxesReader.h"
 #include "app/io/JobObject.h"
 #include "app/io/Suggestion.h"
+#include "app/study/Coregionalization.h"
 #include "app/study/ModelFit.h"
+#include "basic/base/NbbGlobal.h"
 #include "basic/error/NbeError.h"
 #include "basic/interval/NbiIntervalData.h"
 #include "geos/matrix/NgmMatrix.h"
@@ -13,7 +15,7 @@
 
 #include <QObject>
 
-#include <memory>
+#include <cmath>
 
 namespace orvenal {
 
@@ -63,6 +65,18 @@ void readParameter(const JobObject &object, NgmVModel &model, int index)
   model.setAuxiliaryParameter(index, 0, value);
 }
 
+/// Sills of several variables are variances and covariances: no eigenvalue is negative.
+void checkSills(const JobObject &object, const QString &key, NgmMatrix &sills)
+{
+  constexpr double rounding = 1e-12;
+  const double eigenvalue = Coregionalization::smallestEigenvalue(sills);
+  if (eigenvalue < -rounding)
+    object.fail(key, QObject::tr("the matrix is not positive semi-definite: two of the variables "
+                                 "are more correlated than they can be"));
+  if (eigenvalue < 0.)
+    Coregionalization::shrink(sills, 2. * rounding);
+}
+
 /// One number for one variable, else a symmetric matrix with a row per variable.
 NgmMatrix readSills(const JobObject &object, const QString &key, int nVariables)
 {
@@ -79,7 +93,20 @@ NgmMatrix readSills(const JobObject &object, const QString &key, int nVariables)
       sills.setElement(i, j, rows[std::size_t(i)][std::size_t(j)]);
     }
   }
+  checkSills(object, key, sills);
   return sills;
+}
+
+/// The ranges of a structure that has its parameter of shape.
+NbgVector3D practicalRanges(const JobObject &object, const NbgVector3D &given,
+                            const NgmAVStruct &structure)
+{
+  const NbgVector3D ranges = toPracticalRanges(given, object.getConventions().ranges, structure);
+  for (const double range : {ranges.x(), ranges.y(), ranges.z()}) {
+    if (!NbbGlobal::isDefined(range))
+      object.fail(QObject::tr("a practical range of %1 is too large").arg(range));
+  }
+  return ranges;
 }
 
 void readStructure(const JobObject &object, int nDimensions, NgmVModel &model)
@@ -93,7 +120,7 @@ void readStructure(const JobObject &object, int nDimensions, NgmVModel &model)
       readLengths(object, QStringLiteral("range"), QStringLiteral("ranges"), nDimensions);
   const int index = model.addStructure(type.getLabel(), sills);
   readParameter(object, model, index);  // the practical factor may depend on it
-  model.setRanges(index, ranges);
+  model.setRanges(index, practicalRanges(object, ranges, model.getStructure(index)));
   model.setRotation(index, readFrame(object, nDimensions, ranges.x() != ranges.y()));
 }
 
@@ -101,6 +128,22 @@ void readStructure(const JobObject &object, int nDimensions, NgmVModel &model)
 QString reasonOf(const NbeError &error)
 {
   return error.getMessage().section(QStringLiteral("\n\n"), -1).trimmed();
+}
+
+/// Checks a model in units in which the variables have similar sizes.
+void authorize(const JobObject &object, NgmVModel &model)
+{
+  const QVector<double> units = Coregionalization::exactUnits(model);
+  QVector<double> inverses;
+  for (const double unit : units)
+    inverses << 1. / unit;
+  try {
+    Coregionalization::rescale(model, inverses);
+    model.makeAuthorized();
+    Coregionalization::rescale(model, units);
+  } catch (const NbeError &error) {
+    object.fail(QObject::tr("the model is not admissible: ") + reasonOf(error));
+  }
 }
 
 }  // namespace
@@ -156,11 +199,7 @@ NgmVModel readModel(const JobObject &object, int nDimensions, int nVariables)
   }
   if (!model.isValid())
     object.fail(QObject::tr("the model is empty; give a nugget or a structure"));
-  try {
-    model.makeAuthorized();
-  } catch (const NbeError &error) {
-    object.fail(QObject::tr("the model is not admissible: ") + reasonOf(error));
-  }
+  authorize(object, model);
   return model;
 }
 

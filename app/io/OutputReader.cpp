@@ -7,6 +7,8 @@
 #include <QFileInfo>
 #include <QObject>
 
+#include <algorithm>
+
 namespace orvenal {
 
 namespace {
@@ -27,13 +29,51 @@ QStringList pictureEndings()
   return {key("png"), key("svg")};
 }
 
-QString readMap(const JobObject &maps, const QString &name, const QDir &folder, int nDimensions)
+QString readMap(const JobObject &maps, const QString &name, const QDir &folder)
 {
   if (!maps.has(name))
     return QString();
-  if (nDimensions > 2)
-    maps.fail(name, QObject::tr("a map needs a grid of two dimensions"));
   return readOutputFile(maps, name, maps.text(name), folder, pictureEndings());
+}
+
+SectionRequest readSection(const JobObject &object, const NbgGeomGrid &grid)
+{
+  QStringList axes = {key("x"), key("y"), key("z")};
+  axes.erase(std::remove_if(axes.begin(), axes.end(),
+                            [&](const QString &axis) { return !object.has(axis); }),
+             axes.end());
+  if (axes.size() != 1)
+    object.fail(
+        QObject::tr("expected one of \"x\", \"y\" and \"z\", the coordinate of the section"));
+  SectionRequest section;
+  const QString axis = axes.first();
+  section.axis = axis[0].unicode() - 'x';
+  section.coordinate = object.number(axis);
+  if (findLayer(grid, section.axis, section.coordinate) < 0) {
+    const auto [first, last] = gridReach(grid, section.axis);
+    object.fail(axis, QObject::tr("outside the grid, which reaches from %1 to %2")
+                          .arg(QString::number(first, 'g', 12), QString::number(last, 'g', 12)));
+  }
+  if (object.has(key("distance")))
+    section.distance = object.number(key("distance"), 0.);
+  return section;
+}
+
+QList<SectionRequest> readSections(const JobObject &maps, const NbgGeomGrid &grid)
+{
+  constexpr int most = 24;
+  const QString name = key("sections");
+  QList<SectionRequest> sections;
+  if (!maps.has(name))
+    return sections;
+  if (grid.is2D())
+    maps.fail(name, QObject::tr("sections need a grid of three dimensions"));
+  for (const JobObject &object :
+       maps.objects(name, {key("x"), key("y"), key("z"), key("distance")}))
+    sections << readSection(object, grid);
+  if (sections.isEmpty() || sections.size() > most)
+    maps.fail(name, QObject::tr("expected 1 to %1 sections").arg(most));
+  return sections;
 }
 
 QStringList readGridFiles(const JobObject &object, const QDir &folder, int nDimensions)
@@ -65,9 +105,11 @@ void readKrigingFiles(const JobObject &object, const QDir &folder, const Job &jo
     output.grids = readGridFiles(object, folder, job.getNDimensions());
   if (!object.has(key("maps")))
     return;
-  const JobObject maps = object.object(key("maps"), {key("estimate"), key("deviation")});
-  output.estimateMap = readMap(maps, key("estimate"), folder, job.getNDimensions());
-  output.deviationMap = readMap(maps, key("deviation"), folder, job.getNDimensions());
+  const JobObject maps =
+      object.object(key("maps"), {key("estimate"), key("deviation"), key("sections")});
+  output.estimateMap = readMap(maps, key("estimate"), folder);
+  output.deviationMap = readMap(maps, key("deviation"), folder);
+  output.sections = readSections(maps, job.grid);
 }
 
 /// Files of a step by their keys, each with its endings and its place.
@@ -145,17 +187,21 @@ void readOutput(const JobObject &root, const QDir &jobFolder, Job &job)
   if (!root.has(key("output")))
     return;
   const JobObject object = root.object(
-      key("output"), {key("directory"), key("grid"), key("maps"), key("fit"), key("variogram"),
-                      key("crossValidation"), key("report"), key("results")});
+      key("output"), {key("directory"), key("data"), key("grid"), key("maps"), key("fit"),
+                      key("variogram"), key("crossValidation"), key("report"), key("results")});
   const QDir folder(jobFolder.absoluteFilePath(object.text(key("directory"), key("."))));
   JobOutput &output = job.output;
+  readStepFiles(object, "data", true, folder,
+                {{"map", pictureEndings(), &output.dataMap},
+                 {"histogram", pictureEndings(), &output.dataHistogram}});
   readKrigingFiles(object, folder, job, output);
   readVariogramFiles(object, folder, job, output);
   readStepFiles(object, "fit", job.fit.has_value(), folder,
                 {{"model", {key("json")}, &output.fittedModel}});
   readStepFiles(object, "crossValidation", job.crossValidation.has_value(), folder,
                 {{"table", {key("csv")}, &output.crossValidationTable},
-                 {"picture", pictureEndings(), &output.crossValidationPicture}});
+                 {"picture", pictureEndings(), &output.crossValidationPicture},
+                 {"map", pictureEndings(), &output.crossValidationMap}});
   if (object.has(key("report")))
     output.report = readOutputFile(object, key("report"), object.text(key("report")), folder,
                                    {key("html"), key("htm")});

@@ -16,6 +16,10 @@ public:
   /// An invalid one, and the reason, when the text names none.
   static SpatialReference parse(const QString &text, QString &reason);
 
+  /// A reference for people, from the text that names it: "EPSG:28992 (Amersfoort / RD New)"; the
+  /// name alone for WKT and PROJ strings.
+  static QString describe(const QString &text);
+
   SpatialReference();
   SpatialReference(SpatialReference &&) noexcept;
   SpatialReference &operator=(SpatialReference &&) noexcept;
@@ -31,6 +35,13 @@ public:
 
   /// "Amersfoort / RD New"
   QString getName() const;
+
+  /// "EPSG:28992" when it is such a registered one, else its WKT.
+  QString toText() const;
+
+  /// Whether coordinates mean the same in both, whatever the order of the axes in their definitions
+  /// and the spelling of names.
+  bool isSame(const SpatialReference &other) const;
 
   const OGRSpatialReference *get() const { return _reference.get(); }
 

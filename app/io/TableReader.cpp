@@ -1,7 +1,10 @@
 #include "app/io/TableReader.h"
 
 #include "app/io/CsvReader.h"
+#include "app/io/GdalTable.h"
+#include "app/io/GeoEasReader.h"
 #include "app/io/Suggestion.h"
+#include "app/io/TableKind.h"
 #include "basic/error/NbeUserError.h"
 
 #include <QObject>
@@ -11,7 +14,24 @@ namespace orvenal {
 std::unique_ptr<TableReader> TableReader::open(const QString &path, const QString &shownName,
                                                const TableFormat &format)
 {
+  const TableFormat::Kind kind =
+      format.kind == TableFormat::AUTO ? findTableKind(path, shownName) : format.kind;
+  if (kind == TableFormat::GDAL)
+    return openGdalTable(path, shownName, format);
+  if (!format.layer.isEmpty())
+    throw NbeUserError(QObject::tr("%1: a text table has no layers, and none named \"%2\"")
+                           .arg(shownName, format.layer));
+  if (kind == TableFormat::GEO_EAS)
+    return std::make_unique<GeoEasReader>(path, shownName, format);
   return std::make_unique<CsvReader>(path, shownName, format);
+}
+
+QList<TableLayer> TableReader::listLayers(const QString &path, const QString &shownName,
+                                          const TableFormat &format)
+{
+  const TableFormat::Kind kind =
+      format.kind == TableFormat::AUTO ? findTableKind(path, shownName) : format.kind;
+  return kind == TableFormat::GDAL ? listGdalLayers(path, shownName) : QList<TableLayer>();
 }
 
 TableReader::TableReader(const QString &shownName) : _shownName(shownName) {}
@@ -22,9 +42,9 @@ int TableReader::findColumn(const QString &name, const QString &wantedBy) const
 {
   const int column = _columns.indexOf(name);
   if (column < 0)
-    _failAt(_getHeaderPlace(),
-            QObject::tr("there is no column \"%1\" (%2)%3; columns: %4")
-                .arg(name, wantedBy, didYouMean(name, _columns), quotedList(_columns)));
+    _failAt(_getHeaderPlace(), QObject::tr("there is no column \"%1\" (%2)%3; columns: %4%5")
+                                   .arg(name, wantedBy, didYouMean(name, _columns),
+                                        quotedList(_columns), _getMissingHint()));
   if (_columns.lastIndexOf(name) != column)
     _failAt(_getHeaderPlace(),
             QObject::tr("the column name \"%1\" (%2) stands more than once").arg(name, wantedBy));
@@ -34,6 +54,16 @@ int TableReader::findColumn(const QString &name, const QString &wantedBy) const
 QString TableReader::getReference() const
 {
   return QString();
+}
+
+QString TableReader::_getMissingHint() const
+{
+  return QString();
+}
+
+QString TableReader::fieldName(const QString &name, const QStringList &taken)
+{
+  return taken.contains(name) ? QObject::tr("%1 (field)").arg(name) : name;
 }
 
 void TableReader::fail(int column, const QString &message) const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -10,9 +11,13 @@ namespace orvenal {
 /// How a table of points is written in its file.
 struct TableFormat
 {
-  /// AUTO goes by the ending of the file and what it begins with.
-  enum Kind { AUTO, CSV };
+  /// AUTO goes by the ending of the file and what it begins with. GDAL: layers of points and
+  /// rasters in one of the formats that the library of this name reads.
+  enum Kind { AUTO, CSV, GEO_EAS, GDAL };
   Kind kind = AUTO;
+
+  /// Of files with several: the layer (or the variable of a raster file) that is the table.
+  QString layer;
 
   /// Of text tables: ',', ';', tab or ' ' (any number of blanks); 0 finds out from the header.
   char separator = 0;
@@ -25,6 +30,14 @@ struct TableFormat
   QStringList undefined = {QString(), QStringLiteral("NA")};
 };
 
+/// One of the tables in a file.
+struct TableLayer
+{
+  QString name;
+  QString geometry;      ///< "Point", "Polygon", "Raster" ...
+  qint64 nRecords = -1;  ///< -1: not known without reading it
+};
+
 /// Reads a table of points record by record, whatever the format of its file.
 ///
 /// Errors are NbeUserErrors that name the file and the place in it.
@@ -35,9 +48,19 @@ public:
   static std::unique_ptr<TableReader> open(const QString &path, const QString &shownName,
                                            const TableFormat &format);
 
+  /// The layers of a file; none when its format has no layers.
+  static QList<TableLayer> listLayers(const QString &path, const QString &shownName,
+                                      const TableFormat &format);
+
   virtual ~TableReader();
   TableReader(const TableReader &) = delete;
   TableReader &operator=(const TableReader &) = delete;
+
+  /// The format as found, nothing left open.
+  virtual TableFormat getFormat() const = 0;
+
+  /// "CSV", "GEO-EAS", "GPKG (GeoPackage)"
+  virtual QString getFormatName() const = 0;
 
   const QStringList &getColumns() const { return _columns; }
 
@@ -47,6 +70,11 @@ public:
 
   /// Goes to the next record; false at the end of the file.
   virtual bool next() = 0;
+
+  /// What a field of the current record holds; the number is set when it is one that `getNumber`
+  /// would give. TEXT is all else that is not undefined.
+  enum Field { NUMBER, UNDEFINED, TEXT };
+  virtual Field classify(int column, double &number) const = 0;
 
   /// The number in a field of the current record, NbbGlobal::D_FFFF when it is undefined. Text that
   /// is no number, and numbers that are not finite or not below 1e30 in size are errors.
@@ -73,6 +101,13 @@ protected:
 
   /// Where the names of the columns stand.
   virtual QString _getHeaderPlace() const = 0;
+
+  /// The name of a field in a table that has columns of its own, the coordinates: "x (field)" when
+  /// it is one of theirs.
+  static QString fieldName(const QString &name, const QStringList &taken);
+
+  /// Why a column may be missing, for the message; empty without a reason.
+  virtual QString _getMissingHint() const;
 
   [[noreturn]] void _failAt(const QString &place, const QString &message) const;
 

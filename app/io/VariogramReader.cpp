@@ -1,6 +1,7 @@
 #include "app/io/VariogramReader.h"
 
 #include "app/io/JobObject.h"
+#include "app/study/Compass.h"
 
 #include <QObject>
 
@@ -57,8 +58,8 @@ void readRegular(const JobObject &object, VariogramRequest &request)
   if (!isRegular)
     return;
   request.nRegular = object.integer(key("regular"), 1, mostDirections);
-  if (object.has(key("azimuth")))
-    request.firstAzimuth = object.number(key("azimuth"));
+  const double first = object.has(key("azimuth")) ? object.number(key("azimuth")) : 0.;
+  request.firstAzimuth = Compass::toAzimuth(first, object.getConventions().angles);
   if (object.has(key("angularTolerance")))
     request.regularTolerance = readAngularTolerance(object);
 }
@@ -78,7 +79,8 @@ void readDirections(const JobObject &object, int nDimensions, VariogramRequest &
   for (const JobObject &direction : directions) {
     VariogramRequest::Direction result;
     result.name = direction.text(key("name"), QString());
-    result.azimuth = direction.number(key("azimuth"));
+    result.azimuth =
+        Compass::toAzimuth(direction.number(key("azimuth")), object.getConventions().angles);
     if (direction.has(key("dip")) && nDimensions < 3)
       direction.fail(key("dip"), QObject::tr("the samples have two dimensions"));
     if (direction.has(key("dip")))

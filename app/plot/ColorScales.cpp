@@ -1,17 +1,30 @@
 #include "app/plot/ColorScales.h"
 
+#include "app/study/Histogram.h"
+#include "basic/calc/NbcAlgorithm.h"
+
+#include <QObject>
 #include <QStringList>
+
+#include <algorithm>
+#include <cmath>
 
 namespace orvenal {
 
-/// Matplotlib's viridis (Smith and van der Walt, 2015) and cividis (Nunez et al., 2018).
+/// Matplotlib's viridis (Smith and van der Walt, 2015) and cividis (Nunez et al., 2018); the last
+/// one is ColorBrewer's PuOr (Brewer, 2003), from purple below to orange above.
 QCPColorGradient gradientOf(ColorScale scale)
 {
   static const QStringList viridis = {"#440154", "#482878", "#3e4989", "#31688e", "#26828e",
                                       "#1f9e89", "#35b779", "#6ece58", "#b5de2b", "#fde725"};
   static const QStringList cividis = {"#00224e", "#123570", "#3b496c", "#575d6d", "#707173",
                                       "#8a8678", "#a59c74", "#c3b369", "#e1cc55", "#fee838"};
-  const QStringList &colors = scale == ColorScale::VIRIDIS ? viridis : cividis;
+  static const QStringList diverging = {"#2d004b", "#542788", "#8073ac", "#b2abd2",
+                                        "#d8daeb", "#f7f7f7", "#fee0b6", "#fdb863",
+                                        "#e08214", "#b35806", "#7f3b08"};
+  const QStringList &colors = scale == ColorScale::VIRIDIS   ? viridis
+                              : scale == ColorScale::CIVIDIS ? cividis
+                                                             : diverging;
   QCPColorGradient gradient;
   gradient.clearColorStops();
   for (int i = 0; i < colors.size(); ++i)
@@ -19,6 +32,37 @@ QCPColorGradient gradientOf(ColorScale scale)
   gradient.setColorInterpolation(QCPColorGradient::ciRGB);
   gradient.setNanHandling(QCPColorGradient::nhTransparent);
   return gradient;
+}
+
+ColorRange colorRangeOf(const std::vector<double> &values)
+{
+  const std::vector<double> sorted = sortedValues(values);
+  if (sorted.empty())
+    return {QCPRange(0., 1.)};
+  const double least = sorted.front();
+  const double largest = sorted.back();
+  if (!(least < largest)) {
+    const double room = std::max(0.5 * std::abs(least), 1e-6);
+    return {QCPRange(least - room, least + room)};
+  }
+  const QVector<double> ends =
+      NbcAlgorithm::calculateQuantiles(sorted.data(), int(sorted.size()), {0.01, 0.99});
+  const double most = ends[1] - ends[0];
+  if (!(most > 0.) || largest - least < 2. * most)
+    return {QCPRange(least, largest)};
+  // An end that is near the quantile stays.
+  constexpr double near = 0.05;
+  return {QCPRange(ends[0] - least < near * most ? least : ends[0],
+                   largest - ends[1] < near * most ? largest : ends[1]),
+          true};
+}
+
+QString remarkOf(const ColorRange &range)
+{
+  return range.isCut ? QObject::tr(
+                           "The colours end at the quantiles of 1 % and 99 %; the values "
+                           "beyond have the colour of the end.")
+                     : QString();
 }
 
 QCPColorScale &addColorScale(QCustomPlot &plot, const QString &label)

@@ -11,22 +11,6 @@ namespace orvenal {
 
 namespace {
 
-/// Breaks a text between words into lines of a width; a word that is too long is cut.
-QString wrapped(const QString &text, const QFont &font, double width)
-{
-  const QFontMetricsF metrics(font);
-  QStringList lines;
-  for (const QString &word : text.split(' ', Qt::SkipEmptyParts)) {
-    const QString longer = lines.isEmpty() ? word : lines.last() + ' ' + word;
-    if (!lines.isEmpty() && metrics.horizontalAdvance(longer) <= width)
-      lines.last() = longer;
-    else
-      lines << metrics.elidedText(word, Qt::ElideRight, width);
-  }
-  constexpr int mostLines = 3;
-  return QStringList(lines.mid(0, mostLines)).join('\n');
-}
-
 double tickStepOf(QCPAxis &axis)
 {
   QVector<double> ticks;
@@ -44,6 +28,19 @@ int decimalsOf(double step)
       return decimals;
   }
   return most;
+}
+
+/// Width of the widest label among the ticks.
+double widestLabelOf(const QCPAxis &axis, int decimals)
+{
+  const QFontMetricsF metrics(axis.tickLabelFont());
+  return std::max(metrics.horizontalAdvance(QString::number(axis.range().lower, 'f', decimals)),
+                  metrics.horizontalAdvance(QString::number(axis.range().upper, 'f', decimals)));
+}
+
+bool isHorizontal(const QCPAxis &axis)
+{
+  return axis.axisType() == QCPAxis::atBottom || axis.axisType() == QCPAxis::atTop;
 }
 
 }  // namespace
@@ -74,11 +71,44 @@ void styleAxis(QCPAxis &axis, const QString &label)
   axis.grid()->setZeroLinePen(Qt::NoPen);
 }
 
+QString wrapped(const QString &text, const QFont &font, double width)
+{
+  constexpr int mostLines = 3;
+  const QFontMetricsF metrics(font);
+  QStringList lines;
+  for (const QString &word : text.simplified().split(' ', Qt::SkipEmptyParts)) {
+    const QString longer = lines.isEmpty() ? word : lines.last() + ' ' + word;
+    if (!lines.isEmpty() && metrics.horizontalAdvance(longer) <= width)
+      lines.last() = longer;
+    else
+      lines << metrics.elidedText(word, Qt::ElideRight, width);
+  }
+  if (lines.size() > mostLines) {
+    const QString rest = QStringList(lines.mid(mostLines - 1)).join(' ');
+    lines = lines.mid(0, mostLines - 1) << metrics.elidedText(rest, Qt::ElideRight, width);
+  }
+  return lines.join('\n');
+}
+
 void setTicks(QCPAxis &axis, double length, double roomPerTick)
 {
-  axis.ticker()->setTickCount(std::max(2, int(length / roomPerTick)));
-  axis.setNumberFormat(QStringLiteral("f"));
-  axis.setNumberPrecision(decimalsOf(tickStepOf(axis)));
+  constexpr double gap = 12.;
+  constexpr int mostDecimals = 6;
+  constexpr double largest = 1e9;
+  axis.setLabel(wrapped(axis.label(), axis.labelFont(), length));
+  int decimals = 0;
+  for (int count = std::max(2, int(length / roomPerTick)); count > 0; --count) {
+    axis.ticker()->setTickCount(count);
+    const double step = tickStepOf(axis);
+    decimals = decimalsOf(step);
+    if (!isHorizontal(axis) ||
+        widestLabelOf(axis, decimals) + gap <= step / axis.range().size() * length)
+      break;
+  }
+  const double size = std::max(std::abs(axis.range().lower), std::abs(axis.range().upper));
+  const bool isPlain = size < largest && (decimals <= mostDecimals || size >= 1.);
+  axis.setNumberFormat(isPlain ? QStringLiteral("f") : QStringLiteral("gb"));
+  axis.setNumberPrecision(isPlain ? decimals : mostDecimals);
 }
 
 void closeFrame(QCustomPlot &plot)

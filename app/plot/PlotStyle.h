@@ -17,10 +17,14 @@ QFont fontOf(int points, bool bold = false);
 /// "x [m]"; the name alone without a unit.
 QString axisLabel(const QString &name, const QString &unit);
 
+/// Breaks a text between words into at most three lines of a width; what does not fit is cut, with
+/// dots in its place.
+QString wrapped(const QString &text, const QFont &font, double width);
+
 void styleAxis(QCPAxis &axis, const QString &label);
 
-/// Ticks that leave room between their labels, with the decimals that tell them apart; to be called
-/// when the range of the axis is set.
+/// Ticks that leave room between their labels, with the decimals that tell them apart, and the
+/// label of the axis broken to its length; to be called when the range and the label are set.
 void setTicks(QCPAxis &axis, double length, double roomPerTick);
 
 /// Plain lines above and to the right of the plot area.

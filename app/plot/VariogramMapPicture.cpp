@@ -61,8 +61,8 @@ Picture drawVariogramMap(const VariogramMap &map, const VariogramStyle &style)
                        axisLabel(QObject::tr("North"), style.lengthUnit));
   const QCPRange range(-map.radius, map.radius);
   setRanges(*plot, range, range);
-  QCPColorMap &cells =
-      addCells(*plot, map.nPixels, map.nPixels, squared(QObject::tr("Variogram"), style.valueUnit));
+  QCPColorMap &cells = addCells(*plot, map.nPixels, map.nPixels,
+                                squared(QObject::tr("Variogram"), style.variables.first().unit));
   cells.data()->setRange(range, range);
   double largest = 0.;
   for (int row = 0; row < map.nPixels; ++row) {
@@ -87,7 +87,7 @@ Picture drawVariogramCloud(const VariogramCloud &cloud, const VariogramStyle &st
                QObject::tr("Variogram cloud: every pair of samples by its distance and half its "
                            "squared difference."),
                axisLabel(QObject::tr("Distance"), style.lengthUnit),
-               squared(QObject::tr("Half the squared difference"), style.valueUnit));
+               squared(QObject::tr("Half the squared difference"), style.variables.first().unit));
   setRanges(*plot, QCPRange(0., cloud.maxDistance), QCPRange(0., cloud.maxValue));
   QCPColorMap &cells =
       addCells(*plot, cloud.nDistances, cloud.nValues, QObject::tr("Pairs of samples"));

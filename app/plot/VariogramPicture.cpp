@@ -1,14 +1,12 @@
 #include "app/plot/VariogramPicture.h"
 
 #include "app/plot/PlotStyle.h"
+#include "app/plot/VariogramPanel.h"
 #include "app/study/Variography.h"
-#include "geos/vmodel/NgmAVStruct.h"
-#include "geos/vmodel/NgmVModel.h"
 
 #include <QObject>
 
 #include <algorithm>
-#include <cmath>
 
 namespace orvenal {
 
@@ -17,144 +15,16 @@ namespace {
 constexpr double plotWidth = 620.;
 constexpr double plotHeight = 400.;
 
-/// Colours that colour-blind eyes tell apart (Okabe and Ito, 2008).
-QColor colorOf(int curve)
-{
-  static const char *const colors[] = {"#0072b2", "#d55e00", "#009e73", "#cc79a7",
-                                       "#56b4e9", "#e69f00", "#000000"};
-  return QColor(QLatin1String(colors[std::size_t(curve) % std::size(colors)]));
-}
-
-qint64 mostPairsOf(const Variography &variography)
-{
-  qint64 most = 1;
-  for (const VariogramCurve &curve : variography.curves) {
-    for (const qint64 pairs : curve.pairs)
-      most = std::max(most, pairs);
-  }
-  return most;
-}
-
-double largestOf(const Variography &variography, QVector<double> VariogramCurve::*values)
+double largestDistanceOf(const Variography &variography)
 {
   double largest = 0.;
-  for (const VariogramCurve &curve : variography.curves) {
-    for (const double value : curve.*values)
-      largest = std::max(largest, value);
-  }
-  return largest;
-}
-
-/// The points of one curve; circles whose areas are in proportion to the numbers of pairs.
-class PairMarks : public QCPLayerable
-{
-public:
-  PairMarks(QCustomPlot &plot, const VariogramCurve &curve, qint64 mostPairs, const QColor &color,
-            bool hasNumbers)
-      : QCPLayerable(&plot, QStringLiteral("main")),
-        _plot(plot),
-        _curve(curve),
-        _mostPairs(mostPairs),
-        _color(color),
-        _hasNumbers(hasNumbers)
-  {
-  }
-
-protected:
-  void applyDefaultAntialiasingHint(QCPPainter *painter) const override
-  {
-    painter->setAntialiasing(true);
-  }
-
-  QRect clipRect() const override { return _plot.axisRect()->rect(); }
-
-  void draw(QCPPainter *painter) override
-  {
-    QPolygonF line;
-    for (int lag = 0; lag < _curve.distances.size(); ++lag)
-      line << _centerOf(lag);
-    painter->setPen(QPen(_color, 0.8));
-    painter->drawPolyline(line);
-    painter->setPen(QPen(Qt::white, 0.8));
-    painter->setBrush(_color);
-    for (int lag = 0; lag < line.size(); ++lag)
-      painter->drawEllipse(line[lag], _radiusOf(lag), _radiusOf(lag));
-    if (_hasNumbers)
-      _drawNumbers(*painter, line);
-  }
-
-private:
-  QPointF _centerOf(int lag) const
-  {
-    return QPointF(_plot.xAxis->coordToPixel(_curve.distances[lag]),
-                   _plot.yAxis->coordToPixel(_curve.values[lag]));
-  }
-
-  double _radiusOf(int lag) const
-  {
-    constexpr double least = 2.;
-    constexpr double largest = 7.;
-    return std::max(least, largest * std::sqrt(double(_curve.pairs[lag]) / double(_mostPairs)));
-  }
-
-  /// Below the points, where there is room between neighbors.
-  void _drawNumbers(QCPPainter &painter, const QPolygonF &points)
-  {
-    painter.setFont(fontOf(7));
-    painter.setPen(QColor(90, 90, 90));
-    double right = -1e9;
-    for (int lag = 0; lag < points.size(); ++lag) {
-      const QString text = QString::number(_curve.pairs[lag]);
-      const double width = painter.fontMetrics().horizontalAdvance(text);
-      const QRectF place(points[lag].x() - width / 2., points[lag].y() + _radiusOf(lag) + 1., width,
-                         painter.fontMetrics().height());
-      if (place.left() < right + 4. || place.bottom() > clipRect().bottom())
-        continue;
-      painter.drawText(place, Qt::AlignCenter | Qt::TextDontClip, text);
-      right = place.right();
+  for (const VariogramSet &set : variography.sets) {
+    for (const VariogramCurve &curve : set.curves) {
+      for (const double distance : curve.distances)
+        largest = std::max(largest, distance);
     }
   }
-
-  QCustomPlot &_plot;
-  VariogramCurve _curve;
-  qint64 _mostPairs;
-  QColor _color;
-  bool _hasNumbers;
-};
-
-QCPItemStraightLine &addSill(QCustomPlot &plot, double sill)
-{
-  auto *line = new QCPItemStraightLine(&plot);
-  line->point1->setCoords(0., sill);
-  line->point2->setCoords(1., sill);
-  line->setPen(QPen(QColor(90, 90, 90), 1., Qt::DashLine));
-  return *line;
-}
-
-bool isIsotropic(const NgmVModel &model, int nDimensions)
-{
-  for (int i = 0; i < model.getNStructures(); ++i) {
-    const NgmAVStruct &structure = model.getStructure(i);
-    if (!(nDimensions < 3 ? structure.isIsotropic2D() : structure.isIsotropic()))
-      return false;
-  }
-  return true;
-}
-
-void addModel(QCustomPlot &plot, const NgmVModel &model, const VariogramCurve &curve,
-              double maxDistance, const QColor &color)
-{
-  constexpr int nSteps = 400;
-  QVector<double> distances, values;
-  // A nugget jumps at distance 0: the line starts just after it.
-  for (int step = 0; step <= nSteps; ++step) {
-    distances << maxDistance * std::max<double>(step, 1e-6 * nSteps) / nSteps;
-    values << model.calcVarioIJ(0, 0, curve.direction * distances.last());
-  }
-  QCPGraph *graph = plot.addGraph();
-  graph->setData(distances, values, true);
-  graph->setPen(QPen(color, 2.2));
-  graph->removeFromLegend();
+  return largest;
 }
 
 /// The graph carries the name; the marks draw themselves.
@@ -167,39 +37,58 @@ void addLegendEntry(QCustomPlot &plot, const QString &name, const QPen &pen, boo
     graph->setScatterStyle(QCPScatterStyle(QCPScatterStyle::ssDisc, pen.color(), 7));
 }
 
-QString valueLabel(const Variography &variography, const QString &unit)
+void addSillEntry(QCustomPlot &plot, const Variography &variography)
 {
-  if (unit.isEmpty() || !variography.isVariogram)
-    return variography.curveName;
-  return QStringLiteral("%1 [%2]").arg(variography.curveName, '(' + unit + ')' + QChar(0xB2));
+  const bool hasSill = std::any_of(variography.sets.begin(), variography.sets.end(),
+                                   [](const VariogramSet &set) { return set.hasSill; });
+  QString name = QObject::tr("sill of the samples");
+  if (variography.isVariogram)
+    name = variography.nVariables == 1 ? QObject::tr("variance of the samples")
+                                       : QObject::tr("(co)variance of the samples");
+  if (hasSill)
+    addLegendEntry(plot, name, sillPen(), false);
 }
 
-QString remarkOf(const Variography &variography, const VariogramStyle &style)
+void addLegendEntries(QCustomPlot &plot, const Variography &variography,
+                      const VariogramStyle &style)
 {
+  if (style.model && isIsotropic(*style.model, style.nDimensions)) {
+    addLegendEntry(plot, QObject::tr("model"), modelPen(QColor(60, 60, 60)), false);
+    if (variography.nVariables > 1)
+      addLegendEntry(plot, QObject::tr("limits of cross variograms"), limitPen(), false);
+  }
+  const QVector<VariogramCurve> &curves = variography.sets.first().curves;
+  for (int i = 0; i < curves.size(); ++i)
+    addLegendEntry(plot, curves[i].name, QPen(directionColor(i), 0.8), true);
+  addSillEntry(plot, variography);
+}
+
+/// Units multiplied: "(mg/kg)²", "(mg/kg)·(%)".
+QString productOf(const QString &a, const QString &b)
+{
+  if (a.isEmpty() || b.isEmpty())
+    return QString();
+  return a == b ? '(' + a + ')' + QChar(0xB2) : '(' + a + ')' + QChar(0xB7) + '(' + b + ')';
+}
+
+QString unitOf(const VariogramSet &set, const Variography &variography, const VariogramStyle &style)
+{
+  return variography.isVariogram
+             ? productOf(style.variables[set.first].unit, style.variables[set.second].unit)
+             : QString();
+}
+
+QString remarkOf(const Variography &variography, const VariogramStyle &style, bool hasNumbers)
+{
+  const QVector<VariogramCurve> &curves = variography.sets.first().curves;
   QStringList parts;
-  parts << (variography.curves.size() == 1
-                ? QObject::tr("Experimental variogram, %1; numbers are pairs.")
-                      .arg(variography.curves.first().name)
-                : QObject::tr(
-                      "Experimental variograms; areas of points are in proportion to pairs."));
+  if (hasNumbers)
+    parts << QObject::tr("Experimental variogram, %1; numbers are pairs.").arg(curves.first().name);
+  else
+    parts << QObject::tr("Experimental variograms; areas of points are in proportion to pairs.");
   if (style.model && !isIsotropic(*style.model, style.nDimensions))
     parts << QObject::tr("Thick lines: the model.");
   return parts.join(' ');
-}
-
-void setUpAxes(QCustomPlot &plot, const Variography &variography, const VariogramStyle &style)
-{
-  styleAxis(*plot.xAxis, axisLabel(QObject::tr("Distance"), style.lengthUnit));
-  styleAxis(*plot.yAxis, valueLabel(variography, style.valueUnit));
-  closeFrame(plot);
-  const double distance = largestOf(variography, &VariogramCurve::distances);
-  double value = largestOf(variography, &VariogramCurve::values);
-  if (variography.hasSill)
-    value = std::max(value, variography.sill);
-  plot.xAxis->setRange(0., distance > 0. ? 1.04 * distance : 1.);
-  plot.yAxis->setRange(0., value > 0. ? 1.08 * value : 1.);
-  setTicks(*plot.xAxis, plotWidth, 80.);
-  setTicks(*plot.yAxis, plotHeight, 60.);
 }
 
 /// To the right of the plot area, where it hides nothing.
@@ -216,51 +105,127 @@ void setUpLegend(QCustomPlot &plot)
   plot.plotLayout()->setColumnStretchFactor(1, 0.001);
 }
 
-/// One line for an isotropic model, else one per direction in its colour; a curve of all directions
-/// together has none then.
-void addModels(QCustomPlot &plot, const Variography &variography, const VariogramStyle &style)
+Picture drawSingle(const Variography &variography, const VariogramStyle &style)
 {
-  const double distance = plot.xAxis->range().upper;
-  if (isIsotropic(*style.model, style.nDimensions)) {
-    const QColor color(60, 60, 60);
-    addModel(plot, *style.model, variography.curves.first(), distance, color);
-    addLegendEntry(plot, QObject::tr("model"), QPen(color, 2.2), false);
-    return;
+  const VariogramSet &set = variography.sets.first();
+  const bool hasNumbers = set.curves.size() == 1;
+  auto plot = std::make_unique<QCustomPlot>();
+  addText(*plot, style.title, fontOf(13, true), plotWidth + 40.);
+  addText(*plot, remarkOf(variography, style, hasNumbers), fontOf(9), plotWidth + 40.);
+  styleAxis(*plot->xAxis, axisLabel(QObject::tr("Distance"), style.lengthUnit));
+  styleAxis(*plot->yAxis, axisLabel(variography.curveName, unitOf(set, variography, style)));
+  closeFrame(*plot);
+  drawPanel({*plot->axisRect(), set, style, 7., hasNumbers}, largestDistanceOf(variography));
+  setTicks(*plot->xAxis, plotWidth, 80.);
+  setTicks(*plot->yAxis, plotHeight, 60.);
+  addLegendEntries(*plot, variography, style);
+  setUpLegend(*plot);
+  const QSize size = sizeFor(*plot, QSizeF(plotWidth, plotHeight));
+  return Picture(std::move(plot), size);
+}
+
+// Several variables.
+
+/// Of the plot areas; the picture stays within about the same width.
+QSize panelSize(int nVariables)
+{
+  const int width = std::max(230, 860 / nVariables);
+  return QSize(width, width * 2 / 3);
+}
+
+QString panelTitle(const VariogramSet &set, const VariogramStyle &style)
+{
+  const QString first = style.variables[set.first].name;
+  const QString name =
+      set.isCross()
+          ? QStringLiteral("%1 %2 %3").arg(style.variables[set.second].name, QChar(0xD7), first)
+          : first;
+  return name;
+}
+
+/// Puts a plot area under its title, in its row and column of the matrix.
+void placeArea(QCPAxisRect &area, const VariogramSet &set, const QString &title, const QSize &size,
+               QCPLayoutGrid &matrix)
+{
+  const QFont font = fontOf(9);
+  const QString shown = QFontMetricsF(font).elidedText(title, Qt::ElideMiddle, size.width() + 30);
+  auto *text = new QCPTextElement(area.parentPlot(), shown, font);
+  text->setMargins(QMargins(0, 6, 0, 0));
+  matrix.addElement(2 * set.second, set.first, text);
+  area.setSizeConstraintRect(QCPLayoutElement::scrInnerRect);
+  area.setMinimumSize(size);
+  area.setMaximumSize(size);
+  area.setMinimumMargins(QMargins(0, 3, 14, 0));
+  matrix.addElement(2 * set.second + 1, set.first, &area);
+}
+
+void styleArea(QCPAxisRect &area, const QString &xLabel, const QString &yLabel)
+{
+  area.setupFullAxesBox();
+  for (const QCPAxis::AxisType type : {QCPAxis::atTop, QCPAxis::atRight}) {
+    area.axis(type)->setTicks(false);
+    area.axis(type)->setTickLabels(false);
   }
-  for (int i = 0; i < variography.curves.size(); ++i) {
-    if (!variography.curves[i].isOmnidirectional)
-      addModel(plot, *style.model, variography.curves[i], distance, colorOf(i));
+  for (const QCPAxis::AxisType type : {QCPAxis::atBottom, QCPAxis::atLeft}) {
+    QCPAxis &axis = *area.axis(type);
+    styleAxis(axis, type == QCPAxis::atBottom ? xLabel : yLabel);
+    axis.setTickLabelFont(fontOf(8));
+    axis.setLabelFont(fontOf(9));
   }
+}
+
+/// The legend stands where the upper triangle would be.
+void setUpMatrixLegend(QCustomPlot &plot, QCPAxisRect &firstArea)
+{
+  constexpr int mostRows = 10;
+  plot.legend->setWrap(mostRows);
+  plot.legend->setFillOrder(QCPLayoutGrid::foRowsFirst);
+  plot.legend->setVisible(true);
+  plot.legend->setFont(fontOf(9));
+  plot.legend->setBorderPen(Qt::NoPen);
+  firstArea.insetLayout()->addElement(plot.legend, QRectF(1.2, 0., 0., 0.));
+}
+
+Picture drawMatrix(const Variography &variography, const VariogramStyle &style)
+{
+  const QSize size = panelSize(variography.nVariables);
+  auto plot = std::make_unique<QCustomPlot>();
+  auto *matrix = new QCPLayoutGrid;
+  const double width = variography.nVariables * (size.width() + 60.);
+  QCPAxisRect *const firstArea = plot->axisRect();
+  plot->plotLayout()->take(firstArea);
+  plot->plotLayout()->addElement(0, 0, matrix);
+  addText(*plot, style.title, fontOf(13, true), width);
+  addText(*plot, remarkOf(variography, style, false), fontOf(9), width);
+  const double distance = largestDistanceOf(variography);
+  QVector<QCPMarginGroup *> columns;
+  for (int i = 0; i < variography.nVariables; ++i)
+    columns << new QCPMarginGroup(plot.get());
+  for (const VariogramSet &set : variography.sets) {
+    const bool isLast = set.second == variography.nVariables - 1;
+    QCPAxisRect &area = set.second == 0 ? *firstArea : *new QCPAxisRect(plot.get());
+    placeArea(area, set, panelTitle(set, style), size, *matrix);
+    styleArea(area, isLast ? axisLabel(QObject::tr("Distance"), style.lengthUnit) : QString(),
+              unitOf(set, variography, style));
+    area.setMarginGroup(QCP::msLeft, columns[set.first]);
+    drawPanel({area, set, style, 4.5, false}, distance);
+    setTicks(*area.axis(QCPAxis::atBottom), size.width(), 75.);
+    setTicks(*area.axis(QCPAxis::atLeft), size.height(), 45.);
+  }
+  addLegendEntries(*plot, variography, style);
+  setUpMatrixLegend(*plot, *firstArea);
+  plot->setViewport(QRect(QPoint(0, 0), QSize(int(width), int(width))));
+  plot->replot(QCustomPlot::rpImmediateRefresh);
+  const QSize whole = plot->plotLayout()->minimumOuterSizeHint();
+  return Picture(std::move(plot), whole);
 }
 
 }  // namespace
 
 Picture drawVariograms(const Variography &variography, const VariogramStyle &style)
 {
-  auto plot = std::make_unique<QCustomPlot>();
-  addText(*plot, style.title, fontOf(13, true), plotWidth + 40.);
-  addText(*plot, remarkOf(variography, style), fontOf(9), plotWidth + 40.);
-  setUpAxes(*plot, variography, style);
-  if (style.model)
-    addModels(*plot, variography, style);
-  const qint64 mostPairs = mostPairsOf(variography);
-  const bool isSingle = variography.curves.size() == 1;
-  for (int i = 0; i < variography.curves.size(); ++i) {
-    const VariogramCurve &curve = variography.curves[i];
-    addLegendEntry(*plot, curve.name, QPen(colorOf(i), 0.8), true);
-    auto *marks = new PairMarks(*plot, curve, mostPairs, colorOf(i), isSingle);
-    Q_UNUSED(marks)  // the plot owns it
-  }
-  if (variography.hasSill) {
-    addSill(*plot, variography.sill);
-    addLegendEntry(*plot,
-                   variography.isVariogram ? QObject::tr("variance of the samples")
-                                           : QObject::tr("sill of the samples"),
-                   QPen(QColor(90, 90, 90), 1., Qt::DashLine), false);
-  }
-  setUpLegend(*plot);
-  const QSize size = sizeFor(*plot, QSizeF(plotWidth, plotHeight));
-  return Picture(std::move(plot), size);
+  return variography.nVariables == 1 ? drawSingle(variography, style)
+                                     : drawMatrix(variography, style);
 }
 
 }  // namespace orvenal

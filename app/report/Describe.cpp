@@ -5,6 +5,7 @@
 #include "app/report/StudyResult.h"
 #include "app/study/Compass.h"
 #include "basic/base/NbbGlobal.h"
+#include "geos/matrix/NgmMatrix.h"
 #include "geos/vmodel/NgmAVStruct.h"
 
 #include <QObject>
@@ -42,6 +43,35 @@ void addEllipsoid(const NgmNeighborhoodMoving &moving, const Job &job,
     rows.append({QObject::tr("Search radius along %1").arg(QLatin1String(names[axis])),
                  QObject::tr("%1, %2").arg(Describe::length(radii[axis], job.lengthUnit),
                                            Compass::describe(axes[axis], n))});
+}
+
+/// "Spherical of sill 0.59"; see sillRows() for the sills of several variables.
+QString structureWithSill(const NgmVModel &model, int index)
+{
+  const QString label = model.getStructureLabel(index);
+  return model.getNVariables() > 1
+             ? label
+             : QObject::tr("%1 of sill %2")
+                   .arg(label, Describe::number(model.getCoregionalisationMatrix(index)(0, 0)));
+}
+
+QString setName(const VariogramSet &set, const Job &job)
+{
+  const QString first = job.getVariable(set.first).name;
+  return set.isCross()
+             ? QStringLiteral("%1 %2 %3").arg(job.getVariable(set.second).name, QChar(0xD7), first)
+             : first;
+}
+
+void addSillRows(const QString &structure, const NgmMatrix &sills, const Job &job,
+                 QList<QStringList> &rows)
+{
+  for (int i = 0; i < sills.getNRows(); ++i) {
+    QStringList row = {i == 0 ? structure : QString(), job.getVariable(i).name};
+    for (int j = 0; j < sills.getNColumns(); ++j)
+      row << Describe::number(sills(i, j));
+    rows << row;
+  }
 }
 
 QString columnNames(const QList<Column> &columns)
@@ -164,7 +194,9 @@ QString Describe::model(const Job &job)
 {
   QStringList parts;
   if (job.model.hasNugget())
-    parts << QObject::tr("nugget %1").arg(number(job.model.getNugget(0, 0)));
+    parts << (job.getNVariables() > 1
+                  ? QObject::tr("nugget")
+                  : QObject::tr("nugget %1").arg(number(job.model.getNugget(0, 0))));
   for (int index = 0; index < job.model.getNStructures(); ++index) {
     const NbgVector3D ranges = job.model.getStructure(index).getPracticalRanges();
     QStringList distinct;
@@ -172,10 +204,7 @@ QString Describe::model(const Job &job)
       if (!distinct.contains(number(ranges[axis])))
         distinct << number(ranges[axis]);
     }
-    parts << QObject::tr("%1 of sill %2, range %3")
-                     .arg(job.model.getStructureLabel(index),
-                          number(job.model.getCoregionalisationMatrix(index)(0, 0)),
-                          times(distinct)) +
+    parts << QObject::tr("%1, range %2").arg(structureWithSill(job.model, index), times(distinct)) +
                  (job.lengthUnit.isEmpty() ? QString() : ' ' + job.lengthUnit);
   }
   return parts.join(QStringLiteral(" + "));
@@ -219,8 +248,9 @@ QString textStatistics(const StudyResult &result)
 {
   QList<QStringList> rows;
   rows << (QStringList(QString()) << Describe::statisticsHeader());
-  rows << (QStringList(Describe::sampleLabel(result.job))
-           << Describe::statisticsRow(result.sampleStatistics));
+  for (int i = 0; i < result.job.getNVariables(); ++i)
+    rows << (QStringList(result.job.getVariable(i).getLabel())
+             << Describe::statisticsRow(result.variableStatistics.getConstUnivariateStats(i)));
   if (result.estimation) {
     rows << (QStringList(Describe::estimateLabel(result.job))
              << Describe::statisticsRow(result.estimation->estimate));
@@ -231,16 +261,49 @@ QString textStatistics(const StudyResult &result)
   return alignedColumns(rows, nShown);
 }
 
+QList<QStringList> sillRows(const Job &job)
+{
+  QStringList header = {QObject::tr("structure"), QString()};
+  for (int i = 0; i < job.getNVariables(); ++i)
+    header << job.getVariable(i).name;
+  QList<QStringList> rows = {header};
+  NgmMatrix total = job.model.getNuggetMatrix();
+  if (job.model.hasNugget())
+    addSillRows(QObject::tr("nugget"), total, job, rows);
+  for (int index = 0; index < job.model.getNStructures(); ++index) {
+    const NgmMatrix &sills = job.model.getCoregionalisationMatrix(index);
+    addSillRows(job.model.getStructureLabel(index), sills, job, rows);
+    total = total + sills;
+  }
+  addSillRows(QObject::tr("total"), total, job, rows);
+  return rows;
+}
+
+QString textSills(const Job &job)
+{
+  return alignedColumns(sillRows(job), 2 + job.getNVariables());
+}
+
 QList<QStringList> variogramRows(const Variography &variography, const Job &job)
 {
   QList<QStringList> rows;
   const QString distance = labelled(QObject::tr("distance"), job.lengthUnit);
-  rows << QStringList{QObject::tr("direction"), distance, QObject::tr("pairs"),
-                      variography.curveName.toLower()};
-  for (const VariogramCurve &curve : variography.curves) {
-    for (int lag = 0; lag < curve.distances.size(); ++lag)
-      rows << QStringList{lag == 0 ? curve.name : QString(), Describe::number(curve.distances[lag]),
-                          QString::number(curve.pairs[lag]), Describe::number(curve.values[lag])};
+  rows << QStringList{QObject::tr("variable"), QObject::tr("direction"), distance,
+                      QObject::tr("pairs"), variography.curveName.toLower()};
+  for (const VariogramSet &set : variography.sets) {
+    QString name = setName(set, job);
+    for (const VariogramCurve &curve : set.curves) {
+      for (int lag = 0; lag < curve.distances.size(); ++lag) {
+        rows << QStringList{name, lag == 0 ? curve.name : QString(),
+                            Describe::number(curve.distances[lag]),
+                            QString::number(curve.pairs[lag]), Describe::number(curve.values[lag])};
+        name.clear();
+      }
+    }
+  }
+  if (variography.nVariables == 1) {
+    for (QStringList &row : rows)
+      row.removeFirst();
   }
   return rows;
 }

@@ -38,7 +38,7 @@ QString deviationLabel(const Job &job);
 QString method(const Job &job);
 QString grid(const Job &job);
 
-/// "nugget 0.05 + Spherical of sill 0.59, range 897 m"
+/// "nugget 0.05 + Spherical of sill 0.59, range 897 m"; without sills for several variables.
 QString model(const Job &job);
 
 /// Names and values: type, radii and axes, numbers of samples.
@@ -58,7 +58,15 @@ QVector<QPair<QString, QString>> crossValidationRows(const StudyResult &result);
 /// The same as text.
 QString textCrossValidation(const StudyResult &result);
 
-/// Header and rows of the variograms: direction, distance, pairs, value.
+/// Header and rows of the matrices of sills of a model of several variables: structure, variable,
+/// a column per variable.
+QList<QStringList> sillRows(const Job &job);
+
+/// The same as a text table.
+QString textSills(const Job &job);
+
+/// Header and rows of the variograms: direction, distance, pairs, value; the variables in front
+/// when there are several.
 QList<QStringList> variogramRows(const Variography &variography, const Job &job);
 
 /// The variograms as a text table.

@@ -2,6 +2,7 @@
 
 #include "app/console/Progress.h"
 #include "app/io/SpatialReference.h"
+#include "app/plot/SampleMapPicture.h"
 #include "app/report/Describe.h"
 #include "app/report/StudyResult.h"
 #include "app/report/Versions.h"
@@ -37,7 +38,7 @@ p { margin: .4rem 0; }
 .lead { color: #4a5a6a; }
 figure { margin: 1rem 0; }
 figure img { max-width: 100%; height: auto; }
-#variograms > figure, #cross-validation > figure { max-width: 44rem; }
+#variograms > figure { max-width: 44rem; }
 .maps { display: flex; flex-wrap: wrap; gap: 1rem; margin-top: 1rem; }
 .maps figure { flex: 1 1 22rem; margin: 0; }
 .maps img { width: 100%; height: auto; }
@@ -104,10 +105,22 @@ QString maps(const StudyResult &result)
 {
   if (result.estimateMap.isEmpty() && result.deviationMap.isEmpty())
     return QString();
-  return QStringLiteral("<div class=\"maps\">\n") +
-         figure(result.estimateMap, Describe::estimateLabel(result.job)) +
-         figure(result.deviationMap, Describe::deviationLabel(result.job)) +
+  const bool is3D = result.job.getNDimensions() > 2;
+  const QString caption = is3D ? QObject::tr("%1, sections") : QStringLiteral("%1");
+  return QStringLiteral("<div class=\"%1\">\n")
+             .arg(is3D ? QStringLiteral("sections") : QStringLiteral("maps")) +
+         figure(result.estimateMap, caption.arg(Describe::estimateLabel(result.job))) +
+         figure(result.deviationMap, caption.arg(Describe::deviationLabel(result.job))) +
          QStringLiteral("</div>\n");
+}
+
+QString samplePictures(const StudyResult &result)
+{
+  return figure(result.dataMap,
+                QObject::tr("The samples, coloured by %1").arg(Describe::sampleLabel(result.job))) +
+         figure(result.dataHistogram,
+                QObject::tr("Histogram of %1, and its values on Gaussian probabilities")
+                    .arg(Describe::sampleLabel(result.job)));
 }
 
 QString warnings(const StudyResult &result)
@@ -131,12 +144,8 @@ QString data(const StudyResult &result)
       {QObject::tr("Samples"), QString::number(samples.getCount())},
       {QObject::tr("Undefined values"), QString::number(samples.nUndefined)},
       {QObject::tr("Samples at the place of another"), QString::number(samples.nDuplicates)}};
-  if (!job.crs.isEmpty()) {
-    QString reason;
-    const QString name = SpatialReference::parse(job.crs, reason).getName();
-    rows.append(
-        {QObject::tr("Coordinate reference system"), QObject::tr("%1 (%2)").arg(job.crs, name)});
-  }
+  if (!job.crs.isEmpty())
+    rows.append({QObject::tr("Coordinate reference system"), SpatialReference::describe(job.crs)});
   if (result.estimation)
     rows.append({QObject::tr("Grid"), Describe::grid(job)});
   if (result.estimation && job.mask)
@@ -152,8 +161,11 @@ QString statistics(const StudyResult &result)
   NbbHtmlTable table;
   table.setAlignCell(NbbHtmlTable::ALIGN_RIGHT);
   table.setColumnHeader(Describe::statisticsHeader());
-  QStringList names = {Describe::sampleLabel(result.job)};
-  table.addRow(Describe::statisticsRow(result.sampleStatistics));
+  QStringList names;
+  for (int i = 0; i < result.job.getNVariables(); ++i) {
+    names << result.job.getVariable(i).getLabel();
+    table.addRow(Describe::statisticsRow(result.variableStatistics.getConstUnivariateStats(i)));
+  }
   if (result.estimation) {
     names << Describe::estimateLabel(result.job) << Describe::deviationLabel(result.job);
     table.addRow(Describe::statisticsRow(result.estimation->estimate));
@@ -191,7 +203,11 @@ QString variograms(const StudyResult &result)
 
 QString crossValidation(const StudyResult &result)
 {
-  return figure(result.crossValidationPicture, QObject::tr("Cross-validation")) +
+  return figure(result.crossValidationPicture,
+                QObject::tr("Values against estimates, and standardized errors")) +
+         figure(result.crossValidationMap,
+                QObject::tr("Map of the standardized errors; triangles are beyond %1")
+                    .arg(QString::number(largestUsualError))) +
          rowsTable(crossValidationRows(result)) +
          paragraph(QObject::tr("Errors are estimates less values; standardized ones are divided by "
                                "the kriging standard deviation. A fitting model has a mean error "
@@ -207,7 +223,8 @@ QString vectorText(const NbgVector3D &v)
   return QObject::tr("(%1, %2, %3)").arg(component(v.x()), component(v.y()), component(v.z()));
 }
 
-/// A row per axis of the structure's frame: range, direction and vector.
+/// A row per axis of the structure's frame: range, direction and vector; the sill before them when
+/// there is one variable.
 void addStructure(const NgmVModel &model, int index, const Job &job, NbbHtmlTable &table)
 {
   const NgmAVStruct &structure = model.getStructure(index);
@@ -219,37 +236,59 @@ void addStructure(const NgmVModel &model, int index, const Job &job, NbbHtmlTabl
   if (structure.getNAuxiliaryParameters() > 0)
     name += QObject::tr(", %1 %2").arg(structure.getAuxiliaryName(0),
                                        Describe::number(structure.getAuxiliaryValue(0)));
-  for (int axis = 0; axis < job.getNDimensions(); ++axis)
-    table.addRow(
-        {axis == 0 ? name : QString(),
-         axis == 0 ? Describe::number(model.getCoregionalisationMatrix(index)(0, 0)) : QString(),
-         QLatin1String(names[axis]), Describe::length(ranges[axis], job.lengthUnit),
-         Compass::describe(axes[axis], job.getNDimensions()), vectorText(axes[axis])});
+  for (int axis = 0; axis < job.getNDimensions(); ++axis) {
+    QStringList row = {axis == 0 ? name : QString()};
+    if (job.getNVariables() == 1)
+      row << (axis == 0 ? Describe::number(model.getCoregionalisationMatrix(index)(0, 0))
+                        : QString());
+    row << QLatin1String(names[axis]) << Describe::length(ranges[axis], job.lengthUnit)
+        << Compass::describe(axes[axis], job.getNDimensions()) << vectorText(axes[axis]);
+    table.addRow(row);
+  }
+}
+
+QString structures(const NgmVModel &model, const Job &job)
+{
+  const bool hasSills = job.getNVariables() == 1;
+  QStringList header = {QObject::tr("Structure")};
+  if (hasSills)
+    header << QObject::tr("Sill");
+  header << QObject::tr("Axis") << QObject::tr("Practical range") << QObject::tr("Direction")
+         << QObject::tr("Axis vector (east, north, up)");
+  NbbHtmlTable table;
+  table.setColumnHeader(header);
+  if (hasSills && model.hasNugget())
+    table.addRow({QObject::tr("Nugget"), Describe::number(model.getNugget(0, 0)), QString(),
+                  QString(), QString(), QString()});
+  for (int index = 0; index < model.getNStructures(); ++index)
+    addStructure(model, index, job, table);
+  return scrolling(table);
+}
+
+QString sills(const NgmVModel &model, const Job &job)
+{
+  if (job.getNVariables() == 1)
+    return paragraph(QObject::tr("Total sill %1.").arg(Describe::number(model.getC0IJ(0, 0))),
+                     QStringLiteral("lead"));
+  return NbbHtml::title(QObject::tr("Matrices of sills"), 3) + '\n' + headedTable(sillRows(job)) +
+         paragraph(QObject::tr("A linear model of coregionalization: each structure has a matrix "
+                               "of sills, which is positive semi-definite, so that the model is "
+                               "admissible."),
+                   QStringLiteral("lead"));
 }
 
 QString model(const StudyResult &result)
 {
   const NgmVModel &model = result.job.model;
-  NbbHtmlTable table;
-  table.setColumnHeader({QObject::tr("Structure"), QObject::tr("Sill"), QObject::tr("Axis"),
-                         QObject::tr("Practical range"), QObject::tr("Direction"),
-                         QObject::tr("Axis vector (east, north, up)")});
-  if (model.hasNugget())
-    table.addRow({QObject::tr("Nugget"), Describe::number(model.getNugget(0, 0)), QString(),
-                  QString(), QString(), QString()});
-  for (int index = 0; index < model.getNStructures(); ++index)
-    addStructure(model, index, result.job, table);
   QString fit;
   if (result.fit)
     fit = paragraph(QObject::tr("Fitted to the experimental variograms; misfit %1.")
                         .arg(Describe::number(result.fit->score)));
-  return fit + scrolling(table) +
-         paragraph(
-             QObject::tr("Total sill %1. Ranges are practical ranges: the distance at which a "
-                         "structure reaches its sill, or 95% of it when it never does. "
-                         "Azimuths run clockwise from north, dips downward.")
-                 .arg(Describe::number(model.getC0IJ(0, 0))),
-             QStringLiteral("lead"));
+  return fit + structures(model, result.job) + sills(model, result.job) +
+         paragraph(QObject::tr("Ranges are practical ranges: the distance at which a structure "
+                               "reaches its sill, or 95% of it when it never does. Azimuths run "
+                               "clockwise from north, dips downward."),
+                   QStringLiteral("lead"));
 }
 
 QString outcome(const StudyResult &result)
@@ -347,7 +386,8 @@ QByteArray studyReport(const StudyResult &result)
   html += NbbHtml::title(result.job.title, 1) + '\n' +
           paragraph(lead(result), QStringLiteral("lead")) + warnings(result) + maps(result);
   html += section(QStringLiteral("statistics"), QObject::tr("Statistics"), statistics(result));
-  html += section(QStringLiteral("data"), QObject::tr("Data"), data(result));
+  html +=
+      section(QStringLiteral("data"), QObject::tr("Data"), data(result) + samplePictures(result));
   if (!result.variography.isEmpty())
     html += section(QStringLiteral("variograms"), QObject::tr("Experimental variograms"),
                     variograms(result));

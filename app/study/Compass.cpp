@@ -49,6 +49,16 @@ double Compass::azimuthOfRows(const NbgRotation &rotation)
   return azimuth(rotation.getAxisY());
 }
 
+double Compass::toAzimuth(double angle, AngleConvention convention)
+{
+  return convention == AngleConvention::MATHEMATICAL ? 90. - angle : angle;
+}
+
+double Compass::toAzimuthOfRows(double angle, AngleConvention convention)
+{
+  return convention == AngleConvention::MATHEMATICAL ? -angle : angle;
+}
+
 double Compass::azimuth(const NbgVector3D &direction)
 {
   if (direction.x() == 0. && direction.y() == 0.)

@@ -6,6 +6,10 @@
 
 namespace orvenal {
 
+/// How a job gives horizontal angles: azimuths clockwise from north (Y), or mathematical angles
+/// counter-clockwise from east (X).
+enum class AngleConvention { AZIMUTH, MATHEMATICAL };
+
 /// The directions that people speak of, and the rotations of the libraries. Angles in degrees.
 ///
 /// Azimuth: clockwise from north (Y). Dip: positive downward. Pitch: turn about the U axis that
@@ -25,6 +29,13 @@ NbgRotation gridFrame(double azimuthOfRows);
 
 /// The inverse of gridFrame(), in [0, 360).
 double azimuthOfRows(const NbgRotation &rotation);
+
+/// Azimuth of a horizontal angle that is given in a convention.
+double toAzimuth(double angle, AngleConvention convention);
+
+/// Azimuth of the second axis of a grid, of which a convention gives that azimuth, or the
+/// counter-clockwise turn of the grid (from east to its first axis).
+double toAzimuthOfRows(double angle, AngleConvention convention);
 
 /// Azimuth in [0, 360) of a direction; 0 for a vertical one.
 double azimuth(const NbgVector3D &direction);

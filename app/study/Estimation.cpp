@@ -8,6 +8,7 @@
 #include "basic/data/NbdVariableDouble.h"
 #include "basic/data/NbdVariableSelection.h"
 #include "basic/error/NbeUserError.h"
+#include "basic/geom/NbgRotationConventionDefault.h"
 #include "basic/geom/NbgRotationConventionGeologist.h"
 #include "basic/interval/NbiIntervalIntLarge.h"
 #include "basic/interval/NbiIntervalIntSmall.h"
@@ -122,8 +123,11 @@ void configureLocal(NgcKriging &kriging, const KrigingRequest &request)
   if (!request.localAzimuth && !request.localFactor)
     return;
   kriging.setEnableLGS(true);
-  kriging.setLGSNeighRotationConvention(true, NbgRotationConventionGeologist::ID);
-  kriging.setLGSModelRotationConvention(true, NbgRotationConventionGeologist::ID);
+  const int convention = request.localAngles == AngleConvention::MATHEMATICAL
+                             ? NbgRotationConventionDefault::ID
+                             : NbgRotationConventionGeologist::ID;
+  kriging.setLGSNeighRotationConvention(true, convention);
+  kriging.setLGSModelRotationConvention(true, convention);
 }
 
 void configureCollocated(NgcKriging &kriging, const KrigingRequest &request)

@@ -11,8 +11,9 @@ QStringList JobOutput::getFiles() const
 {
   QStringList files = grids;
   for (const QString &file :
-       {variogramTable, variogramPicture, variogramMap, variogramCloud, fittedModel,
-        crossValidationTable, crossValidationPicture, estimateMap, deviationMap, report, results}) {
+       {dataMap, dataHistogram, variogramTable, variogramPicture, variogramMap, variogramCloud,
+        fittedModel, crossValidationTable, crossValidationPicture, crossValidationMap, estimateMap,
+        deviationMap, report, results}) {
     if (!file.isEmpty())
       files << file;
   }
@@ -21,7 +22,7 @@ QStringList JobOutput::getFiles() const
 
 Steps Job::getSteps() const
 {
-  Steps steps;
+  Steps steps = {Step::STATISTICS};
   if (variogram)
     steps.insert(Step::VARIOGRAM);
   if (fit)
@@ -38,6 +39,10 @@ Steps Job::getSteps() const
 void Job::keepOutputsOf(const Steps &steps)
 {
   JobOutput kept;
+  if (steps.count(Step::STATISTICS)) {
+    kept.dataMap = output.dataMap;
+    kept.dataHistogram = output.dataHistogram;
+  }
   if (steps.count(Step::VARIOGRAM)) {
     kept.variogramTable = output.variogramTable;
     kept.variogramPicture = output.variogramPicture;
@@ -49,11 +54,13 @@ void Job::keepOutputsOf(const Steps &steps)
   if (steps.count(Step::CROSS_VALIDATION)) {
     kept.crossValidationTable = output.crossValidationTable;
     kept.crossValidationPicture = output.crossValidationPicture;
+    kept.crossValidationMap = output.crossValidationMap;
   }
   if (steps.count(Step::KRIGING)) {
     kept.grids = output.grids;
     kept.estimateMap = output.estimateMap;
     kept.deviationMap = output.deviationMap;
+    kept.sections = output.sections;
   }
   if (steps.count(Step::REPORT)) {
     kept.report = output.report;

@@ -2,6 +2,7 @@
 
 #include "app/io/TableReader.h"
 #include "app/study/CrossValidation.h"
+#include "app/study/GridSection.h"
 #include "app/study/KrigingRequest.h"
 #include "app/study/ModelFit.h"
 #include "app/study/VariogramRequest.h"
@@ -44,8 +45,11 @@ struct JobVariable : Column
 struct JobOutput
 {
   QStringList grids;
-  QString estimateMap;
+  QString dataMap;
+  QString dataHistogram;
+  QString estimateMap;  ///< of sections, for a grid of three dimensions
   QString deviationMap;
+  QList<SectionRequest> sections;  ///< empty for the usual ones
   QString variogramTable;
   QString variogramPicture;
   QString variogramMap;
@@ -53,6 +57,7 @@ struct JobOutput
   QString fittedModel;
   QString crossValidationTable;
   QString crossValidationPicture;
+  QString crossValidationMap;
   QString report;
   QString results;
 
@@ -60,7 +65,7 @@ struct JobOutput
 };
 
 /// Parts of a study that can be run alone.
-enum class Step { VARIOGRAM, FIT, CROSS_VALIDATION, KRIGING, REPORT };
+enum class Step { STATISTICS, VARIOGRAM, FIT, CROSS_VALIDATION, KRIGING, REPORT };
 using Steps = std::set<Step>;
 
 /// A study as a job file describes it, in the terms of the libraries: angles are converted,
@@ -101,6 +106,12 @@ struct Job
   void keepOutputsOf(const Steps &steps);
 
   int getNVariables() const { return 1 + covariates.size(); }
+
+  /// The variable to estimate for 0, then the covariates.
+  const JobVariable &getVariable(int rank) const
+  {
+    return rank == 0 ? variable : covariates[rank - 1];
+  }
   int getNDimensions() const { return data.z.isEmpty() ? 2 : 3; }
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/study/Column.h"
+#include "app/study/Compass.h"
 #include "basic/geom/NbgIntVector3D.h"
 
 #include <QList>
@@ -40,7 +41,8 @@ struct KrigingRequest
   double productionVolume = 0.;  ///< of super kriging, with the mean; 0 without it
   double theoreticalMean = 0.;
   std::optional<Column> localAzimuth;  ///< of the grid: of the first axis of model and ellipsoid
-  std::optional<Column> localFactor;   ///< of the grid: of the ranges and radii
+  AngleConvention localAngles = AngleConvention::AZIMUTH;  ///< in which that column is given
+  std::optional<Column> localFactor;                       ///< of the grid: of the ranges and radii
   QList<ExtraOutput> extras;
 
   /// Columns that are read besides variable and covariates.

@@ -74,11 +74,7 @@ void configureFaults(NgcAKriging &kriging, const Job &job)
 NgdDataSetPoints makeSampleDataSet(const Job &job,
                                    const QSharedPointer<NbpMemoryProviderPointsW> &samples)
 {
-  NgdDataSetPoints input;
-  input.setDataProvider(samples);
-  input.assignVariable(Nbd::Role::V, samples->getIdFromName(sampleValueName()));
-  for (int i = 0; i < job.covariates.size(); ++i)
-    input.assignVariable(Nbd::Role::V, samples->getIdFromName(covariateName(i)));
+  NgdDataSetPoints input = makeVariableDataSet(job, samples);
   assignColumns(input, Nbd::Role::EXTDRIFT, *samples, job.kriging.externalDrifts);
   assignColumns(input, Nbd::Role::LOCAL_MEAN, *samples, job.kriging.localMeans);
   if (const QString error = measurementErrorName(job.kriging); !error.isEmpty())

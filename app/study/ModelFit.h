@@ -6,12 +6,13 @@
 #include <QList>
 #include <QString>
 
-class NgmVariogramExpData;
+class NgmMatrix;
 
 namespace orvenal {
 
 struct Job;
 struct RunContext;
+struct Variography;
 
 /// What a job asks of an automatic fit.
 struct FitRequest
@@ -29,8 +30,10 @@ struct ModelFit
   double score = 0.;  ///< of the misfit, 0 for a perfect fit
 };
 
-/// Fits the model of the job's request to experimental variograms.
-ModelFit fitModel(const Job &job, const NgmVariogramExpData &data, double variance,
+/// Fits the model of the job's request to experimental variograms: a linear model of
+/// coregionalization for several variables, whose matrices of sills are positive semi-definite.
+/// Variograms without pairs, and a variable that does not vary, are errors.
+ModelFit fitModel(const Job &job, const Variography &variography, const NgmMatrix &variances,
                   const RunContext &context);
 
 }  // namespace orvenal

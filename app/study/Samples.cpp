@@ -9,6 +9,7 @@
 #include "basic/geom/NbgGeomPolyline.h"
 #include "basic/geom/NbgGeomPolylineSet.h"
 #include "basic/provider/NbpMemoryProviderPointsW.h"
+#include "geos/data/NgdDataSetPoints.h"
 
 #include <QObject>
 
@@ -202,6 +203,17 @@ QSharedPointer<NbpMemoryProviderPointsW> makeProvider(const Samples &samples)
        ++column)
     provider->addVariable(auxiliaryName(column.key()), column.value());
   return provider;
+}
+
+NgdDataSetPoints makeVariableDataSet(const Job &job,
+                                     const QSharedPointer<NbpMemoryProviderPointsW> &samples)
+{
+  NgdDataSetPoints data;
+  data.setDataProvider(samples);
+  data.assignVariable(Nbd::Role::V, samples->getIdFromName(sampleValueName()));
+  for (int i = 0; i < job.covariates.size(); ++i)
+    data.assignVariable(Nbd::Role::V, samples->getIdFromName(covariateName(i)));
+  return data;
 }
 
 QMap<QString, std::vector<double>> readGridValues(const Job &job)

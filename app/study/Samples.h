@@ -8,6 +8,7 @@
 
 class NbgGeomPolylineSet;
 class NbpMemoryProviderPointsW;
+class NgdDataSetPoints;
 
 namespace orvenal {
 
@@ -48,6 +49,10 @@ QString sampleValueName();
 QString covariateName(int index);
 QString auxiliaryName(const Column &column);
 QString auxiliaryName(const QString &name);
+
+/// The samples of a provider with all variables of the job, the one to estimate first.
+NgdDataSetPoints makeVariableDataSet(const Job &job,
+                                     const QSharedPointer<NbpMemoryProviderPointsW> &samples);
 
 /// The columns that kriging needs at the nodes of the grid, in rank order; undefined where the
 /// file has no point in the cell of the node. A cell with two points is an error.

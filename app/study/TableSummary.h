@@ -54,7 +54,9 @@ struct TableSummary
   qint64 nRecords = 0;
   QList<ColumnSummary> columns;
 
-  CoordinateColumns coordinates;  ///< a guess; only columns of numbers
+  /// A guess by names; only columns of numbers. A third one is taken when a tenth of the places at
+  /// least lie above others, as along boreholes: else heights are a value of points on a surface.
+  CoordinateColumns coordinates;
   qint64 nPlaces = 0;             ///< records whose coordinates are all defined
   qint64 nDuplicates = 0;         ///< those at the place of an earlier one
   std::array<double, 3> lower{};  ///< corner of the box around the places; without any meaningless
@@ -68,7 +70,7 @@ struct TableSummary
 };
 
 /// Reads a table from end to end. A text table that has its numbers with decimal commas is read as
-/// such when the format says decimal points. Memory: 24 bytes per record for the places, and
+/// such when the format says decimal points. Memory: some 60 bytes per record for the places, and
 /// nothing else that grows with the table. Damaged tables are NbeUserErrors.
 TableSummary summarizeTable(const QString &path, const QString &shownName,
                             const TableFormat &format);

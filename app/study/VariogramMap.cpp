@@ -3,7 +3,6 @@
 #include "app/study/Job.h"
 #include "app/study/RunContext.h"
 #include "app/study/Samples.h"
-#include "app/study/Statistics.h"
 #include "basic/base/NbbGlobal.h"
 #include "basic/data/NbdVariableDouble.h"
 #include "basic/provider/NbpMemoryProviderPointsW.h"
@@ -71,6 +70,7 @@ VariogramMap computeVariogramMap(const Job &job, const Samples &samples,
 
 VariogramCloud computeVariogramCloud(const Job &job, const Samples &samples,
                                      const QSharedPointer<NbpMemoryProviderPointsW> &provider,
+                                     const NgmMultivariateStatistics &statistics,
                                      const RunContext &context)
 {
   VariogramRequest request = job.variogram.value_or(VariogramRequest());
@@ -78,13 +78,12 @@ VariogramCloud computeVariogramCloud(const Job &job, const Samples &samples,
   request.directions.clear();
   NgmVariogramExp experiment = makeVariogramExp(request, samples);
   experiment.setComputeCloud(true);
-  const NgdDataSetPoints data = dataSetOf(provider);
   NgmVariogramCloudParameters parameters;
   parameters.setImageSize(nCloudCells, nCloudCells);
   NgcVariogram calculator(Nbd::Role::V);
-  calculator.setInputDataSet(data);
+  calculator.setInputDataSet(dataSetOf(provider));
   calculator.setVarioExp(experiment);
-  calculator.setStatistics(computeMultivariateStatistics(data, context));
+  calculator.setStatistics(statistics.extractMultiVariableStats(QList<int>{0}));
   calculator.setVariogramCloudParameters(parameters);
   context.run(calculator, QObject::tr("Variogram cloud"), samples.getCount(),
               QObject::tr("samples"), RunContext::SIDE_STEP);

@@ -5,6 +5,7 @@
 #include <vector>
 
 class NbpMemoryProviderPointsW;
+class NgmMultivariateStatistics;
 
 namespace orvenal {
 
@@ -22,12 +23,13 @@ struct VariogramMap
   bool isEmpty() const { return nPixels == 0; }
 };
 
-/// The map that reaches as far as the variograms of the job.
+/// The map of the variable to estimate, which reaches as far as the variograms of the job.
 VariogramMap computeVariogramMap(const Job &job, const Samples &samples,
                                  const QSharedPointer<NbpMemoryProviderPointsW> &provider,
                                  const RunContext &context);
 
-/// All pairs of samples of an omnidirectional variogram, counted in cells of distance and value.
+/// All pairs of samples of an omnidirectional variogram of the variable to estimate, counted in
+/// cells of distance and value.
 struct VariogramCloud
 {
   int nDistances = 0;
@@ -41,6 +43,7 @@ struct VariogramCloud
 
 VariogramCloud computeVariogramCloud(const Job &job, const Samples &samples,
                                      const QSharedPointer<NbpMemoryProviderPointsW> &provider,
+                                     const NgmMultivariateStatistics &statistics,
                                      const RunContext &context);
 
 }  // namespace orvenal

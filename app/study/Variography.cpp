@@ -3,7 +3,6 @@
 #include "app/study/Job.h"
 #include "app/study/RunContext.h"
 #include "app/study/Samples.h"
-#include "app/study/Statistics.h"
 #include "basic/base/NbbGlobal.h"
 #include "basic/provider/NbpMemoryProviderPointsW.h"
 #include "geos/data/NgdDataSetPoints.h"
@@ -14,31 +13,38 @@
 
 #include <QObject>
 
+#include <numeric>
+
 namespace orvenal {
 
 namespace {
 
-/// The variance of the samples is what a variogram reaches; other curves have a sill of their own
-/// kind, or none.
-double sillOf(const NgmVariogramExpData &data, const NgmEVarioExp &curve,
-              const NgmMultivariateStatistics &statistics)
+/// What curves other than variograms are compared to; undefined for those that have no sill.
+double pseudoSill(const NgmVariogramExpData &data, const NgmEVarioExp &curve, int i, int j)
 {
-  return curve == NgmEVarioExp::VARIOGRAM ? statistics.getConstUnivariateStats(0).getVariance()
-                                          : data.getPseudoSill(curve, 0);
+  return data.hasPseudoSill(curve) ? data.getPseudoSillMatrix(curve)(i, j) : NbbGlobal::D_FFFF;
+}
+
+/// A cross variogram tends to the covariance of the samples that have both variables.
+double covariance(const NgmMultivariateStatistics &statistics, int i, int j)
+{
+  return statistics.getConstBivariateStats(i, j).getNDefined() > 0
+             ? statistics.getVarianceCovarianceMatrixHeterotopic()(i, j)
+             : NbbGlobal::D_FFFF;
 }
 
 VariogramCurve curveOf(const NgmVariogramExpData &data, int direction, const NgmEVarioExp &curve,
-                       bool isOmnidirectional)
+                       int i, int j, bool isOmnidirectional)
 {
   VariogramCurve result;
   result.name =
       isOmnidirectional ? QObject::tr("all directions") : data.getDirectionName(direction);
   result.isOmnidirectional = isOmnidirectional;
   result.direction = data.getDirectionVector(direction);
-  result.distances = data.extractDistances(direction, curve, 0, 0);
-  result.values = data.extractVarioValues(direction, curve, 0, 0);
-  const QVector<qint64> pairs = data.getNumberOfPairs(direction, false, 0, 0);
-  const QVector<bool> masked = data.getMasked(direction, false, 0, 0);
+  result.distances = data.extractDistances(direction, curve, i, j);
+  result.values = data.extractVarioValues(direction, curve, i, j);
+  const QVector<qint64> pairs = data.getNumberOfPairs(direction, false, i, j);
+  const QVector<bool> masked = data.getMasked(direction, false, i, j);
   for (int lag = 0; lag < pairs.size(); ++lag) {
     if (!masked[lag])
       result.pairs << pairs[lag];
@@ -46,20 +52,41 @@ VariogramCurve curveOf(const NgmVariogramExpData &data, int direction, const Ngm
   return result;
 }
 
+VariogramSet setOf(const NgmVariogramExpData &data, const VariogramRequest &request,
+                   const NgmMultivariateStatistics &statistics, int i, int j)
+{
+  VariogramSet set;
+  set.first = i;
+  set.second = j;
+  set.sill = request.curve == NgmEVarioExp::VARIOGRAM ? covariance(statistics, i, j)
+                                                      : pseudoSill(data, request.curve, i, j);
+  set.hasSill = NbbGlobal::isDefined(set.sill);
+  const bool isOmnidirectional = request.nRegular == 0 && request.directions.isEmpty();
+  for (int direction = 0; direction < data.getNDirections(); ++direction)
+    set.curves << curveOf(data, direction, request.curve, i, j, isOmnidirectional);
+  return set;
+}
+
 }  // namespace
+
+qint64 VariogramSet::countPairs() const
+{
+  qint64 count = 0;
+  for (const VariogramCurve &curve : curves)
+    count = std::accumulate(curve.pairs.begin(), curve.pairs.end(), count);
+  return count;
+}
 
 Variography computeVariograms(const Job &job, const Samples &samples,
                               const QSharedPointer<NbpMemoryProviderPointsW> &provider,
+                              const NgmMultivariateStatistics &statistics,
                               const RunContext &context)
 {
   const VariogramRequest request = job.variogram.value_or(VariogramRequest());
-  const NgmVariogramExp experiment = makeVariogramExp(request, samples);
-  NgdDataSetPoints data;
-  data.setDataProvider(provider);
-  data.assignVariable(Nbd::Role::V, provider->getIdFromName(sampleValueName()));
-  const NgmMultivariateStatistics statistics = computeMultivariateStatistics(data, context);
+  NgmVariogramExp experiment = makeVariogramExp(request, samples);
+  experiment.setNVariables(job.getNVariables());
   NgcVariogramExp calculator;
-  calculator.setDataSet(data);
+  calculator.setDataSet(makeVariableDataSet(job, provider));
   calculator.setVarioExp(experiment);
   calculator.setStatistics(statistics);
   context.run(calculator, QObject::tr("Variograms"), samples.getCount(), QObject::tr("samples"));
@@ -68,12 +95,12 @@ Variography computeVariograms(const Job &job, const Samples &samples,
   Variography variography;
   variography.curveName = request.curve.getLabel();
   variography.isVariogram = request.curve == NgmEVarioExp::VARIOGRAM;
-  variography.sill = sillOf(results, request.curve, statistics);
-  variography.hasSill = NbbGlobal::isDefined(variography.sill);
   variography.lag = experiment.getDirection(0).getLagLong();
-  for (int direction = 0; direction < results.getNDirections(); ++direction)
-    variography.curves << curveOf(results, direction, request.curve,
-                                  request.nRegular == 0 && request.directions.isEmpty());
+  variography.nVariables = job.getNVariables();
+  for (int second = 0; second < variography.nVariables; ++second) {
+    for (int first = 0; first <= second; ++first)
+      variography.sets << setOf(results, request, statistics, first, second);
+  }
   variography.data = QSharedPointer<NgmVariogramExpData>::create(results);
   return variography;
 }

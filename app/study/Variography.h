@@ -7,6 +7,7 @@
 #include <QVector>
 
 class NbpMemoryProviderPointsW;
+class NgmMultivariateStatistics;
 class NgmVariogramExpData;
 
 namespace orvenal {
@@ -26,23 +27,38 @@ struct VariogramCurve
   QVector<qint64> pairs;
 };
 
+/// The variograms of a variable in all directions, or the cross variograms of two.
+struct VariogramSet
+{
+  int first = 0;  ///< rank of the variable in the job, the one to estimate is 0
+  int second = 0;
+  bool hasSill = true;  ///< whether the curves are compared to a sill
+  double sill = 0.;     ///< variance or covariance of the samples, or what stands for it
+  QVector<VariogramCurve> curves;
+
+  bool isCross() const { return first != second; }
+  qint64 countPairs() const;
+};
+
 /// What the step of variography gave.
 struct Variography
 {
   QString curveName;        ///< "Variogram", "Madogram" ...
   bool isVariogram = true;  ///< to which a model can be compared
-  bool hasSill = true;      ///< whether the curve is compared to a sill
-  double sill = 0.;         ///< variance of the samples, or what stands for it
   double lag = 0.;
-  QVector<VariogramCurve> curves;
+  int nVariables = 1;
+  QVector<VariogramSet> sets;  ///< of each variable with those before it and with itself
   QSharedPointer<NgmVariogramExpData> data;  ///< of which the curves are read
 
-  bool isEmpty() const { return curves.isEmpty(); }
+  bool isEmpty() const { return sets.isEmpty(); }
 };
 
-/// The experimental variograms that the job asks for, or an omnidirectional one.
+/// The experimental variograms that the job asks for, or omnidirectional ones. A variogram takes
+/// the pairs of samples that have the variable, a cross variogram those that have both. The
+/// statistics are those of all variables.
 Variography computeVariograms(const Job &job, const Samples &samples,
                               const QSharedPointer<NbpMemoryProviderPointsW> &provider,
+                              const NgmMultivariateStatistics &statistics,
                               const RunContext &context);
 
 }  // namespace orvenal

@@ -89,15 +89,18 @@ inline QJsonValue valueAt(QJsonValue root, const QStringList &place)
   return root;
 }
 
-/// The job of the Meuse example, reading its data where they are and writing into `out` beside the
-/// job.
+/// Ordinary kriging of the Meuse samples with a given model, reading its data where they are and
+/// writing into `out` beside the job.
 class MeuseJob
 {
 public:
-  MeuseJob() : _job(QJsonDocument::fromJson(readFile(ORVENAL_EXAMPLES "/meuse/job.json")).object())
+  MeuseJob()
+      : _job(QJsonDocument::fromJson(readFile(ORVENAL_EXAMPLES "/meuse/variants/ordinary.json"))
+                 .object())
   {
     set("data.file", ORVENAL_EXAMPLES "/meuse/meuse.csv");
     set("grid.mask.file", ORVENAL_EXAMPLES "/meuse/meuse_grid.csv");
+    set("output.directory", "out");
   }
 
   MeuseJob &set(const QString &place, const QJsonValue &value)

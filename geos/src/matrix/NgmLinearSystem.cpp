@@ -1,6 +1,7 @@
 #include "geos/matrix/NgmLinearSystem.h"
 
 #include "matrix/private/NgmSymmetricPivots.h"
+#include "matrix/private/NgmSymmetricSolver.h"
 
 #include <algorithm>
 #include <cmath>
@@ -42,24 +43,52 @@ void NgmLinearSystem::setNullEquation(int i)
 
 int NgmLinearSystem::solve()
 {
-  _factor.copyDeep(_lhs);
-  _results.copyDeep(_rhs);
-  int info = _factor.resolveEquat(_results, _pivots.data(), 1);
-  if (info == 0 && _lhs.mustBeSymmetrical())
-    info = _findNullPivot();
+  const bool small = _lhs.mustBeSymmetrical() && _lhs.getNRows() <= NgmSymmetricSolver::MOST_ROWS;
+  const int info = small ? _solveSmall() : _solveLarge();
   _solved = info == 0;
   return info;
 }
 
-int NgmLinearSystem::_findNullPivot()
+/// What NgmMatrix::resolveEquat() does, without copying the factor back.
+int NgmLinearSystem::_solveSmall()
+{
+  const int n = _lhs.getNRows();
+  const int nRhs = _rhs.getNColumns();
+  const int rows = NgmSymmetricSolver::paddedRows(n);
+  const std::size_t needed = std::size_t(rows) * std::size_t(n + nRhs);
+  if (_smallFactor.size() < needed)
+    _smallFactor.resize(needed);
+  double *a = _smallFactor.data();
+  double *x = a + std::size_t(rows) * std::size_t(n);
+  NgmSymmetricSolver::copyUpper(n, _lhs.constElements(), n, a, rows);
+  NgmSymmetricSolver::copyColumns(n, nRhs, _rhs.constElements(), n, x, rows);
+  const int info = NgmSymmetricSolver::solve(n, a, _pivots.data(), nRhs, x);
+  if (info != 0) {
+    _results.copyDeep(_rhs);
+    return info;
+  }
+  NgmSymmetricSolver::copyColumns(n, nRhs, x, rows, _results.elements(), n);
+  return _findNullPivot(a, rows);
+}
+
+int NgmLinearSystem::_solveLarge()
+{
+  _factor.copyDeep(_lhs);
+  _results.copyDeep(_rhs);
+  const int info = _factor.resolveEquat(_results, _pivots.data(), 1);
+  if (info != 0 || !_lhs.mustBeSymmetrical())
+    return info;
+  return _findNullPivot(_factor.constElements(), _lhs.getNRows());
+}
+
+int NgmLinearSystem::_findNullPivot(const double *factor, int factorRows)
 {
   const int n = _lhs.getNRows();
   _growth.resize(2 * std::size_t(n));
   const double *a = _lhs.constElements();
   for (int i = 0; i < n; ++i)
     _growth[std::size_t(i)] = a[std::size_t(i) * std::size_t(n + 1)];
-  return findNullPivot(n, _factor.constElements(), _pivots.data(), _growth.data(),
-                       _growth.data() + n);
+  return findNullPivot(n, factor, factorRows, _pivots.data(), _growth.data(), _growth.data() + n);
 }
 
 QString NgmLinearSystem::debug(int level) const

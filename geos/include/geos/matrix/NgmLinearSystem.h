@@ -38,13 +38,18 @@ public:
   QString debug(int level) const override;
 
 private:
-  int _findNullPivot();
+  using Array = std::vector<double, NgmAlignedAllocator<double>>;
+
+  int _solveSmall();
+  int _solveLarge();
+  int _findNullPivot(const double *factor, int factorRows);
 
   bool _solved;
   NgmMatrix _lhs;
   NgmMatrix _rhs;
   NgmMatrix _results;
   std::vector<int> _pivots;
-  NgmMatrix _factor;
+  NgmMatrix _factor;   ///< of a large system
+  Array _smallFactor;  ///< of a small one, and its right-hand sides
   std::vector<double> _growth;
 };

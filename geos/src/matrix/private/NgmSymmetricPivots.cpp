@@ -18,11 +18,11 @@ double growthOf(double original, double pivot, double differences)
 
 }  // namespace
 
-int findNullPivot(int n, const double *factor, const int *pivots, double *original,
+int findNullPivot(int n, const double *factor, int factorRows, const int *pivots, double *original,
                   double *differences)
 {
   const double rounding = n * std::numeric_limits<double>::epsilon();
-  const auto column = [=](int j) { return factor + std::size_t(j) * std::size_t(n); };
+  const auto column = [=](int j) { return factor + std::size_t(j) * std::size_t(factorRows); };
   std::fill(differences, differences + n, 0.);
   // From the last pivot to the first, as they were eliminated; rows above are in the order of that
   // stage.

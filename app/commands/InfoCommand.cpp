@@ -1,0 +1,164 @@
+#include "app/commands/InfoCommand.h"
+
+#include "app/console/Console.h"
+#include "app/io/JobObject.h"
+#include "app/io/JobReader.h"
+#include "app/io/ModelReader.h"
+#include "app/io/UsageError.h"
+#include "app/report/InfoJson.h"
+#include "app/report/InfoText.h"
+#include "app/study/Job.h"
+#include "app/study/TableSummary.h"
+
+#include <QCommandLineParser>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QObject>
+#include <QRegularExpression>
+
+namespace orvenal {
+
+namespace {
+
+/// What the command was asked for, and where its answer goes.
+struct Request
+{
+  QString file;
+  QString layer;
+  bool wantsJson = false;
+  Console &console;
+
+  void answer(const QString &text, const QJsonObject &json) const
+  {
+    console.answer(wantsJson ? QString::fromUtf8(QJsonDocument(json).toJson()).trimmed() : text);
+  }
+};
+
+Request readRequest(const QCommandLineParser &parser, Console &console)
+{
+  const QStringList files = parser.positionalArguments();
+  if (files.size() != 1)
+    throw UsageError(
+        (files.isEmpty() ? QObject::tr("the file is missing") : QObject::tr("one file at a time")) +
+        QObject::tr("\nSee: orvenal help info"));
+  if (!QFileInfo::exists(files.first()))
+    throw UsageError(QObject::tr("there is no file \"%1\"").arg(files.first()));
+  if (QFileInfo(files.first()).isDir())
+    throw UsageError(QObject::tr("\"%1\" is a folder").arg(files.first()));
+  return {files.first(), parser.value(QStringLiteral("layer")),
+          parser.isSet(QStringLiteral("json")), console};
+}
+
+/// The file as text when it may be a job or a model, by its ending and size; else empty.
+QString readJsonText(const QString &path)
+{
+  constexpr qint64 largestJob = 16 << 20;
+  QFile file(path);
+  if (QFileInfo(path).suffix().compare(QLatin1String("json"), Qt::CaseInsensitive) != 0 ||
+      file.size() > largestJob)
+    return QString();
+  if (!file.open(QIODevice::ReadOnly))
+    throw UsageError(QObject::tr("%1: cannot be read: %2").arg(path, file.errorString()));
+  return QString::fromUtf8(file.readAll());
+}
+
+bool hasMember(const QString &json, const char *name)
+{
+  return QRegularExpression(QStringLiteral("\"%1\"\\s*:").arg(QLatin1String(name)))
+      .match(json)
+      .hasMatch();
+}
+
+/// Numbers of variables and dimensions of a model's text, as its sills and ranges tell them.
+struct ModelShape
+{
+  int nVariables = 1;
+  int nDimensions = 2;
+};
+ModelShape findShape(const QString &json)
+{
+  ModelShape shape;
+  const QJsonObject root = QJsonDocument::fromJson(json.toUtf8()).object();
+  QJsonArray parts = root.value(key("structures")).toArray();
+  parts.append(QJsonObject{{key("sill"), root.value(key("nugget"))}});
+  for (const QJsonValue &part : parts) {
+    const QJsonObject structure = part.toObject();
+    const int nSills = structure.value(key("sill")).toArray().size();
+    shape.nVariables = nSills > 0 ? nSills : shape.nVariables;
+    if (structure.value(key("ranges")).toArray().size() == 3 || structure.contains(key("dip")) ||
+        structure.contains(key("pitch")))
+      shape.nDimensions = 3;
+  }
+  return shape;
+}
+
+void describeModel(const Request &request, const QString &json)
+{
+  const ModelShape shape = findShape(json);
+  const NgmVModel model = readModel(JobObject::parse(request.file, json.toUtf8(), modelKeys()),
+                                    shape.nDimensions, shape.nVariables);
+  request.answer(InfoText::model(model, shape.nDimensions, request.file),
+                 InfoJson::model(model, shape.nDimensions, request.file));
+}
+
+void describeTable(const Request &request)
+{
+  TableFormat format;
+  format.layer = request.layer;
+  const QList<TableLayer> layers = TableReader::listLayers(request.file, request.file, format);
+  if (request.layer.isEmpty() && layers.size() > 1) {
+    request.answer(InfoText::layers(layers, request.file), InfoJson::layers(layers, request.file));
+    return;
+  }
+  const TableSummary summary = summarizeTable(request.file, request.file, format);
+  request.answer(InfoText::table(summary, request.file), InfoJson::table(summary, request.file));
+}
+
+}  // namespace
+
+QString InfoCommand::getSummary() const
+{
+  return QObject::tr("say what is in a file: a table, a model or a job");
+}
+
+QString InfoCommand::getHelp() const
+{
+  return QObject::tr(
+      "usage: orvenal info [OPTIONS] FILE\n\n"
+      "Says what is in a file. Of a table (CSV, GEO-EAS, GeoPackage, Shapefile, GeoTIFF\n"
+      "and what else GDAL reads): format, layers, coordinate reference system, records,\n"
+      "columns with their types and values, the extent of the coordinates, duplicated\n"
+      "places, and the grid on whose nodes the points lie, if there is one. Of a\n"
+      "variogram model: its structures. Of a job: its parts.\n\n"
+      "      --layer NAME  the layer of a file that has several\n"
+      "      --json        answer in JSON\n"
+      "  -h, --help        show this text");
+}
+
+void InfoCommand::run(const QStringList &arguments, Console &console) const
+{
+  QCommandLineParser parser;
+  parser.addOptions({{QStringLiteral("layer"), QString(), QStringLiteral("NAME")},
+                     {QStringLiteral("json"), QString()},
+                     {{QStringLiteral("h"), QStringLiteral("help")}, QString()}});
+  if (!parser.parse(QStringList(QStringLiteral("orvenal")) + arguments))
+    throw UsageError(parser.errorText() + QObject::tr("\nSee: orvenal help info"));
+  if (parser.isSet(QStringLiteral("help"))) {
+    console.answer(getHelp());
+    return;
+  }
+  const Request request = readRequest(parser, console);
+  const QString json = readJsonText(request.file);
+  if (hasMember(json, "data")) {
+    const Job job = readJob(request.file);
+    request.answer(InfoText::job(job, request.file), InfoJson::job(job, request.file));
+  } else if (hasMember(json, "structures")) {
+    describeModel(request, json);
+  } else {
+    describeTable(request);
+  }
+}
+
+}  // namespace orvenal

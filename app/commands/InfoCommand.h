@@ -1,0 +1,17 @@
+#pragma once
+
+#include "app/commands/Command.h"
+
+namespace orvenal {
+
+/// Says what is in a file: a table, a variogram model or a job.
+class InfoCommand : public Command
+{
+public:
+  QString getName() const override { return QStringLiteral("info"); }
+  QString getSummary() const override;
+  QString getHelp() const override;
+  void run(const QStringList &arguments, Console &console) const override;
+};
+
+}  // namespace orvenal

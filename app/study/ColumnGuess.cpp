@@ -1,0 +1,110 @@
+#include "app/study/ColumnGuess.h"
+
+#include "app/study/TableSummary.h"
+
+#include <QRegularExpression>
+
+namespace orvenal {
+
+namespace {
+
+/// A name in the form in which names are compared: lower case, letters and digits only, without a
+/// unit in brackets and without what says "coordinate" or names a projection.
+QString bareName(const QString &name)
+{
+  static const QRegularExpression unit(QStringLiteral("[\\(\\[].*$"));
+  static const QRegularExpression filler(
+      QStringLiteral("(coordinates?|coords?|utm|wgs84|mid|collar|point)"));
+  static const QRegularExpression other(QStringLiteral("[^\\p{L}\\p{N}]"));
+  QString bare = name.toLower();
+  bare.remove(unit).remove(other);
+  const QString stripped = QString(bare).remove(filler);
+  return stripped.isEmpty() ? bare : stripped;
+}
+
+/// Pairs of names in order of preference: a table with x, y, lon and lat is placed by x and y.
+struct Pair
+{
+  const char *x;
+  const char *y;
+  bool isGeographic;
+};
+const Pair pairs[] = {{"x", "y", false},
+                      {"easting", "northing", false},
+                      {"eastings", "northings", false},
+                      {"east", "north", false},
+                      {"e", "n", false},
+                      {"xcentre", "ycentre", false},
+                      {"xcenter", "ycenter", false},
+                      {"xc", "yc", false},
+                      {"xm", "ym", false},
+                      {"rechtswert", "hochwert", false},
+                      {"rechts", "hoch", false},
+                      {"este", "norte", false},
+                      {"est", "nord", false},
+                      {"xlocation", "ylocation", false},
+                      {"longitude", "latitude", true},
+                      {"long", "lat", true},
+                      {"lon", "lat", true},
+                      {"lng", "lat", true},
+                      {"decimallongitude", "decimallatitude", true}};
+const char *const heights[] = {"z",       "elevation", "elev",      "altitude", "alt", "height",
+                               "rl",      "zcentre",   "zcenter",   "zc",       "zm",  "cota",
+                               "hauteur", "hoehe",     "h\u00F6he", "depth"};
+
+int indexOf(const QStringList &bareNames, const char *name)
+{
+  return bareNames.indexOf(QString::fromUtf8(name));
+}
+
+/// Running numbers, codes and the like, by their names.
+bool isIdentifier(const QString &name)
+{
+  static const QRegularExpression pattern(
+      QStringLiteral(
+          "(^|[^\\p{L}])(id|fid|oid|no|nr|num|number|code|index|gid|objectid|row|rownames|"
+          "sample|station|hole|holeid|bhid|line|year|date|time|from|to)($|[^\\p{L}])"),
+      QRegularExpression::CaseInsensitiveOption);
+  return pattern.match(name).hasMatch();
+}
+
+}  // namespace
+
+CoordinateColumns guessCoordinates(const QStringList &columns)
+{
+  QStringList bareNames;
+  for (const QString &column : columns)
+    bareNames << bareName(column);
+  CoordinateColumns found;
+  for (const Pair &pair : pairs) {
+    const int x = indexOf(bareNames, pair.x);
+    const int y = indexOf(bareNames, pair.y);
+    if (x < 0 || y < 0)
+      continue;
+    found = {x, y, -1, pair.isGeographic};
+    break;
+  }
+  for (const char *height : heights) {
+    if (found.isComplete() && found.z < 0)
+      found.z = indexOf(bareNames, height);
+  }
+  return found;
+}
+
+int guessVariable(const TableSummary &summary)
+{
+  const CoordinateColumns &taken = summary.coordinates;
+  int withAnyName = -1;
+  for (int i = 0; i < summary.columns.size(); ++i) {
+    const ColumnSummary &column = summary.columns[i];
+    if (i == taken.x || i == taken.y || i == taken.z ||
+        column.getType() != ColumnSummary::NUMBERS || column.minimum == column.maximum)
+      continue;
+    if (!isIdentifier(column.name))
+      return i;
+    withAnyName = withAnyName < 0 ? i : withAnyName;
+  }
+  return withAnyName;
+}
+
+}  // namespace orvenal

@@ -1,0 +1,307 @@
+#include "app/study/TableSummary.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <vector>
+
+namespace orvenal {
+
+namespace {
+
+using Place = std::array<double, 3>;
+
+/// What a column holds, while it is read.
+struct ColumnTally
+{
+  static constexpr int mostTexts = 5;
+
+  qint64 nNumbers = 0;
+  qint64 nTexts = 0;
+  qint64 nUndefined = 0;
+  bool isWhole = true;
+  double mean = 0.;
+  double minimum = std::numeric_limits<double>::infinity();
+  double second = std::numeric_limits<double>::infinity();  // smallest number above the minimum
+  double maximum = -std::numeric_limits<double>::infinity();
+  QStringList texts;  // the first different ones
+
+  void add(double number)
+  {
+    ++nNumbers;
+    mean += (number - mean) / double(nNumbers);
+    isWhole = isWhole && number == std::floor(number);
+    maximum = std::max(maximum, number);
+    if (number < minimum) {
+      second = minimum;
+      minimum = number;
+    } else if (number > minimum) {
+      second = std::min(second, number);
+    }
+  }
+
+  void add(const QString &text)
+  {
+    ++nTexts;
+    if (texts.size() < mostTexts && !texts.contains(text))
+      texts << text;
+  }
+};
+
+/// Whether the smallest number stands apart from the others and is one that is customary for "no
+/// value".
+bool isMark(const ColumnTally &tally)
+{
+  static const double customary[] = {-9,      -99,      -999,   -9999,  -99999,
+                                     -999999, -9999999, -99.99, -999.99};
+  constexpr double absurd = -1e20;
+  if (tally.nNumbers == 0 || !std::isfinite(tally.second))
+    return false;
+  const bool isCustomary =
+      std::find(std::begin(customary), std::end(customary), tally.minimum) != std::end(customary);
+  return tally.minimum < absurd || (isCustomary && tally.second > 0.5 * tally.minimum);
+}
+
+/// A text among numbers that holds no digits ("n/a"), or is a number that no value can be.
+bool isMark(const QString &text)
+{
+  static const QRegularExpression digit(QStringLiteral("\\d"));
+  bool isNumber = false;
+  text.toDouble(&isNumber);
+  return isNumber || !text.contains(digit);
+}
+
+ColumnSummary summaryOf(const QString &name, const ColumnTally &tally)
+{
+  ColumnSummary summary;
+  summary.name = name;
+  summary.nNumbers = tally.nNumbers;
+  summary.nTexts = tally.nTexts;
+  summary.nUndefined = tally.nUndefined;
+  summary.isWhole = tally.isWhole && tally.nNumbers > 0;
+  if (tally.nNumbers > 0) {
+    summary.minimum = tally.minimum;
+    summary.mean = tally.mean;
+    summary.maximum = tally.maximum;
+  }
+  if (!tally.texts.isEmpty())
+    summary.example = tally.texts.first();
+  if (isMark(tally))
+    summary.marks << QString::number(tally.minimum, 'g', 12);
+  for (const QString &text : tally.texts) {
+    if (tally.nNumbers > 0 && isMark(text))
+      summary.marks << text;
+  }
+  return summary;
+}
+
+/// Whether all texts that were kept are numbers with a decimal comma.
+bool hasDecimalCommas(const ColumnTally &tally)
+{
+  static const QRegularExpression number(QStringLiteral("^[+-]?\\d*,\\d+(?:[eE][+-]?\\d+)?$"));
+  return !tally.texts.isEmpty() &&
+         std::all_of(tally.texts.begin(), tally.texts.end(),
+                     [](const QString &text) { return number.match(text).hasMatch(); });
+}
+
+void tallyRecord(const TableReader &reader, std::vector<ColumnTally> &tallies,
+                 std::vector<double> &numbers)
+{
+  for (std::size_t i = 0; i < tallies.size(); ++i) {
+    double number = NbbGlobal::D_FFFF;
+    switch (reader.classify(int(i), number)) {
+      case TableReader::NUMBER:
+        tallies[i].add(number);
+        break;
+      case TableReader::TEXT:
+        if (tallies[i].texts.size() < ColumnTally::mostTexts)
+          tallies[i].add(reader.getText(int(i)));
+        else
+          ++tallies[i].nTexts;
+        break;
+      case TableReader::UNDEFINED:
+        ++tallies[i].nUndefined;
+    }
+    numbers[i] = number;
+  }
+}
+
+/// Sorts places and says how many lie at the place of another one, and how many above another one.
+struct Coincidences
+{
+  qint64 nSame = 0;
+  qint64 nAbove = 0;
+};
+Coincidences sortPlaces(std::vector<Place> &places)
+{
+  std::sort(places.begin(), places.end());
+  Coincidences found;
+  for (std::size_t i = 1; i < places.size(); ++i) {
+    const bool isAbove = places[i][0] == places[i - 1][0] && places[i][1] == places[i - 1][1];
+    const bool isSame = isAbove && places[i][2] == places[i - 1][2];
+    found.nSame += isSame ? 1 : 0;
+    found.nAbove += isAbove && !isSame ? 1 : 0;
+  }
+  return found;
+}
+
+/// Values that follow each other in equal steps, some left out.
+struct RegularAxis
+{
+  double first = 0.;
+  double cell = 0.;
+  qint64 nodes = 0;  ///< 0 when the values are not regular
+};
+
+RegularAxis findAxis(const std::vector<Place> &places, std::size_t axis)
+{
+  constexpr double mostNodes = 1 << 24;
+  constexpr double tolerance = 0.01;  // of a cell: coordinates may be rounded
+  std::vector<double> values;
+  values.reserve(places.size());
+  for (const Place &place : places)
+    values.push_back(place[axis]);
+  std::sort(values.begin(), values.end());
+  const double length = values.back() - values.front();
+  if (length == 0.)
+    return {values.front(), 1., 1};
+  double step = length;
+  for (std::size_t i = 1; i < values.size(); ++i) {
+    const double difference = values[i] - values[i - 1];
+    if (difference > 1e-9 * length)  // less is rounding
+      step = std::min(step, difference);
+  }
+  if (!(length / step < mostNodes))
+    return {};
+  const double nSteps = std::round(length / step);
+  const double cell = length / nSteps;
+  for (const double value : values) {
+    const double index = (value - values.front()) / cell;
+    if (std::abs(index - std::round(index)) > tolerance)
+      return {};
+  }
+  return {values.front(), cell, qint64(nSteps) + 1};
+}
+
+std::optional<NbgGeomGrid> findGrid(const std::vector<Place> &places, qint64 nDistinct)
+{
+  constexpr double leastTaken = 0.1;
+  constexpr qint64 leastPlaces = 4;
+  if (nDistinct < leastPlaces)
+    return std::nullopt;
+  std::array<RegularAxis, 3> axes;
+  double nNodes = 1.;
+  int nLong = 0;
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    axes[axis] = findAxis(places, axis);
+    nNodes *= double(axes[axis].nodes);
+    nLong += axes[axis].nodes > 1 ? 1 : 0;
+  }
+  if (nNodes == 0. || nLong < 2 || double(nDistinct) < leastTaken * nNodes)
+    return std::nullopt;
+  NbgGeomGrid grid;
+  if (axes[2].nodes == 1)
+    grid.setNodesNumber2D(int(axes[0].nodes), int(axes[1].nodes));
+  else
+    grid.setNodesNumber(int(axes[0].nodes), int(axes[1].nodes), int(axes[2].nodes));
+  grid.setOriginCentered({axes[0].first, axes[1].first, axes[2].first});
+  grid.setCellSize({axes[0].cell, axes[1].cell, axes[2].cell});
+  return grid;
+}
+
+/// Box, coincidences, third axis and grid.
+void summarizePlaces(std::vector<Place> &places, TableSummary &summary)
+{
+  summary.nPlaces = qint64(places.size());
+  if (places.empty())
+    return;
+  constexpr qint64 leastAbove = 10;  // one of so many
+  if (summary.coordinates.z >= 0 && sortPlaces(places).nAbove * leastAbove < summary.nPlaces)
+    summary.coordinates.z = -1;
+  if (summary.coordinates.z < 0) {
+    for (Place &place : places)
+      place[2] = 0.;
+  }
+  summary.nDuplicates = sortPlaces(places).nSame;
+  summary.lower = places.front();
+  summary.upper = places.front();
+  for (const Place &place : places) {
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+      summary.lower[axis] = std::min(summary.lower[axis], place[axis]);
+      summary.upper[axis] = std::max(summary.upper[axis], place[axis]);
+    }
+  }
+  summary.grid = findGrid(places, summary.nPlaces - summary.nDuplicates);
+}
+
+bool isNumeric(const TableSummary &summary, int column)
+{
+  return column >= 0 && summary.columns[column].getType() == ColumnSummary::NUMBERS;
+}
+
+TableSummary summarize(TableReader &reader, bool &hasCommas)
+{
+  TableSummary summary;
+  summary.format = reader.getFormat();
+  summary.formatName = reader.getFormatName();
+  summary.reference = reader.getReference();
+  const QStringList &names = reader.getColumns();
+  CoordinateColumns guess = guessCoordinates(names);
+  std::vector<ColumnTally> tallies(std::size_t(names.size()));
+  std::vector<double> numbers(tallies.size());
+  std::vector<Place> places;
+  const auto number = [&](int column) { return column < 0 ? 0. : numbers[std::size_t(column)]; };
+  while (reader.next()) {
+    ++summary.nRecords;
+    tallyRecord(reader, tallies, numbers);
+    const Place place = {number(guess.x), number(guess.y), number(guess.z)};
+    if (guess.isComplete() && NbbGlobal::isDefined(place[0]) && NbbGlobal::isDefined(place[1]))
+      places.push_back(place);
+  }
+  for (int i = 0; i < names.size(); ++i)
+    summary.columns << summaryOf(names[i], tallies[std::size_t(i)]);
+  hasCommas = std::any_of(tallies.begin(), tallies.end(), hasDecimalCommas);
+  if (!isNumeric(summary, guess.x) || !isNumeric(summary, guess.y))
+    return summary;
+  if (!isNumeric(summary, guess.z) || summary.columns[guess.z].nUndefined > 0)
+    guess.z = -1;
+  summary.coordinates = guess;
+  summarizePlaces(places, summary);
+  return summary;
+}
+
+}  // namespace
+
+ColumnSummary::Type ColumnSummary::getType() const
+{
+  if (nTexts == 0)
+    return nNumbers > 0 ? NUMBERS : NOTHING;
+  return nNumbers > 0 ? MIXED : TEXTS;
+}
+
+int TableSummary::findColumn(const QString &name) const
+{
+  for (int i = 0; i < columns.size(); ++i) {
+    if (columns[i].name == name)
+      return i;
+  }
+  return -1;
+}
+
+TableSummary summarizeTable(const QString &path, const QString &shownName,
+                            const TableFormat &format)
+{
+  bool hasCommas = false;
+  const std::unique_ptr<TableReader> reader = TableReader::open(path, shownName, format);
+  const TableSummary summary = summarize(*reader, hasCommas);
+  TableFormat withCommas = reader->getFormat();
+  if (!hasCommas || withCommas.decimal == ',' || withCommas.separator == ',')
+    return summary;
+  withCommas.decimal = ',';
+  return summarize(*TableReader::open(path, shownName, withCommas), hasCommas);
+}
+
+}  // namespace orvenal
