@@ -17,6 +17,7 @@
 #include "app/plot/VariogramMapPicture.h"
 #include "app/plot/VariogramPicture.h"
 #include "app/report/Describe.h"
+#include "app/report/ResultJson.h"
 #include "app/report/StudyReport.h"
 #include "app/study/DataChecks.h"
 #include "app/study/References.h"
@@ -57,9 +58,7 @@ Picture drawResult(const GridResult &grid, const std::vector<double> &values,
 }  // namespace
 
 StudyRun::StudyRun(const Job &job, const Steps &steps, Console &console)
-    : _steps(steps), _console(console), _context{console, job.threads, job.memory, [this] {
-                                                   _abandon();
-                                                 }}
+    : _steps(steps), _console(console), _context{console, job.threads, job.memory}
 {
   _result.job = job;
   _result.job.keepOutputsOf(steps);
@@ -93,12 +92,6 @@ void StudyRun::run()
   _drawCrossValidation();
   _drawMaps();
   _writeFiles();
-}
-
-void StudyRun::_abandon()
-{
-  _files.discard();
-  _console.error(QObject::tr("interrupted; nothing was written"));
 }
 
 void StudyRun::_reserveOutputs()
@@ -303,6 +296,8 @@ void StudyRun::_writeFiles()
   _result.warnings = _console.getWarnings();
   if (!output.report.isEmpty())
     _files.write(output.report, studyReport(_result));
+  if (!output.results.isEmpty())
+    _files.write(output.results, QJsonDocument(resultToJson(_result)).toJson());
   Interruption::check();
   _files.commit();
   for (const QString &file : output.getFiles())

@@ -20,8 +20,10 @@ public:
 
   void run();
 
+  /// What it found, after the run.
+  const StudyResult &getResult() const { return _result; }
+
 private:
-  void _abandon();
   void _reserveOutputs();
   void _readData();
   void _computeStatistics();

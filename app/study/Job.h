@@ -60,6 +60,7 @@ struct JobOutput
   QString crossValidationPicture;
   QString crossValidationMap;
   QString report;
+  QString results;
 
   QStringList getFiles() const;
 };

@@ -51,16 +51,6 @@ NbgVector3D readLocation(const TableReader &reader, const std::array<int, 3> &co
   return NbgVector3D(location[0], location[1], location[2]);
 }
 
-double readValue(const TableReader &reader, int column, Transform transform)
-{
-  double value = reader.getNumber(column);
-  if (!applyTransform(transform, value))
-    reader.fail(column, transform == Transform::LOG
-                            ? QObject::tr("%1 has no logarithm").arg(value)
-                            : QObject::tr("%1 has no square root").arg(value));
-  return value;
-}
-
 /// A column that kriging needs, and where it stands in its table.
 struct PlacedColumn
 {
@@ -133,6 +123,16 @@ qint64 countUndefined(const std::vector<double> &values)
 }
 
 }  // namespace
+
+double readValue(const TableReader &reader, int column, Transform transform)
+{
+  double value = reader.getNumber(column);
+  if (!applyTransform(transform, value))
+    reader.fail(column, transform == Transform::LOG
+                            ? QObject::tr("%1 has no logarithm").arg(value)
+                            : QObject::tr("%1 has no square root").arg(value));
+  return value;
+}
 
 double Samples::getDiagonal() const
 {

@@ -12,6 +12,8 @@ class NgdDataSetPoints;
 
 namespace orvenal {
 
+class TableReader;
+enum class Transform;
 struct Column;
 struct Job;
 struct JobTable;
@@ -37,6 +39,9 @@ struct Samples
   /// Diagonal of the box around them; 0 when they lie at one place.
   double getDiagonal() const;
 };
+
+/// A field of the current record after the transform. A value that has none is an error.
+double readValue(const TableReader &reader, int column, Transform transform);
 
 /// Reads the samples from the job's data file. Undefined coordinates, a value that has no
 /// logarithm and a file without samples are errors.
