@@ -35,6 +35,8 @@ QJsonObject dataToJson(const StudyResult &result)
           {key("defined"), samples.getCount() - samples.nUndefined},
           {key("undefined"), samples.nUndefined},
           {key("duplicates"), samples.nDuplicates},
+          {key("duplicatePolicy"), duplicatePolicyNames()[int(job.duplicates)]},
+          {key("merged"), samples.nMerged},
           {key("dimensions"), job.getNDimensions()},
           {key("crs"), textOrNull(job.crs)},
           {key("unit"), textOrNull(job.lengthUnit)}};
@@ -66,15 +68,31 @@ QJsonObject curveToJson(const VariogramCurve &curve)
   return object;
 }
 
-QJsonObject variogramToJson(const Variography &variography)
+void addCurves(const VariogramSet &set, QJsonObject &object)
 {
   QJsonArray directions;
-  for (const VariogramCurve &curve : variography.curves)
+  for (const VariogramCurve &curve : set.curves)
     directions.append(curveToJson(curve));
-  return {{key("curve"), variography.curveName},
-          {key("lag"), jsonNumber(variography.lag)},
-          {key("sill"), variography.hasSill ? jsonNumber(variography.sill) : QJsonValue()},
-          {key("directions"), directions}};
+  object.insert(key("sill"), set.hasSill ? jsonNumber(set.sill) : QJsonValue());
+  object.insert(key("directions"), directions);
+}
+
+/// The variogram of the variable; with covariates the list of all variograms too.
+QJsonObject variogramToJson(const Variography &variography, const Job &job)
+{
+  QJsonObject object = {{key("curve"), variography.curveName},
+                        {key("lag"), jsonNumber(variography.lag)}};
+  addCurves(variography.sets.first(), object);
+  QJsonArray sets;
+  for (const VariogramSet &set : variography.sets) {
+    QJsonObject item = {{key("variables"), QJsonArray{job.getVariable(set.first).name,
+                                                      job.getVariable(set.second).name}}};
+    addCurves(set, item);
+    sets.append(item);
+  }
+  if (variography.nVariables > 1)
+    object.insert(key("all"), sets);
+  return object;
 }
 
 QJsonObject fitToJson(const ModelFit &fit)
@@ -132,6 +150,11 @@ QJsonObject krigingToJson(const StudyResult &result)
 QJsonObject allStatistics(const StudyResult &result)
 {
   QJsonObject object = {{key("samples"), statisticsToJson(result.sampleStatistics)}};
+  QJsonArray covariates;
+  for (int i = 1; i < result.job.getNVariables(); ++i)
+    covariates.append(statisticsToJson(result.variableStatistics.getConstUnivariateStats(i)));
+  if (!covariates.isEmpty())
+    object.insert(key("covariates"), covariates);
   if (result.estimation) {
     object.insert(key("estimate"), statisticsToJson(result.estimation->estimate));
     object.insert(key("deviation"), statisticsToJson(result.estimation->deviation));
@@ -171,7 +194,7 @@ QJsonObject resultToJson(const StudyResult &result)
 {
   QJsonObject object = commonResults(result);
   if (!result.variography.isEmpty())
-    object.insert(key("variogram"), variogramToJson(result.variography));
+    object.insert(key("variogram"), variogramToJson(result.variography, result.job));
   if (result.job.hasModel)
     object.insert(key("model"), modelToJson(result.job.model, result.job.getNDimensions()));
   if (result.fit)
