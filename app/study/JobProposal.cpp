@@ -183,6 +183,10 @@ bool canBeKriged(const Findings &findings)
 QString separatorLine(const TableFormat &format)
 {
   QString text;
+  if (!format.layer.isEmpty())
+    text += QStringLiteral("    \"layer\": %1,\n").arg(quoted(format.layer));
+  if (format.kind != TableFormat::CSV)
+    return text;
   if (format.separator == ';' || format.separator == '\t' || format.separator == ' ')
     text += QStringLiteral("    \"separator\": %1,\n")
                 .arg(quoted(QString(QLatin1Char(format.separator))));
