@@ -48,6 +48,8 @@ const Row table[] = {
      ".", nullptr},
     {JobOption::DATA, "undefined", "TEXT", JobOption::TEXTS, "data.undefined",
      "a text or number that stands for an undefined value", "nothing, and NA", nullptr},
+    {JobOption::DATA, "duplicates", "NAME", JobOption::TEXT, "data.duplicates",
+     "what becomes of samples at one place", "keep", nullptr},
     {JobOption::DATA, "crs", "TEXT", JobOption::TEXT, "data.crs",
      "coordinate reference system, such as EPSG:28992", nullptr, nullptr},
     {JobOption::DATA, "unit", "TEXT", JobOption::TEXT, "data.unit", "unit of the coordinates",
@@ -217,6 +219,9 @@ QStringList choicesOf(const QString &path)
   if (path == QLatin1String("data.format"))
     return {QStringLiteral("auto"), QStringLiteral("csv"), QStringLiteral("geo-eas"),
             QStringLiteral("gdal")};
+  if (path == QLatin1String("data.duplicates"))
+    return {QStringLiteral("keep"), QStringLiteral("error"), QStringLiteral("first"),
+            QStringLiteral("average")};
   if (path == QLatin1String("variogram.curve"))
     return curveLabels();
   if (path == QLatin1String("fit.structures"))

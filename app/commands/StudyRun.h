@@ -41,6 +41,7 @@ private:
   void _writePicture(const QString &file, const Picture &picture);
   void _writeGrid(const QString &file);
   void _warnOfData();
+  void _checkDuplicates();
   void _warnOfOutcome();
   void _endStep(const QString &name);
 

@@ -28,7 +28,11 @@ struct Samples
   std::vector<std::vector<double>> covariates;          ///< after their transforms
   QMap<QString, std::vector<double>> auxiliaryColumns;  ///< that kriging needs, by name
   qint64 nUndefined = 0;
-  qint64 nDuplicates = 0;  ///< defined samples at the place of an earlier one
+  qint64 nDuplicates =
+      0;  ///< in the file: samples with a value that an earlier one at their place has
+  std::vector<qint64> nDuplicatesOf;  ///< the same for each variable
+  qint64 nMerged = 0;                 ///< samples that became one per place, nMergedPlaces
+  qint64 nMergedPlaces = 0;
 
   qint64 getCount() const { return qint64(x.size()); }
 
