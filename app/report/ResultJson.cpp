@@ -35,6 +35,7 @@ QJsonObject dataToJson(const StudyResult &result)
           {key("defined"), samples.getCount() - samples.nUndefined},
           {key("undefined"), samples.nUndefined},
           {key("duplicates"), samples.nDuplicates},
+          {key("merged"), samples.nMerged},
           {key("dimensions"), job.getNDimensions()},
           {key("crs"), textOrNull(job.crs)},
           {key("unit"), textOrNull(job.lengthUnit)}};
