@@ -230,7 +230,8 @@ TEST(Options, PrintStatisticsOfVariables)
 
 TEST(Options, RunTheExamplesOfEveryHelp)
 {
-  for (const std::unique_ptr<Command> &command : Program().getCommands()) {
+  const Program program;
+  for (const std::unique_ptr<Command> &command : program.getCommands()) {
     EXPECT_THAT(command->getHelp().toStdString(), HasSubstr("usage: orvenal "));
     for (const QString &line : command->getHelp().split('\n'))
       EXPECT_LE(line.size(), 80) << qPrintable(line);
