@@ -302,7 +302,7 @@ TEST(BadData, TextThatIsNoTable)
     EXPECT_LT(outcome.errors.size(), 600u);
     return outcome.errors;
   };
-  EXPECT_THAT(errorsOf(QByteArray("x,y,v\n1,2,3\n1,2,4\0\n", 20)), HasSubstr("d.csv, line 3"));
+  EXPECT_THAT(errorsOf(QByteArray("x,y,v\n1,2,3\n1,2,4\0\n", 19)), HasSubstr("d.csv, line 3"));
   EXPECT_THAT(errorsOf(QByteArray(1 << 20, '\0')), HasSubstr("d.csv"));
   EXPECT_THAT(errorsOf("x,y,v\n1,2,3\n1,2," + QByteArray(10 << 20, '7') + '\n'),
               HasSubstr("d.csv, line 3: column 3"));
