@@ -248,6 +248,14 @@ TEST(BadData, ValuesOfAnySize)
     for (std::size_t i = 0; i < expected.size(); ++i)
       EXPECT_NEAR(found[i] / factor, expected[i], 1e-9);
   }
+
+  // From 1e30 on the libraries take numbers, and so variances, for undefined.
+  std::vector<Point> huge = points;
+  for (Point &point : huge)
+    point.value *= 1e25;
+  const Outcome outcome = Study().fits().run(toCsv(huge));
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_THAT(outcome.errors, HasSubstr("the values of \"v\" are too large or too small"));
 }
 
 TEST(BadData, FilesThatAreNone)
