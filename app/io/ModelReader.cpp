@@ -153,6 +153,13 @@ QStringList modelKeys()
   return {QStringLiteral("nugget"), QStringLiteral("structures")};
 }
 
+JobObject parseModelText(const QString &file, const QByteArray &text)
+{
+  JobObject object = JobObject::parse(file, text, modelKeys() << QStringLiteral("conventions"));
+  object.readConventions();
+  return object;
+}
+
 QStringList structureLabels()
 {
   QStringList labels;
