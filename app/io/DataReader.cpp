@@ -81,8 +81,12 @@ JobTable readTable(const JobObject &object, const QDir &folder)
 
 void readData(const JobObject &root, const QDir &folder, Job &job)
 {
-  const JobObject object = root.object(key("data"), tableKeys() << key("crs") << key("unit"));
+  const JobObject object =
+      root.object(key("data"), tableKeys() << key("crs") << key("unit") << key("duplicates"));
   job.data = readTable(object, folder);
+  const QStringList policies = duplicatePolicyNames();
+  job.duplicates = DuplicatePolicy(
+      policies.indexOf(object.choice(key("duplicates"), policies, policies.first())));
   job.crs = object.text(key("crs"), QString());
   if (!job.crs.isEmpty()) {
     QString reason;

@@ -1,6 +1,7 @@
 #include "app/report/Describe.h"
 
 #include "app/console/Progress.h"
+#include "app/console/TextTable.h"
 #include "app/report/StudyResult.h"
 #include "app/study/Compass.h"
 #include "basic/base/NbbGlobal.h"
@@ -119,21 +120,6 @@ QString krigingKind(const Job &job)
   if (request.isFiltering())
     text += QObject::tr(", filtered");
   return text;
-}
-
-/// A table of texts: the first column to the left, the next ones to the right.
-QString alignedColumns(const QList<QStringList> &rows, int nColumns)
-{
-  QStringList lines(QVector<QString>(rows.size()).toList());
-  for (int column = 0; column < nColumns; ++column) {
-    int width = 0;
-    for (const QStringList &row : rows)
-      width = std::max(width, row[column].size());
-    for (int i = 0; i < rows.size(); ++i)
-      lines[i] += column == 0 ? rows[i][column].leftJustified(width)
-                              : "  " + rows[i][column].rightJustified(width);
-  }
-  return lines.join('\n');
 }
 
 }  // namespace

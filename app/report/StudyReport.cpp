@@ -2,6 +2,7 @@
 
 #include "app/console/Progress.h"
 #include "app/io/SpatialReference.h"
+#include "app/plot/Picture.h"
 #include "app/plot/SampleMapPicture.h"
 #include "app/report/Describe.h"
 #include "app/report/StudyResult.h"
@@ -18,6 +19,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QObject>
+#include <QtEndian>
 
 namespace orvenal {
 
@@ -52,6 +54,10 @@ pre { overflow-x: auto; background: #f4f7fa; border: 1px solid #dbe3ec; padding:
   font: .8rem/1.4 "DejaVu Sans Mono", monospace; }
 .warning { border-left: 4px solid #b35900; background: #fff6ec; padding: .4rem .75rem; }
 .hash { overflow-wrap: anywhere; font: .75rem "DejaVu Sans Mono", monospace; }
+@media screen and (max-width: 40rem) {
+  figure.wide { overflow-x: auto; }
+  figure.wide img { max-width: none; width: 44rem; }
+}
 @media print {
   body { max-width: none; padding: 0; font-size: 10pt; }
   h2 { break-after: avoid; }
@@ -91,14 +97,28 @@ QString paragraph(const QString &text, const QString &cssClass = QString())
   return "<p" + attribute + '>' + NbbHtml::toHtml(text) + "</p>\n";
 }
 
+/// Width at which a picture has the size of its layout: its header says how many pixels it has.
+int shownWidth(const QByteArray &png)
+{
+  constexpr int place = 16;
+  return int(qFromBigEndian<quint32>(png.constData() + place) / pixelsPerUnit);
+}
+
+/// A picture with its caption. One with several plot areas can be moved sideways on a narrow
+/// screen.
 QString figure(const QByteArray &png, const QString &caption)
 {
   if (png.isEmpty())
     return QString();
+  constexpr int wide = 800;
   const QString text = NbbHtml::toHtml(caption);
-  return QStringLiteral("<figure><img alt=\"") + text +
-         QStringLiteral("\" src=\"data:image/png;base64,") + QString::fromLatin1(png.toBase64()) +
-         QStringLiteral("\"><figcaption>") + text + QStringLiteral("</figcaption></figure>\n");
+  const int width = shownWidth(png);
+  return QStringLiteral("<figure%1><img width=\"%2\" alt=\"")
+             .arg(width > wide ? QStringLiteral(" class=\"wide\"") : QString(),
+                  QString::number(width)) +
+         text + QStringLiteral("\" src=\"data:image/png;base64,") +
+         QString::fromLatin1(png.toBase64()) + QStringLiteral("\"><figcaption>") + text +
+         QStringLiteral("</figcaption></figure>\n");
 }
 
 QString maps(const StudyResult &result)
@@ -138,12 +158,11 @@ QString data(const StudyResult &result)
   static const char *const transforms[] = {"column \"%1\"", "natural logarithm of column \"%1\"",
                                            "square root of column \"%1\""};
   const QString transform = QObject::tr(transforms[int(job.variable.transform)]);
-  Rows rows = {
-      {QObject::tr("Variable"), Describe::sampleLabel(job)},
-      {QObject::tr("Values"), transform.arg(job.variable.column)},
-      {QObject::tr("Samples"), QString::number(samples.getCount())},
-      {QObject::tr("Undefined values"), QString::number(samples.nUndefined)},
-      {QObject::tr("Samples at the place of another"), QString::number(samples.nDuplicates)}};
+  Rows rows = {{QObject::tr("Variable"), Describe::sampleLabel(job)},
+               {QObject::tr("Values"), transform.arg(job.variable.column)},
+               {QObject::tr("Samples"), QString::number(samples.getCount())},
+               {QObject::tr("Undefined values"), QString::number(samples.nUndefined)},
+               {QObject::tr("Samples at the place of another"), describeDuplicates(job, samples)}};
   if (!job.crs.isEmpty())
     rows.append({QObject::tr("Coordinate reference system"), SpatialReference::describe(job.crs)});
   if (result.estimation)

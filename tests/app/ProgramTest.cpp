@@ -431,7 +431,7 @@ TEST(Program, SaysWhyThereIsNoVariogramOrModel)
   const Case cases[] = {
       {"x,y,v\n1,2,3\n", "variogram", "all samples lie at one place"},
       {"x,y,v\n1,2,3\n1,2,4\n", "run", "all samples lie at one place"},
-      {"x,y,v\n1,2,3\n1.2,2,3\n9,2,3\n1,8,3\n", "fit", "all values are equal"},
+      {"x,y,v\n1,2,3\n1.2,2,3\n9,2,3\n1,8,3\n", "fit", "all values of \"v\" are equal"},
   };
   for (const Case &c : cases) {
     const apptest::Folder folder;
