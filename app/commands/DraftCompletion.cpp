@@ -16,10 +16,11 @@ namespace orvenal {
 
 namespace {
 
+/// A column that has to be named, unless the table has one of the usual name.
 void requireColumn(const JobDraft &draft, const char *path, const char *option,
-                   const TableReader &reader)
+                   const TableReader &reader, const QString &usualName = QString())
 {
-  if (draft.has(key(path)))
+  if (draft.has(key(path)) || reader.getColumns().contains(usualName))
     return;
   throw UsageError(QObject::tr("%1 is missing; columns of %2: %3")
                        .arg(key(option), draft.get(key("data.file")).toString(),
@@ -80,8 +81,8 @@ void checkColumns(const JobDraft &draft)
   const JobTable table = draft.readData().data;
   const std::unique_ptr<TableReader> reader =
       TableReader::open(table.file, table.shown, table.format);
-  requireColumn(draft, "data.x", "--x", *reader);
-  requireColumn(draft, "data.y", "--y", *reader);
+  requireColumn(draft, "data.x", "--x", *reader, key("x"));
+  requireColumn(draft, "data.y", "--y", *reader, key("y"));
   requireColumn(draft, "variable.column", "--variable", *reader);
   for (const char *axis : {"x", "y", "z"}) {
     const QJsonValue column = draft.get(key("data.") + key(axis));

@@ -13,6 +13,8 @@
 #include <QJsonDocument>
 #include <QObject>
 
+#include <algorithm>
+
 namespace orvenal {
 
 namespace {
@@ -118,8 +120,6 @@ QString JobDraft::toJobPath(const QString &file) const
 Job JobDraft::readData() const
 {
   JobDraft part = *this;
-  for (const char *axis : {"data.x", "data.y"})
-    part.setDefault(key(axis), QString());
   const QStringList names = {key("data"), key("variable"), key("covariates")};
   for (const QString &name : part._root.keys()) {
     if (!names.contains(name))
@@ -171,6 +171,10 @@ QString JobDraft::_findOption(const QString &path) const
   for (auto origin = _origins.begin(); origin != _origins.end(); ++origin) {
     if (isWithin(path, origin.key()))
       return origin.value();
+  }
+  for (auto origin = _origins.begin(); origin != _origins.end(); ++origin) {
+    if (isWithin(origin.key(), path) && origin.value().startsWith(QLatin1String("--set")))
+      return origin.value();  // it has made what is wrong
   }
   if (!_isOfData)
     return QString();

@@ -47,8 +47,8 @@ public:
   /// The name of a file as an option gives it, as the job has to name it.
   QString toJobPath(const QString &file) const;
 
-  /// The table of the samples, its coordinates named or not, and the variables if there are any:
-  /// what can be known before the other parts are read.
+  /// The table of the samples, and the variables if there are any: what can be known before the
+  /// other parts are read.
   Job readData() const;
 
   /// The job. Errors of a member that an option set, or could set where there is no job file, name

@@ -33,17 +33,23 @@ struct Row
 
 const Row table[] = {
     {JobOption::DATA, "x", "COLUMN", JobOption::TEXT, "data.x", "column of the first coordinate",
-     nullptr, nullptr},
+     "x", nullptr},
     {JobOption::DATA, "y", "COLUMN", JobOption::TEXT, "data.y", "column of the second coordinate",
-     nullptr, nullptr},
+     "y", nullptr},
     {JobOption::DATA, "z", "COLUMN", JobOption::TEXT, "data.z",
      "column of the third coordinate, in three dimensions", nullptr, nullptr},
+    {JobOption::DATA, "format", "NAME", JobOption::TEXT, "data.format", "format of the file",
+     "auto", nullptr},
+    {JobOption::DATA, "layer", "NAME", JobOption::TEXT, "data.layer",
+     "layer of a file that has several", nullptr, nullptr},
     {JobOption::DATA, "separator", "CHAR", JobOption::TEXT, "data.separator",
      "what separates fields: auto , ; \\t or a blank", "auto", nullptr},
     {JobOption::DATA, "decimal", "CHAR", JobOption::TEXT, "data.decimal", "decimal mark, . or ,",
      ".", nullptr},
     {JobOption::DATA, "undefined", "TEXT", JobOption::TEXTS, "data.undefined",
      "a text or number that stands for an undefined value", "nothing, and NA", nullptr},
+    {JobOption::DATA, "duplicates", "NAME", JobOption::TEXT, "data.duplicates",
+     "what becomes of samples at one place", "keep", nullptr},
     {JobOption::DATA, "crs", "TEXT", JobOption::TEXT, "data.crs",
      "coordinate reference system, such as EPSG:28992", nullptr, nullptr},
     {JobOption::DATA, "unit", "TEXT", JobOption::TEXT, "data.unit", "unit of the coordinates",
@@ -145,6 +151,8 @@ const Row table[] = {
      "output.crossValidation.table", "writes the outcome by sample as .csv", nullptr, nullptr},
     {JobOption::CROSS_VALIDATION, "xvalid-picture", "FILE", JobOption::FILE,
      "output.crossValidation.picture", "draws it as .png or .svg", nullptr, nullptr},
+    {JobOption::CROSS_VALIDATION, "xvalid-map", "FILE", JobOption::FILE,
+     "output.crossValidation.map", "draws the errors at their places", nullptr, nullptr},
 
     {JobOption::GRID, "cell", "LENGTHS", JobOption::AXES, "grid.cell",
      "size of the cells; one for all axes, or one each, separated by commas", nullptr, nullptr},
@@ -208,6 +216,12 @@ QStringList choicesOf(const QString &path)
 {
   if (path == QLatin1String("variable.transform"))
     return transformNames();
+  if (path == QLatin1String("data.format"))
+    return {QStringLiteral("auto"), QStringLiteral("csv"), QStringLiteral("geo-eas"),
+            QStringLiteral("gdal")};
+  if (path == QLatin1String("data.duplicates"))
+    return {QStringLiteral("keep"), QStringLiteral("error"), QStringLiteral("first"),
+            QStringLiteral("average")};
   if (path == QLatin1String("variogram.curve"))
     return curveLabels();
   if (path == QLatin1String("fit.structures"))

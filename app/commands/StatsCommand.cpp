@@ -61,7 +61,7 @@ QString StatsCommand::getDescription() const
   return QObject::tr(
       "Prints counts, quartiles, mean, standard deviation (of the population, divided by n) and "
       "skewness of the variables of a job, of those that --variable names, or of all columns of "
-      "numbers, and the correlations between them.");
+      "numbers besides the coordinates, and the correlations between them.");
 }
 
 QList<QStringList> StatsCommand::getExamples() const

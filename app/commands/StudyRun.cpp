@@ -19,6 +19,7 @@
 #include "app/report/Describe.h"
 #include "app/report/ResultJson.h"
 #include "app/report/StudyReport.h"
+#include "app/study/DataChecks.h"
 #include "app/study/References.h"
 #include "app/study/Statistics.h"
 #include "app/study/VariogramMap.h"
@@ -321,6 +322,12 @@ void StudyRun::_warnOfData()
   if (samples.nUndefined > 0)
     _console.report(QObject::tr("  %1 of the samples have no value")
                         .arg(Progress::grouped(samples.nUndefined)));
+  if (const QString note = DataChecks::looksLikeDegrees(job, samples); !note.isEmpty())
+    _console.report(QObject::tr("  note: ") + note);
+  if (_isToDo(Step::KRIGING)) {
+    if (const QString miss = DataChecks::gridMissesSamples(job, samples); !miss.isEmpty())
+      _console.warn(miss);
+  }
   if (_result.nMaskOutside > 0)
     _console.warn(QObject::tr("%1 points of %2 are outside the grid")
                       .arg(Progress::grouped(_result.nMaskOutside), job.mask->shown));

@@ -35,6 +35,7 @@ QJsonObject dataToJson(const StudyResult &result)
           {key("defined"), samples.getCount() - samples.nUndefined},
           {key("undefined"), samples.nUndefined},
           {key("duplicates"), samples.nDuplicates},
+          {key("merged"), samples.nMerged},
           {key("dimensions"), job.getNDimensions()},
           {key("crs"), textOrNull(job.crs)},
           {key("unit"), textOrNull(job.lengthUnit)}};
@@ -66,15 +67,27 @@ QJsonObject curveToJson(const VariogramCurve &curve)
   return object;
 }
 
-QJsonObject variogramToJson(const Variography &variography)
+QJsonObject setToJson(const VariogramSet &set, const Job &job)
 {
   QJsonArray directions;
-  for (const VariogramCurve &curve : variography.curves)
+  for (const VariogramCurve &curve : set.curves)
     directions.append(curveToJson(curve));
-  return {{key("curve"), variography.curveName},
-          {key("lag"), jsonNumber(variography.lag)},
-          {key("sill"), variography.hasSill ? jsonNumber(variography.sill) : QJsonValue()},
+  QJsonArray variables = {job.getVariable(set.first).name};
+  if (set.isCross())
+    variables.append(job.getVariable(set.second).name);
+  return {{key("variables"), variables},
+          {key("sill"), set.hasSill ? jsonNumber(set.sill) : QJsonValue(QJsonValue::Null)},
           {key("directions"), directions}};
+}
+
+QJsonObject variogramToJson(const StudyResult &result)
+{
+  QJsonArray sets;
+  for (const VariogramSet &set : result.variography.sets)
+    sets.append(setToJson(set, result.job));
+  return {{key("curve"), result.variography.curveName},
+          {key("lag"), jsonNumber(result.variography.lag)},
+          {key("curves"), sets}};
 }
 
 QJsonObject fitToJson(const ModelFit &fit)
@@ -132,6 +145,11 @@ QJsonObject krigingToJson(const StudyResult &result)
 QJsonObject allStatistics(const StudyResult &result)
 {
   QJsonObject object = {{key("samples"), statisticsToJson(result.sampleStatistics)}};
+  QJsonArray covariates;
+  for (int i = 1; i < result.variableStatistics.getNVariables(); ++i)
+    covariates.append(statisticsToJson(result.variableStatistics.getConstUnivariateStats(i)));
+  if (!covariates.isEmpty())
+    object.insert(key("covariates"), covariates);
   if (result.estimation) {
     object.insert(key("estimate"), statisticsToJson(result.estimation->estimate));
     object.insert(key("deviation"), statisticsToJson(result.estimation->deviation));
@@ -171,7 +189,7 @@ QJsonObject resultToJson(const StudyResult &result)
 {
   QJsonObject object = commonResults(result);
   if (!result.variography.isEmpty())
-    object.insert(key("variogram"), variogramToJson(result.variography));
+    object.insert(key("variogram"), variogramToJson(result));
   if (result.job.hasModel)
     object.insert(key("model"), modelToJson(result.job.model, result.job.getNDimensions()));
   if (result.fit)

@@ -183,6 +183,10 @@ bool canBeKriged(const Findings &findings)
 QString separatorLine(const TableFormat &format)
 {
   QString text;
+  if (!format.layer.isEmpty())
+    text += QStringLiteral("    \"layer\": %1,\n").arg(quoted(format.layer));
+  if (format.kind != TableFormat::CSV)
+    return text;
   if (format.separator == ';' || format.separator == '\t' || format.separator == ' ')
     text += QStringLiteral("    \"separator\": %1,\n")
                 .arg(quoted(QString(QLatin1Char(format.separator))));
@@ -228,11 +232,11 @@ QString dataPart(const Findings &findings)
                             "longitude were one of latitude. Projected coordinates are better."),
                 2);
   if (findings.summary.nDuplicates > 0)
-    text +=
-        comment(QObject::tr("%1 samples lie at the place of another one; without a nugget their "
-                            "systems cannot be solved.")
-                    .arg(findings.summary.nDuplicates),
-                2);
+    text += comment(
+        QObject::tr("%1 samples lie at the place of another one; without a nugget their "
+                    "systems cannot be solved. \"duplicates\": \"average\" takes their means.")
+            .arg(findings.summary.nDuplicates),
+        2);
   text += QStringLiteral("  \"data\": {\n    \"file\": %1,\n").arg(quoted(findings.file));
   text +=
       QStringLiteral("    \"x\": %1,\n    \"y\": %2,\n")

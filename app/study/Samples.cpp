@@ -12,6 +12,8 @@
 #include "basic/provider/NbpMemoryProviderPointsW.h"
 #include "geos/data/NgdDataSetPoints.h"
 
+#include <QDateTime>
+#include <QFileInfo>
 #include <QObject>
 
 #include <algorithm>
@@ -108,6 +110,13 @@ void readSample(const TableReader &reader, const std::array<int, 3> &coordinates
         readValue(reader, placed.index, placed.column.transform));
 }
 
+/// By which a change of a file is noticed.
+std::pair<qint64, QDateTime> stateOf(const QString &path)
+{
+  const QFileInfo file(path);
+  return {file.size(), file.lastModified()};
+}
+
 qint64 countUndefined(const std::vector<double> &values)
 {
   return std::count(values.begin(), values.end(), NbbGlobal::D_FFFF);
@@ -135,6 +144,7 @@ double Samples::getDiagonal() const
 
 Samples readSamples(const Job &job)
 {
+  const auto before = stateOf(job.data.file);
   const auto reader = openTable(job.data);
   const std::array<int, 3> coordinates = findCoordinates(*reader, job.data);
   const SampleColumns columns = findSampleColumns(*reader, job);
@@ -142,6 +152,8 @@ Samples readSamples(const Job &job)
   samples.covariates.resize(columns.covariates.size());
   while (reader->next())
     readSample(*reader, coordinates, columns, job, samples);
+  if (stateOf(job.data.file) != before)
+    throw NbeUserError(QObject::tr("%1: changed while it was read").arg(job.data.shown));
   if (samples.x.empty())
     throw NbeUserError(QObject::tr("%1: no rows below the header").arg(job.data.shown));
   treatDuplicates(job, samples);

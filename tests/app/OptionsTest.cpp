@@ -140,10 +140,12 @@ TEST(Options, AreNamedByTheirErrors)
     QStringList arguments;
     const char *part;
   };
+  const apptest::Folder folder;
+  folder.write("d.csv", "e,n,v\n1,2,3\n");
   const QStringList krige = QStringList{"krige"} + zinc;
   const QString job = ORVENAL_EXAMPLES "/meuse/job.json";
   const Case cases[] = {
-      {{"variogram", meuse, "--y", "y"}, "--x is missing; columns of "},
+      {{"variogram", folder.path("d.csv"), "--y", "n"}, "--x is missing; columns of "},
       {{"variogram", meuse, "--x", "x", "--y", "y"}, "--variable is missing; columns of "},
       {krige + model + nearest, "--cell is missing"},
       {krige + nearest + QStringList{"--cell", "40"}, "--structure: missing"},
@@ -228,14 +230,15 @@ TEST(Options, PrintStatisticsOfVariables)
 
 TEST(Options, RunTheExamplesOfEveryHelp)
 {
-  const apptest::Folder folder;
-  copyMeuse(folder);
-  for (const std::unique_ptr<Command> &command : Program().getCommands()) {
+  const Program program;
+  for (const std::unique_ptr<Command> &command : program.getCommands()) {
     EXPECT_THAT(command->getHelp().toStdString(), HasSubstr("usage: orvenal "));
     for (const QString &line : command->getHelp().split('\n'))
       EXPECT_LE(line.size(), 80) << qPrintable(line);
     for (const QStringList &example : command->getExamples()) {
       SCOPED_TRACE(qPrintable(example[0]));
+      const apptest::Folder folder;
+      copyMeuse(folder);
       QString line = example[0];
       ASSERT_TRUE(line.startsWith("orvenal "));
       line.replace(0, 7, QString("'%1'").arg(ORVENAL_PROGRAM));

@@ -48,8 +48,14 @@ TEST(ResultJson, HasWhatAStudyFound)
   EXPECT_NEAR(numberAt(found, "crossValidation.rootMeanSquaredStandardizedError"), 0.92, 0.02);
   EXPECT_TRUE(valueAt(found, {"fit", "converged"}).toBool());
   EXPECT_NEAR(numberAt(found, "model.nugget"), 0.05, 0.03);
-  const QJsonObject direction =
-      valueAt(found, {"variogram", "directions"}).toArray().first().toObject();
+  const QJsonObject direction = valueAt(found, {"variogram", "curves"})
+                                    .toArray()
+                                    .first()
+                                    .toObject()
+                                    .value("directions")
+                                    .toArray()
+                                    .first()
+                                    .toObject();
   EXPECT_TRUE(direction.value("azimuth").isNull());
   const QJsonArray lags = direction.value("lags").toArray();
   ASSERT_EQ(lags.size(), 15);

@@ -39,6 +39,7 @@ TEST(NgdKdTree, NearestSetHoldsAllThatTieAndFewMore)
     const std::vector<double> coordinates = cloud(n);
     const NgdKdTree<nDim> tree(coordinates);
     ASSERT_EQ(tree.count(), n);
+    EXPECT_LE(tree.boxVolume(), 100. * 100.);
     std::vector<unsigned char> usable;
     for (int i = 0; i < n; ++i)
       usable.push_back(i % 4 != 0);

@@ -30,7 +30,7 @@ public:
   /// The number of the point at each position of the tree.
   const unsigned *order() const { return _order.data(); }
 
-  /// Volume of the box around the points.
+  /// Volume of the box around the points, as far as they are finite.
   double boxVolume() const;
 
   double squaredDistance(const double *point, unsigned position) const;
@@ -111,8 +111,10 @@ NgdKdTree<nDim>::NgdKdTree(const std::vector<double> &coordinates)
       const double at = coordinates[std::size_t(i) * nDim + axis];
       // What has no order comes last.
       point.at[axis] = std::isfinite(at) ? at : std::numeric_limits<double>::infinity();
-      _low[axis] = std::min(_low[axis], point.at[axis]);
-      _high[axis] = std::max(_high[axis], point.at[axis]);
+      if (!std::isfinite(at))
+        continue;
+      _low[axis] = std::min(_low[axis], at);
+      _high[axis] = std::max(_high[axis], at);
     }
   }
   _cuts.resize(std::size_t(std::max(0, nLeaves - 1)));
@@ -172,9 +174,9 @@ int NgdKdTree<nDim>::_longestAxis(const _Point *begin, const _Point *end)
 template <int nDim>
 double NgdKdTree<nDim>::boxVolume() const
 {
-  double volume = _count > 0 ? 1. : 0.;
-  for (int axis = 0; axis < nDim && _count > 0; ++axis)
-    volume *= _high[axis] - _low[axis];
+  double volume = 1.;
+  for (int axis = 0; axis < nDim; ++axis)
+    volume *= std::max(0., _high[axis] - _low[axis]);
   return volume;
 }
 
