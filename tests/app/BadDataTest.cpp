@@ -163,8 +163,9 @@ TEST(BadData, NamesOfColumnsMayBeAnything)
     const Outcome outcome = study.run(toCsv(samplesOf(30), "x,y," + quoted.toUtf8()));
     ASSERT_EQ(outcome.exitCode, 0) << outcome.errors.substr(0, 1000);
     EXPECT_EQ(study.estimates(), plain.estimates());
-    if (hasReport)
+    if (hasReport) {
       EXPECT_TRUE(QString::fromUtf8(study.file("r.html")).contains(name.toHtmlEscaped()));
+    }
   }
 }
 
