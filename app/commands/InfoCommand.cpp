@@ -4,6 +4,7 @@
 #include "app/console/Console.h"
 #include "app/io/JobObject.h"
 #include "app/io/JobReader.h"
+#include "app/io/JobText.h"
 #include "app/io/ModelReader.h"
 #include "app/io/UsageError.h"
 #include "app/report/InfoJson.h"
@@ -77,10 +78,10 @@ struct ModelShape
   int nVariables = 1;
   int nDimensions = 2;
 };
-ModelShape findShape(const QString &json)
+ModelShape findShape(const QString &file, const QString &json)
 {
   ModelShape shape;
-  const QJsonObject root = QJsonDocument::fromJson(json.toUtf8()).object();
+  const QJsonObject root = parseJobText(file, json.toUtf8()).root.toObject();
   QJsonArray parts = root.value(key("structures")).toArray();
   parts.append(QJsonObject{{key("sill"), root.value(key("nugget"))}});
   for (const QJsonValue &part : parts) {
@@ -96,9 +97,9 @@ ModelShape findShape(const QString &json)
 
 void describeModel(const Request &request, const QString &json)
 {
-  const ModelShape shape = findShape(json);
-  const NgmVModel model = readModel(JobObject::parse(request.file, json.toUtf8(), modelKeys()),
-                                    shape.nDimensions, shape.nVariables);
+  const ModelShape shape = findShape(request.file, json);
+  const NgmVModel model =
+      readModel(parseModelText(request.file, json.toUtf8()), shape.nDimensions, shape.nVariables);
   request.answer(InfoText::model(model, shape.nDimensions, request.file),
                  InfoJson::model(model, shape.nDimensions, request.file));
 }

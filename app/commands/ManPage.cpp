@@ -2,6 +2,7 @@
 
 #include "app/commands/Command.h"
 #include "app/commands/Program.h"
+#include "app/console/TextTable.h"
 #include "app/report/Versions.h"
 
 #include <QObject>
@@ -25,11 +26,22 @@ QString escaped(const QString &text)
   return result;
 }
 
-/// Running text: a new sentence on a new line.
+/// Running text: short lines, and a new sentence on a new one.
 QString prose(const QString &text)
 {
-  static const QRegularExpression endOfSentence(QStringLiteral("([a-z)\"][.;:]) (?=[A-Z])"));
-  return escaped(text.simplified()).replace(endOfSentence, QStringLiteral("\\1\n"));
+  constexpr int lineWidth = 64;  // escapes make it longer
+  static const QRegularExpression endOfSentence(QStringLiteral("(?<=[a-z)\"][.;:]) (?=[A-Z])"));
+  QStringList lines;
+  for (const QString &sentence : text.simplified().split(endOfSentence))
+    lines << wrapped(sentence, lineWidth);
+  return escaped(lines.join('\n'));
+}
+
+/// A command that goes on over several lines.
+QString commandText(const QString &command)
+{
+  constexpr int lineWidth = 60;
+  return escaped(commandLines(command, lineWidth).join(QStringLiteral(" \\\n  ")));
 }
 
 QString paragraphs(const QString &text)
@@ -77,8 +89,9 @@ QString examples(const QList<QStringList> &list)
 {
   QString text;
   for (const QStringList &example : list)
-    text += QStringLiteral(".PP\n%1:\n.PP\n.RS 4\n.EX\n%2\n.EE\n.RE\n")
-                .arg(prose(example[1].left(1).toUpper() + example[1].mid(1)), escaped(example[0]));
+    text +=
+        QStringLiteral(".PP\n%1:\n.PP\n.RS 4\n.EX\n%2\n.EE\n.RE\n")
+            .arg(prose(example[1].left(1).toUpper() + example[1].mid(1)), commandText(example[0]));
   return text;
 }
 

@@ -158,9 +158,7 @@ void StudyRun::_computeVariograms()
 void StudyRun::_fitModel()
 {
   Job &job = _result.job;
-  _result.fit =
-      fitModel(job, _result.variography,
-               _result.variableStatistics.getVarianceCovarianceMatrixHeterotopic(), _context);
+  _result.fit = fitModel(job, _result.variography, _result.variableStatistics, _context);
   job.model = _result.fit->model;
   job.hasModel = true;
   _console.print(QObject::tr("  fitted   %1").arg(Describe::model(job)));

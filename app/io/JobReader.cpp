@@ -99,9 +99,7 @@ NgmVModel readModelOf(const JobObject &root, const QDir &folder, Job &job)
   if (!QFileInfo(file).isFile())
     object.fail(key("file"), QObject::tr("there is no file \"%1\"").arg(file));
   job.modelFile = file;
-  JobObject model = JobObject::parse(file, readFile(file), modelKeys() << key("conventions"));
-  model.readConventions();
-  return readModel(model, job.getNDimensions(), job.getNVariables());
+  return readModel(parseModelText(file, readFile(file)), job.getNDimensions(), job.getNVariables());
 }
 
 void readFitOf(const JobObject &root, Job &job)

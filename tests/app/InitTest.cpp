@@ -93,11 +93,14 @@ TEST(Init, TakesTablesAsTheyCome)
       {"--overwrite"});
   EXPECT_THAT(marked.data.format.undefined, testing::Contains(QString("-999")));
 
+  // Two samples at each place, one below the other.
   const orvenal::Job deep =
       proposeAndRun(folder,
                     table("X\tY\tZ\tgrade",
                           [](int x, int y, int v) {
-                            return joined({text(x), text(y), text(-(v % 4)), text(v)}, '\t');
+                            const QByteArray place = joined({text(x), text(y)}, '\t');
+                            return place + "\t-" + text(v % 4) + '\t' + text(v) + '\n' + place +
+                                   "\t-" + text(v % 4 + 5) + '\t' + text(2 * v);
                           }),
                     {"--overwrite"});
   EXPECT_EQ(deep.data.z, "Z");
