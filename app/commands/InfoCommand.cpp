@@ -3,6 +3,7 @@
 #include "app/console/Console.h"
 #include "app/io/JobObject.h"
 #include "app/io/JobReader.h"
+#include "app/io/JobText.h"
 #include "app/io/ModelReader.h"
 #include "app/io/UsageError.h"
 #include "app/report/InfoJson.h"
@@ -61,7 +62,10 @@ QString readJsonText(const QString &path)
     return QString();
   if (!file.open(QIODevice::ReadOnly))
     throw UsageError(QObject::tr("%1: cannot be read: %2").arg(path, file.errorString()));
-  return QString::fromUtf8(file.readAll());
+  static const QRegularExpression geoJson(
+      QStringLiteral("\"type\"\\s*:\\s*\"(Feature|FeatureCollection|Topology)\""));
+  const QString text = QString::fromUtf8(file.readAll());
+  return geoJson.match(text).hasMatch() ? QString() : text;
 }
 
 bool hasMember(const QString &json, const char *name)
@@ -77,10 +81,10 @@ struct ModelShape
   int nVariables = 1;
   int nDimensions = 2;
 };
-ModelShape findShape(const QString &json)
+ModelShape findShape(const QString &file, const QString &json)
 {
   ModelShape shape;
-  const QJsonObject root = QJsonDocument::fromJson(json.toUtf8()).object();
+  const QJsonObject root = parseJobText(file, json.toUtf8()).root.toObject();
   QJsonArray parts = root.value(key("structures")).toArray();
   parts.append(QJsonObject{{key("sill"), root.value(key("nugget"))}});
   for (const QJsonValue &part : parts) {
@@ -96,9 +100,11 @@ ModelShape findShape(const QString &json)
 
 void describeModel(const Request &request, const QString &json)
 {
-  const ModelShape shape = findShape(json);
-  const NgmVModel model = readModel(JobObject::parse(request.file, json.toUtf8(), modelKeys()),
-                                    shape.nDimensions, shape.nVariables);
+  const ModelShape shape = findShape(request.file, json);
+  JobObject object =
+      JobObject::parse(request.file, json.toUtf8(), modelKeys() << key("conventions"));
+  object.readConventions();
+  const NgmVModel model = readModel(object, shape.nDimensions, shape.nVariables);
   request.answer(InfoText::model(model, shape.nDimensions, request.file),
                  InfoJson::model(model, shape.nDimensions, request.file));
 }
