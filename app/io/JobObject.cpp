@@ -1,5 +1,6 @@
 #include "app/io/JobObject.h"
 
+#include "app/io/JobError.h"
 #include "app/io/JobText.h"
 #include "app/io/Suggestion.h"
 #include "app/io/UsageError.h"
@@ -126,8 +127,10 @@ QString JobObject::choice(const QString &key, const QStringList &choices,
                           const QString &fallback) const
 {
   const QString word = text(key, fallback);
+  const bool isWord = word.size() > 2;  // a sign is near to any other one
   if (!choices.contains(word))
-    fail(key, QObject::tr("\"%1\" is not known; allowed: %2").arg(word, quotedList(choices)));
+    fail(key, QObject::tr("\"%1\" is not known%2; allowed: %3")
+                  .arg(word, isWord ? didYouMean(word, choices) : QString(), quotedList(choices)));
   return word;
 }
 
@@ -289,8 +292,7 @@ void JobObject::_failType(const QString &path, const QString &expected,
 
 void JobObject::_failAt(const QString &path, const QString &message) const
 {
-  throw UsageError(_file + QLatin1String(": ") + path +
-                   (path.isEmpty() ? QString() : QStringLiteral(": ")) + message);
+  throw JobError(_file, path, message);
 }
 
 }  // namespace orvenal

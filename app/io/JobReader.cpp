@@ -3,6 +3,7 @@
 #include "app/io/DataReader.h"
 #include "app/io/GridReader.h"
 #include "app/io/JobObject.h"
+#include "app/io/JobText.h"
 #include "app/io/KrigingReader.h"
 #include "app/io/ModelReader.h"
 #include "app/io/NeighborhoodReader.h"
@@ -98,9 +99,7 @@ NgmVModel readModelOf(const JobObject &root, const QDir &folder, Job &job)
   if (!QFileInfo(file).isFile())
     object.fail(key("file"), QObject::tr("there is no file \"%1\"").arg(file));
   job.modelFile = file;
-  JobObject model = JobObject::parse(file, readFile(file), modelKeys() << key("conventions"));
-  model.readConventions();
-  return readModel(model, job.getNDimensions(), job.getNVariables());
+  return readModel(parseModelText(file, readFile(file)), job.getNDimensions(), job.getNVariables());
 }
 
 void readFitOf(const JobObject &root, Job &job)
@@ -184,6 +183,14 @@ Job parseJob(const QString &path, const QByteArray &text)
   readOutput(root, folder, job);
   readResources(root, job);
   return job;
+}
+
+QJsonObject readJobRoot(const QString &path)
+{
+  const QJsonValue root = parseJobText(path, readFile(path)).root;
+  if (!root.isObject())
+    throw UsageError(QObject::tr("%1: a job is a JSON object, { ... }").arg(path));
+  return root.toObject();
 }
 
 qint64 parseMemorySize(const QString &text)

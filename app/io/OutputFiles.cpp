@@ -11,6 +11,7 @@
 
 #include <sys/stat.h>
 #include <unistd.h>
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -32,6 +33,18 @@ void openRights(QFile &file)
   fchmod(file.handle(), 0666 & ~mask);
 }
 
+/// The file, and those that its writer keeps beside it under longer names.
+void removeTemporary(const QString &path)
+{
+  const QFileInfo info(path);
+  const QDir folder = info.absoluteDir();
+  const QStringList all = folder.entryList(QDir::Files | QDir::Hidden);
+  for (const QString &name : all) {
+    if (name.startsWith(info.fileName()))
+      QFile::remove(folder.filePath(name));
+  }
+}
+
 }  // namespace
 
 OutputFiles::~OutputFiles()
@@ -47,6 +60,7 @@ void OutputFiles::reserve(const QString &path)
   if (target.exists() && !target.isWritable())
     failToWrite(path, QObject::tr("the file is protected"));
   _makeFolder(target.absolutePath());
+  const QMutexLocker locker(&_mutex);
   QTemporaryFile file(target.absolutePath() + "/." + target.fileName() + ".XXXXXX.part");
   file.setAutoRemove(false);
   if (!file.open())
@@ -70,6 +84,7 @@ void OutputFiles::write(const QString &path, const QByteArray &content)
 
 void OutputFiles::commit()
 {
+  const QMutexLocker locker(&_mutex);
   for (File &file : _files) {
     if (std::rename(QFile::encodeName(file.temporary).constData(),
                     QFile::encodeName(file.path).constData()) != 0)
@@ -81,13 +96,28 @@ void OutputFiles::commit()
 
 void OutputFiles::discard()
 {
+  const QMutexLocker locker(&_mutex);
+  _remove();
+  _files.clear();
+  _madeFolders.clear();
+}
+
+void OutputFiles::_remove() const
+{
   for (const File &file : _files) {
     if (!file.done)
-      QFile::remove(file.temporary);
+      removeTemporary(file.temporary);
   }
-  _files.clear();
-  while (!_madeFolders.isEmpty())
-    QDir().rmdir(_madeFolders.takeLast());
+  for (int i = _madeFolders.size() - 1; i >= 0; --i)
+    QDir().rmdir(_madeFolders[i]);
+}
+
+/// The process ends: the mutex stays locked, so that nothing is put in place any more.
+bool OutputFiles::_abandon()
+{
+  _mutex.lock();
+  _remove();
+  return std::none_of(_files.begin(), _files.end(), [](const File &file) { return file.done; });
 }
 
 const OutputFiles::File &OutputFiles::_find(const QString &path) const
@@ -107,10 +137,10 @@ void OutputFiles::_makeFolder(const QString &folder)
     return;
   if (!info.isRoot())
     _makeFolder(info.absolutePath());
+  const QMutexLocker locker(&_mutex);
   if (::mkdir(QFile::encodeName(folder).constData(), 0777) != 0 && !QFileInfo(folder).isDir())
     failToWrite(folder, QString::fromLocal8Bit(std::strerror(errno)));
-  else
-    _madeFolders << folder;
+  _madeFolders << folder;
 }
 
 }  // namespace orvenal

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "app/console/Interruption.h"
+
+#include <QMutex>
 #include <QString>
 #include <QStringList>
 
@@ -11,7 +14,7 @@ namespace orvenal {
 
 /// The files of one run, all or none: each is written beside its final place and renamed when
 /// everything has succeeded. What was not renamed is removed at the end, with the folders that were
-/// made for it.
+/// made for it; so it is when the process is ended by a signal.
 class OutputFiles
 {
 public:
@@ -46,9 +49,13 @@ private:
 
   const File &_find(const QString &path) const;
   void _makeFolder(const QString &folder);
+  void _remove() const;
+  bool _abandon();
 
+  QMutex _mutex;  // held while the list of files changes
   std::vector<File> _files;
   QStringList _madeFolders;
+  Interruption::Cleanup _cleanup{[this] { return _abandon(); }};
 };
 
 }  // namespace orvenal

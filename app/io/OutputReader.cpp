@@ -188,7 +188,7 @@ void readOutput(const JobObject &root, const QDir &jobFolder, Job &job)
     return;
   const JobObject object = root.object(
       key("output"), {key("directory"), key("data"), key("grid"), key("maps"), key("fit"),
-                      key("variogram"), key("crossValidation"), key("report")});
+                      key("variogram"), key("crossValidation"), key("report"), key("results")});
   const QDir folder(jobFolder.absoluteFilePath(object.text(key("directory"), key("."))));
   JobOutput &output = job.output;
   readStepFiles(object, "data", true, folder,
@@ -205,6 +205,9 @@ void readOutput(const JobObject &root, const QDir &jobFolder, Job &job)
   if (object.has(key("report")))
     output.report = readOutputFile(object, key("report"), object.text(key("report")), folder,
                                    {key("html"), key("htm")});
+  if (object.has(key("results")))
+    output.results =
+        readOutputFile(object, key("results"), object.text(key("results")), folder, {key("json")});
   checkOutputs(root, job);
 }
 

@@ -4,10 +4,12 @@
 #include "app/study/Job.h"
 #include "app/study/RunContext.h"
 #include "app/study/Variography.h"
+#include "basic/base/NbbGlobal.h"
 #include "basic/error/NbeUserError.h"
 #include "geos/fit/NgmVModelAutoFitting.h"
 #include "geos/fit/NgmVModelToBeOptimized.h"
 #include "geos/matrix/NgmMatrix.h"
+#include "geos/stats/NgmMultivariateStatistics.h"
 #include "geos/stats/NgmVariogramExpData.h"
 
 #include <QObject>
@@ -41,24 +43,38 @@ QString noPairs(const Job &job, const VariogramSet &set)
       .arg(job.getVariable(set.first).name, job.getVariable(set.second).name);
 }
 
-void check(const Job &job, const Variography &variography, const NgmMatrix &variances)
+void checkVariance(const Job &job, int variable, const NbcStatMono &statistics)
 {
-  for (const VariogramSet &set : variography.sets) {
-    if (set.countPairs() == 0)
-      throw NbeUserError(noPairs(job, set));
-  }
-  for (int i = 0; i < job.getNVariables(); ++i) {
-    if (!(variances(i, i) > 0.))
-      throw NbeUserError(QObject::tr("all values of \"%1\" are equal; there is no model to fit")
-                             .arg(job.getVariable(i).name));
-  }
+  const QString name = job.getVariable(variable).name;
+  if (!(statistics.getMinimum() < statistics.getMaximum()))
+    throw NbeUserError(
+        QObject::tr("all values of \"%1\" are equal; there is no model to fit").arg(name));
+  const double variance = statistics.getVariance();
+  if (!(variance > 0.) || !NbbGlobal::isDefined(variance))
+    throw NbeUserError(
+        QObject::tr("the values of \"%1\" are too large or too small for a variance; "
+                    "give them in another unit")
+            .arg(name));
 }
 
-QVector<double> deviationsOf(const NgmMatrix &variances)
+void check(const Job &job, const Variography &variography,
+           const NgmMultivariateStatistics &statistics)
+{
+  for (const bool isCross : {false, true}) {
+    for (const VariogramSet &set : variography.sets) {
+      if (set.isCross() == isCross && set.countPairs() == 0)
+        throw NbeUserError(noPairs(job, set));
+    }
+  }
+  for (int i = 0; i < job.getNVariables(); ++i)
+    checkVariance(job, i, statistics.getConstUnivariateStats(i));
+}
+
+QVector<double> deviationsOf(const NgmMultivariateStatistics &statistics)
 {
   QVector<double> deviations;
-  for (int i = 0; i < variances.getNRows(); ++i)
-    deviations << std::sqrt(variances(i, i));
+  for (int i = 0; i < statistics.getNVariables(); ++i)
+    deviations << statistics.getConstUnivariateStats(i).getStandardDeviation();
   return deviations;
 }
 
@@ -89,11 +105,11 @@ NgmMatrix identity(int n)
 
 }  // namespace
 
-ModelFit fitModel(const Job &job, const Variography &variography, const NgmMatrix &variances,
-                  const RunContext &context)
+ModelFit fitModel(const Job &job, const Variography &variography,
+                  const NgmMultivariateStatistics &statistics, const RunContext &context)
 {
-  check(job, variography, variances);
-  const QVector<double> units = deviationsOf(variances);
+  check(job, variography, statistics);
+  const QVector<double> units = deviationsOf(statistics);
   NgmVModelAutoFitting fitting;
   fitting.setVariogramExp(withoutUnits(variography, units), NgmEVarioExp::VARIOGRAM);
   fitting.setInitialModel(initialModel(job));

@@ -128,6 +128,24 @@ TEST(Conventions, KeepsDipAndPitch)
   EXPECT_TRUE(read(job).model.getStructure(0).getRotation().isEqual(Compass::frame(65., 40., 15.)));
 }
 
+TEST(Conventions, RefuseRangesThatAreNoLengths)
+{
+  const apptest::Folder folder;
+  const auto errorOf = [&](double range) {
+    MeuseJob job = withConventions("{\"ranges\": \"scale\"}");
+    job.set("model.structures.0.type", "Cardinal Sine").set("model.structures.0.range", range);
+    try {
+      readJob(job.writeTo(folder));
+    } catch (const UsageError &error) {
+      return error.getMessage().toStdString();
+    }
+    return std::string("no error");
+  };
+  EXPECT_THAT(errorOf(1e-300), HasSubstr("model.structures[0]: a practical range of 2.0371e-299"));
+  EXPECT_THAT(errorOf(9e29), HasSubstr("is too large"));
+  EXPECT_EQ(errorOf(1e-9), "no error");
+}
+
 TEST(Conventions, BelongToOneFile)
 {
   const apptest::Folder folder;
@@ -194,6 +212,32 @@ TEST(Conventions, HoldForLocalAnglesToo)
     nDifferent += a[i].split(',')[2] == a[1].split(',')[2] ? 0 : 1;
   }
   EXPECT_GT(nDifferent, 90);
+}
+
+TEST(Conventions, AreSaidByTheReport)
+{
+  const apptest::Folder folder;
+  MeuseJob job = withConventions("{\"ranges\": \"scale\", \"angles\": \"mathematical\"}");
+  job.set("model.structures.0",
+          json("{\"type\": \"Gaussian\", \"sill\": 1, \"ranges\": [500, 200], \"azimuth\": 60}"));
+  job.set("neighborhood", json("{\"type\": \"moving\", \"radii\": [900, 400], \"azimuth\": 0, "
+                               "\"maximum\": 9}"));
+  job.set("grid.cell", json("[400, 400]")).set("grid.nodes", json("[8, 10]"));
+  job.set("output", json("{\"report\": \"report.html\"}"));
+  EXPECT_EQ(QProcess::execute(ORVENAL_PROGRAM, {"run", "-q", job.writeTo(folder)}), 0);
+  const std::string html = apptest::readFile(folder.path("report.html")).toStdString();
+  const char *const parts[] = {"Practical range",
+                               "865.409 m",
+                               "346.164 m",  // 1.730818 times
+                               "azimuth 30°",
+                               "(0.500000, 0.866025, 0.000000)",
+                               "(-0.866025, 0.500000, 0.000000)",
+                               "(0.000000, 0.000000, 1.000000)",  // W
+                               "azimuth 90°",
+                               "(1.000000, 0.000000, 0.000000)",
+                               "Ranges are practical ranges"};
+  for (const char *part : parts)
+    EXPECT_THAT(html, HasSubstr(part));
 }
 
 TEST(Conventions, AreChecked)

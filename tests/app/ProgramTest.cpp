@@ -431,7 +431,7 @@ TEST(Program, SaysWhyThereIsNoVariogramOrModel)
   const Case cases[] = {
       {"x,y,v\n1,2,3\n", "variogram", "all samples lie at one place"},
       {"x,y,v\n1,2,3\n1,2,4\n", "run", "all samples lie at one place"},
-      {"x,y,v\n1,2,3\n1.2,2,3\n9,2,3\n1,8,3\n", "fit", "all values are equal"},
+      {"x,y,v\n1,2,3\n1.2,2,3\n9,2,3\n1,8,3\n", "fit", "all values of \"v\" are equal"},
   };
   for (const Case &c : cases) {
     const apptest::Folder folder;
@@ -643,11 +643,12 @@ TEST(Program, RefusesWrongUse)
       {{}, "a command is missing"},
       {{"rnu"}, "there is no command \"rnu\"; did you mean \"run\"?"},
       {{"help", "rnu"}, "there is no command"},
-      {{"help", "run", "run"}, "usage: orvenal help"},
-      {{"version", "x"}, "usage: orvenal version"},
+      {{"help", "run", "run"}, "one command or topic at a time"},
+      {{"version", "x"}, "no argument is expected"},
       {{"run"}, "the job file is missing"},
-      {{"run", "a.json", "b.json"}, "one job file at a time"},
-      {{"run", "--thread", "2", "a.json"}, "Unknown option 'thread'"},
+      {{"run", "a.json", "b.json"}, "one file at a time"},
+      {{"run", "--thread", "2", "a.json"},
+       "there is no option --thread; did you mean \"--threads\"?"},
       {{"run", "/nowhere/job.json"}, "/nowhere/job.json: cannot be read"},
       {{"run", "--threads", "two", ORVENAL_EXAMPLES "/meuse/job.json"}, "--threads: expected"},
       {{"run", "--memory", "0 MB", ORVENAL_EXAMPLES "/meuse/job.json"}, "--memory: expected"},
