@@ -11,11 +11,10 @@ using testing::Not;
 namespace {
 
 /// The job that init proposes for a table, read by the reader of jobs, and run.
-orvenal::Job proposeAndRun(const apptest::Folder &folder, const QByteArray &data,
-                           const QStringList &options = QStringList())
+orvenal::Job proposeAndRun(const apptest::Folder &folder, const QByteArray &data)
 {
   folder.write("d.csv", data);
-  const Outcome proposed = runProgram(QStringList{"init", "d.csv"} + options, folder.path(""));
+  const Outcome proposed = runProgram({"init", "d.csv"}, folder.path(""));
   EXPECT_EQ(proposed.exitCode, 0) << proposed.errors;
   const QByteArray text = apptest::readFile(folder.path("job.json"));
   const Outcome outcome = runProgram({"run", "job.json"}, folder.path(""));
@@ -75,9 +74,9 @@ TEST(Init, MakesAJobThatRuns)
 
 TEST(Init, TakesTablesAsTheyCome)
 {
-  const apptest::Folder folder;
+  const apptest::Folder folders[3];
   const orvenal::Job german = proposeAndRun(
-      folder, table("Rechtswert;Hochwert;Gehalt \"Größe\" in %", [](int x, int y, int v) {
+      folders[0], table("Rechtswert;Hochwert;Gehalt \"Größe\" in %", [](int x, int y, int v) {
         return joined({text(x) + ",5", text(y) + ",0", text(v) + ",25"}, ';');
       }));
   EXPECT_EQ(german.data.x, "Rechtswert");
@@ -85,24 +84,18 @@ TEST(Init, TakesTablesAsTheyCome)
   EXPECT_EQ(german.variable.column, QString::fromUtf8("Gehalt \"Größe\" in %"));
 
   const orvenal::Job marked = proposeAndRun(
-      folder,
-      table("east,north,it's",
-            [](int x, int y, int v) {
-              return joined({text(x), text(y), v % 5 == 0 ? QByteArray("-999") : text(v)}, ',');
-            }),
-      {"--overwrite"});
+      folders[1], table("east,north,it's", [](int x, int y, int v) {
+        return joined({text(x), text(y), v % 5 == 0 ? QByteArray("-999") : text(v)}, ',');
+      }));
   EXPECT_THAT(marked.data.format.undefined, testing::Contains(QString("-999")));
 
   // Two samples at each place, one below the other.
   const orvenal::Job deep =
-      proposeAndRun(folder,
-                    table("X\tY\tZ\tgrade",
-                          [](int x, int y, int v) {
-                            const QByteArray place = joined({text(x), text(y)}, '\t');
-                            return place + "\t-" + text(v % 4) + '\t' + text(v) + '\n' + place +
-                                   "\t-" + text(v % 4 + 5) + '\t' + text(2 * v);
-                          }),
-                    {"--overwrite"});
+      proposeAndRun(folders[2], table("X\tY\tZ\tgrade", [](int x, int y, int v) {
+                      const QByteArray place = joined({text(x), text(y)}, '\t');
+                      return place + "\t-" + text(v % 4) + '\t' + text(v) + '\n' + place + "\t-" +
+                             text(v % 4 + 5) + '\t' + text(2 * v);
+                    }));
   EXPECT_EQ(deep.data.z, "Z");
   EXPECT_EQ(deep.getNDimensions(), 3);
 }
