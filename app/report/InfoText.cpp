@@ -222,10 +222,10 @@ void addPlaces(const TableSummary &summary, Facts &facts)
              .arg(summary.columns[indices[axis]].name, number(summary.lower[std::size_t(axis)], 10),
                   number(summary.upper[std::size_t(axis)], 10))});
   }
-  facts.append({QObject::tr("duplicates"),
-                summary.nDuplicates == 0 ? QObject::tr("none")
-                                         : QObject::tr("%1 records at the place of another one")
-                                               .arg(Progress::grouped(summary.nDuplicates))});
+  facts.append({QObject::tr("duplicates"), summary.nDuplicates == 0
+                                               ? QObject::tr("none")
+                                               : QObject::tr("%1 at the place of another record")
+                                                     .arg(Progress::grouped(summary.nDuplicates))});
   if (summary.grid)
     facts.append({QObject::tr("grid"), gridText(summary)});
 }

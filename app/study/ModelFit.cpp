@@ -11,19 +11,21 @@
 #include "geos/matrix/NgmMatrix.h"
 #include "geos/stats/NgmMultivariateStatistics.h"
 #include "geos/stats/NgmVariogramExpData.h"
+#include "geos/vmodel/NgmAVStruct.h"
 
 #include <QObject>
 
+#include <algorithm>
 #include <cmath>
 
 namespace orvenal {
 
 namespace {
 
-NgmVModelToBeOptimized initialModel(const Job &job)
+NgmVModelToBeOptimized initialModel(const Job &job, int nDimensions)
 {
   NgmVModelToBeOptimized model(job.getNVariables());
-  model.setContextNDim(job.getNDimensions());
+  model.setContextNDim(nDimensions);
   model.setFitNugget(job.fit->nugget);
   model.setAuthAniso(job.fit->anisotropy);
   model.setAuthRotation(job.fit->anisotropy);
@@ -95,6 +97,18 @@ NgmVariogramExpData withoutUnits(const Variography &variography, const QVector<d
   return data;
 }
 
+/// Horizontal directions, and all together, say nothing of the third axis: the model of a plane
+/// becomes one of space whose range along W is the shorter one of the two others.
+void addThirdAxis(NgmVModel &model)
+{
+  model.setContextNDim(3);
+  for (int index = 0; index < model.getNStructures(); ++index) {
+    const NbgVector3D ranges = model.getStructure(index).getPracticalRanges();
+    const double shorter = std::min(ranges.x(), ranges.y());
+    model.setRanges(index, NbgVector3D(ranges.x(), ranges.y(), shorter));
+  }
+}
+
 NgmMatrix identity(int n)
 {
   NgmMatrix matrix(n, n, true);
@@ -112,11 +126,13 @@ ModelFit fitModel(const Job &job, const Variography &variography,
   const QVector<double> units = deviationsOf(statistics);
   NgmVModelAutoFitting fitting;
   fitting.setVariogramExp(withoutUnits(variography, units), NgmEVarioExp::VARIOGRAM);
-  fitting.setInitialModel(initialModel(job));
+  fitting.setInitialModel(initialModel(job, variography.data->getNDimensions()));
   fitting.setVarianceCovarianceMatrix(identity(job.getNVariables()));
   context.run(fitting, QObject::tr("Fitting"), 1, QObject::tr("model"), RunContext::SIDE_STEP);
   ModelFit fit;
   fit.model = fitting.getFittedModel();
+  if (fit.model.getContext().getNDimensions() < job.getNDimensions())
+    addThirdAxis(fit.model);
   Coregionalization::stabilize(fit.model);
   Coregionalization::rescale(fit.model, units);
   fit.hasConverged = fitting.hasConverged();

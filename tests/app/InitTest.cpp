@@ -133,3 +133,15 @@ TEST(Init, LeavesOutWhatSamplesDoNotAllow)
   EXPECT_EQ(runProgram({"init", "gone.csv"}).exitCode, 2);
   EXPECT_THAT(folder.list(), Not(testing::Contains(QString("bad.json"))));
 }
+
+TEST(Init, TakesNoCoordinateForTheVariable)
+{
+  const auto row = [](int x, int y, int value) {
+    return text(x) + ';' + text(y) + ';' + (value == 1 ? QByteArray("k.A.") : text(value) + ",5");
+  };
+  const apptest::Folder folder;
+  const orvenal::Job job = proposeAndRun(folder, table("Ost-West;oben;Wasserstand", row),
+                                         {"--x", "Ost-West", "--y", "oben"});
+  EXPECT_EQ(job.variable.column, "Wasserstand");
+  EXPECT_TRUE(job.data.format.undefined.contains("k.A."));
+}
