@@ -11,10 +11,11 @@ using testing::Not;
 namespace {
 
 /// The job that init proposes for a table, read by the reader of jobs, and run.
-orvenal::Job proposeAndRun(const apptest::Folder &folder, const QByteArray &data)
+orvenal::Job proposeAndRun(const apptest::Folder &folder, const QByteArray &data,
+                           const QStringList &options = QStringList())
 {
   folder.write("d.csv", data);
-  const Outcome proposed = runProgram({"init", "d.csv"}, folder.path(""));
+  const Outcome proposed = runProgram(QStringList{"init", "d.csv"} + options, folder.path(""));
   EXPECT_EQ(proposed.exitCode, 0) << proposed.errors;
   const QByteArray text = apptest::readFile(folder.path("job.json"));
   const Outcome outcome = runProgram({"run", "job.json"}, folder.path(""));
