@@ -111,7 +111,7 @@ TEST(JobReader, NamesThePlaceOfWhatIsWrong)
       {"title", 5, {"title: expected a text in quotes, found the number 5"}},
       {"data", json("[]"), {"data: expected an object, found a list"}},
       {"data.file", none, {"data.file: missing"}},
-      {"data.format", json("\"geoeas\""), {"data.format", "did you mean \"geo-eas\""}},
+      {"data.format", json("\"geoeas\""), {"data.format: \"geoeas\" is not known"}},
       {"data.file", "no.csv", {"data.file: there is no file", "no.csv"}},
       {"data.file", "", {"data.file: there is no file"}},
       {"data.file", "/", {"data.file: \"/\" is a folder"}},
