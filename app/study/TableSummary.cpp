@@ -65,13 +65,18 @@ bool isMark(const ColumnTally &tally)
   return tally.minimum < absurd || (isCustomary && tally.second > 0.5 * tally.minimum);
 }
 
+bool hasDigits(const QString &text)
+{
+  static const QRegularExpression digit(QStringLiteral("\\d"));
+  return text.contains(digit);
+}
+
 /// A text among numbers that holds no digits ("n/a"), or is a number that no value can be.
 bool isMark(const QString &text)
 {
-  static const QRegularExpression digit(QStringLiteral("\\d"));
   bool isNumber = false;
   text.toDouble(&isNumber);
-  return isNumber || !text.contains(digit);
+  return isNumber || !hasDigits(text);
 }
 
 ColumnSummary summaryOf(const QString &name, const ColumnTally &tally)
@@ -98,13 +103,18 @@ ColumnSummary summaryOf(const QString &name, const ColumnTally &tally)
   return summary;
 }
 
-/// Whether all texts that were kept are numbers with a decimal comma.
+/// Whether all texts that were kept and hold digits are numbers with a decimal comma.
 bool hasDecimalCommas(const ColumnTally &tally)
 {
   static const QRegularExpression number(QStringLiteral("^[+-]?\\d*,\\d+(?:[eE][+-]?\\d+)?$"));
-  return !tally.texts.isEmpty() &&
-         std::all_of(tally.texts.begin(), tally.texts.end(),
-                     [](const QString &text) { return number.match(text).hasMatch(); });
+  int nNumbers = 0;
+  for (const QString &text : tally.texts) {
+    if (number.match(text).hasMatch())
+      ++nNumbers;
+    else if (hasDigits(text))
+      return false;
+  }
+  return nNumbers > 0;
 }
 
 void tallyRecord(const TableReader &reader, std::vector<ColumnTally> &tallies,
