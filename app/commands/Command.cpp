@@ -57,9 +57,10 @@ QString examplesText(const QList<QStringList> &examples)
 {
   QString text;
   for (const QStringList &example : examples)
-    text += QStringLiteral("  %1\n      %2\n")
-                .arg(example[1],
-                     commandLines(example[0], helpWidth - 6).join(QStringLiteral(" \\\n        ")));
+    text +=
+        QStringLiteral("  %1\n      %2\n")
+            .arg(example[1],
+                 commandLines(example[0], helpWidth - 10).join(QStringLiteral(" \\\n        ")));
   return text.isEmpty() ? text : QObject::tr("\nExamples:\n") + text;
 }
 

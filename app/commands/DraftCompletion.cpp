@@ -1,7 +1,6 @@
 #include "app/commands/DraftCompletion.h"
 
 #include "app/commands/JobDraft.h"
-#include "app/console/Console.h"
 #include "app/io/JobObject.h"
 #include "app/io/Suggestion.h"
 #include "app/io/TableReader.h"
@@ -92,19 +91,19 @@ void checkColumns(const JobDraft &draft)
   reader->findColumn(draft.get(key("variable.column")).toString(), key("--variable"));
 }
 
-void layGridOver(JobDraft &draft, Console &console)
+QString layGridOver(JobDraft &draft)
 {
   const std::vector<double> cell = toNumbers(draft.get(key("grid.cell")));
   if (cell.empty() || draft.has(key("grid.origin")) || draft.has(key("grid.nodes")))
-    return;
+    return QString();
   const JobTable table = draft.readData().data;
   if (cell.size() != (table.z.isEmpty() ? 2 : 3) || draft.has(key("grid.rotation")))
-    return;  // the reader of the job says what is wrong
+    return QString();  // the reader of the job says what is wrong
   const GridLayout layout = layGrid(readExtent(table), cell);
   draft.setDefault(key("grid.origin"), toArray(layout.origin));
   draft.setDefault(key("grid.nodes"), toArray(layout.nodes));
-  console.print(QObject::tr("grid over the samples: --cell %1 --grid-origin %2 --nodes %3")
-                    .arg(joined(cell), joined(layout.origin), joined(layout.nodes)));
+  return QObject::tr("grid over the samples: --cell %1 --grid-origin %2 --nodes %3")
+      .arg(joined(cell), joined(layout.origin), joined(layout.nodes));
 }
 
 }  // namespace orvenal

@@ -1,8 +1,9 @@
 #pragma once
 
+#include <QString>
+
 namespace orvenal {
 
-class Console;
 class JobDraft;
 
 /// What the options of a step leave open, and the program can say.
@@ -20,7 +21,8 @@ void completeMask(JobDraft &draft);
 /// lists them.
 void checkColumns(const JobDraft &draft);
 
-/// A grid of which only the cells are known is laid over the samples, and printed.
-void layGridOver(JobDraft &draft, Console &console);
+/// A grid of which only the cells are known is laid over the samples. What gives the same grid
+/// again, in words; empty where there was nothing to do.
+QString layGridOver(JobDraft &draft);
 
 }  // namespace orvenal

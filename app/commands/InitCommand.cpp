@@ -122,7 +122,9 @@ void InitCommand::run(const QStringList &arguments, Console &console) const
     return;
   }
   write(output, text, parser.isSet(name("overwrite")));
-  console.print(QObject::tr("written: %1\nLook at it, then: orvenal run %1").arg(output));
+  const bool isOneWord = !output.contains(' ');
+  const QString word = isOneWord ? output : '"' + output + '"';
+  console.print(QObject::tr("written: %1\nLook at it, then: orvenal run %2").arg(output, word));
 }
 
 }  // namespace orvenal

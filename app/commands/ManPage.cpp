@@ -2,8 +2,10 @@
 
 #include "app/commands/Command.h"
 #include "app/commands/Program.h"
+#include "app/console/TextTable.h"
 #include "app/report/Versions.h"
 
+#include <QDateTime>
 #include <QObject>
 #include <QRegularExpression>
 
@@ -25,11 +27,22 @@ QString escaped(const QString &text)
   return result;
 }
 
-/// Running text: a new sentence on a new line.
+/// Running text: short lines, and a new sentence on a new one.
 QString prose(const QString &text)
 {
-  static const QRegularExpression endOfSentence(QStringLiteral("([a-z)\"][.;:]) (?=[A-Z])"));
-  return escaped(text.simplified()).replace(endOfSentence, QStringLiteral("\\1\n"));
+  constexpr int lineWidth = 64;  // escapes make it longer
+  static const QRegularExpression endOfSentence(QStringLiteral("(?<=[a-z)\"][.;:]) (?=[A-Z])"));
+  QStringList lines;
+  for (const QString &sentence : text.simplified().split(endOfSentence))
+    lines << wrapped(sentence, lineWidth);
+  return escaped(lines.join('\n'));
+}
+
+/// A command that goes on over several lines.
+QString commandText(const QString &command)
+{
+  constexpr int lineWidth = 60;
+  return escaped(commandLines(command, lineWidth).join(QStringLiteral(" \\\n  ")));
 }
 
 QString paragraphs(const QString &text)
@@ -77,9 +90,20 @@ QString examples(const QList<QStringList> &list)
 {
   QString text;
   for (const QStringList &example : list)
-    text += QStringLiteral(".PP\n%1:\n.PP\n.RS 4\n.EX\n%2\n.EE\n.RE\n")
-                .arg(prose(example[1].left(1).toUpper() + example[1].mid(1)), escaped(example[0]));
+    text +=
+        QStringLiteral(".PP\n%1:\n.PP\n.RS 4\n.EX\n%2\n.EE\n.RE\n")
+            .arg(prose(example[1].left(1).toUpper() + example[1].mid(1)), commandText(example[0]));
   return text;
+}
+
+/// The date of the page; builds that have to give the same bytes again set SOURCE_DATE_EPOCH.
+QString today()
+{
+  bool isSet = false;
+  const qint64 seconds = qEnvironmentVariable("SOURCE_DATE_EPOCH").toLongLong(&isSet);
+  return (isSet ? QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC) : QDateTime::currentDateTimeUtc())
+      .date()
+      .toString(Qt::ISODate);
 }
 
 QString commandPart(const Command &command)
@@ -95,8 +119,8 @@ QString commandPart(const Command &command)
 
 QString manPage(const Program &program)
 {
-  QString text = QStringLiteral(".TH ORVENAL 1 \"\" \"Orvenal %1\" \"%2\"\n")
-                     .arg(programVersion(), QObject::tr("User Commands"));
+  QString text = QStringLiteral(".TH ORVENAL 1 \"%1\" \"Orvenal %2\" \"%3\"\n")
+                     .arg(today(), programVersion(), QObject::tr("User Commands"));
   text += QObject::tr(
       ".SH NAME\norvenal \\- geostatistics from samples in a file to an estimated grid\n"
       ".SH SYNOPSIS\n.B orvenal\n.I COMMAND\n.RI [ OPTIONS ]\n.RI [ FILE ]\n"

@@ -22,8 +22,10 @@ void StudyCommand::_execute(JobDraft &draft, const RunSettings &settings, Consol
   completeMask(draft);
   if (draft.isOfData())
     checkColumns(draft);
-  layGridOver(draft, console);
+  const QString grid = layGridOver(draft);
   Job job = draft.read();
+  if (!grid.isEmpty())
+    console.print(grid);
   if (settings.threads > 0)
     job.threads = settings.threads;
   if (settings.memory > 0)

@@ -160,9 +160,7 @@ void StudyRun::_computeVariograms()
 void StudyRun::_fitModel()
 {
   Job &job = _result.job;
-  _result.fit =
-      fitModel(job, _result.variography,
-               _result.variableStatistics.getVarianceCovarianceMatrixHeterotopic(), _context);
+  _result.fit = fitModel(job, _result.variography, _result.variableStatistics, _context);
   _result.fit->model = modelAsWritten(_result.fit->model, job.getNDimensions());
   job.model = _result.fit->model;
   job.hasModel = true;

@@ -127,8 +127,10 @@ QString JobObject::choice(const QString &key, const QStringList &choices,
                           const QString &fallback) const
 {
   const QString word = text(key, fallback);
+  const bool isWord = word.size() > 2;  // a sign is near to any other one
   if (!choices.contains(word))
-    fail(key, QObject::tr("\"%1\" is not known; allowed: %2").arg(word, quotedList(choices)));
+    fail(key, QObject::tr("\"%1\" is not known%2; allowed: %3")
+                  .arg(word, isWord ? didYouMean(word, choices) : QString(), quotedList(choices)));
   return word;
 }
 

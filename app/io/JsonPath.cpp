@@ -17,9 +17,10 @@ JsonPath JsonPath::parse(const QString &text)
   int position = 0;
   while (position < text.size()) {
     const QRegularExpressionMatch match = step.match(text, position);
-    if (!match.hasMatch() || (position == 0 && match.captured(2).isEmpty()))
-      return JsonPath();
     const bool isKey = match.capturedLength(2) > 0;
+    const bool hasDot = match.capturedLength(1) > 0;
+    if (!match.hasMatch() || (position == 0 && (!isKey || hasDot)))
+      return JsonPath();
     path._steps.append({match.captured(2), isKey ? -1 : match.captured(3).toInt()});
     position = match.capturedEnd();
   }

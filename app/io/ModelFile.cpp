@@ -123,10 +123,7 @@ struct ModelSize
 NgmVModel fromJson(const QByteArray &text, const QString &shownName, int nDimensions,
                    int nVariables)
 {
-  JobObject object =
-      JobObject::parse(shownName, text, modelKeys() << QStringLiteral("conventions"));
-  object.readConventions();
-  return readModel(object, nDimensions, nVariables);
+  return readModel(parseModelText(shownName, text), nDimensions, nVariables);
 }
 
 bool hasBinaryEnding(const QString &file)

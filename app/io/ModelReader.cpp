@@ -101,8 +101,15 @@ NgmMatrix readSills(const JobObject &object, const QString &key, int nVariables)
 NbgVector3D practicalRanges(const JobObject &object, const NbgVector3D &given,
                             const NgmAVStruct &structure)
 {
+  constexpr double smallest = 1e-20;  // whatever its scale is, a number that the library takes
+  constexpr double steepest = 1e100;
+  if (!(practicalFactor(structure) < steepest))
+    object.fail(QStringLiteral("parameter"),
+                QObject::tr("the structure comes near to its sill at no distance"));
   const NbgVector3D ranges = toPracticalRanges(given, object.getConventions().ranges, structure);
   for (const double range : {ranges.x(), ranges.y(), ranges.z()}) {
+    if (range < smallest)
+      object.fail(QObject::tr("a practical range of %1 is too small").arg(range));
     if (!NbbGlobal::isDefined(range))
       object.fail(QObject::tr("a practical range of %1 is too large").arg(range));
   }
@@ -151,6 +158,13 @@ void authorize(const JobObject &object, NgmVModel &model)
 QStringList modelKeys()
 {
   return {QStringLiteral("nugget"), QStringLiteral("structures"), QStringLiteral("dimensions")};
+}
+
+JobObject parseModelText(const QString &file, const QByteArray &text)
+{
+  JobObject object = JobObject::parse(file, text, modelKeys() << QStringLiteral("conventions"));
+  object.readConventions();
+  return object;
 }
 
 QStringList structureLabels()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QStringList>
 
 class NgmVModel;
@@ -10,6 +11,9 @@ class JobObject;
 
 /// Keys of the model of a job.
 QStringList modelKeys();
+
+/// The model that is alone in a file, with the conventions that the file names.
+JobObject parseModelText(const QString &file, const QByteArray &text);
 
 /// The variogram model of the variables; with several of them nugget and sills are matrices. A
 /// model that is not admissible is a UsageError.

@@ -43,6 +43,13 @@ bool isGeoEasEnding(const QString &ending)
   return isOneOf(ending, std::begin(endings), std::end(endings));
 }
 
+/// Text whatever it holds: its readers say which line is damaged.
+bool isTextEnding(const QString &ending)
+{
+  static const char *const endings[] = {"csv", "tsv", "txt"};
+  return isGeoEasEnding(ending) || isOneOf(ending, std::begin(endings), std::end(endings));
+}
+
 /// Null bytes near the beginning; UTF-16 text has them too, but says so.
 bool isBinary(const QByteArray &head)
 {
@@ -91,7 +98,7 @@ TableFormat::Kind findTableKind(const QString &path, const QString &shownName)
 {
   const QString ending = QFileInfo(path).suffix().toLower();
   if (isOneOf(ending, std::begin(gdalEndings), std::end(gdalEndings)) ||
-      isBinary(readHead(path, shownName)))
+      (!isTextEnding(ending) && isBinary(readHead(path, shownName))))
     return TableFormat::GDAL;
   if (isGeoEasEnding(ending))
     return TableFormat::GEO_EAS;

@@ -47,7 +47,9 @@ const Pair pairs[] = {{"x", "y", false},
                       {"long", "lat", true},
                       {"lon", "lat", true},
                       {"lng", "lat", true},
-                      {"decimallongitude", "decimallatitude", true}};
+                      {"decimallongitude", "decimallatitude", true},
+                      {"l\u00E4nge", "breite", true},
+                      {"laenge", "breite", true}};
 const char *const heights[] = {"z",       "elevation", "elev",      "altitude", "alt", "height",
                                "rl",      "zcentre",   "zcenter",   "zc",       "zm",  "cota",
                                "hauteur", "hoehe",     "h\u00F6he", "depth"};
@@ -66,6 +68,14 @@ bool isIdentifier(const QString &name)
           "sample|station|hole|holeid|bhid|line|year|date|time|from|to)($|[^\\p{L}])"),
       QRegularExpression::CaseInsensitiveOption);
   return pattern.match(name).hasMatch();
+}
+
+/// Numbers, and besides them at most texts that look as if they stood for undefined values.
+bool holdsNumbers(const ColumnSummary &column)
+{
+  return column.getType() == ColumnSummary::NUMBERS ||
+         (column.getType() == ColumnSummary::MIXED && !column.marks.isEmpty() &&
+          column.nNumbers > column.nTexts);
 }
 
 }  // namespace
@@ -97,8 +107,8 @@ int guessVariable(const TableSummary &summary)
   int withAnyName = -1;
   for (int i = 0; i < summary.columns.size(); ++i) {
     const ColumnSummary &column = summary.columns[i];
-    if (i == taken.x || i == taken.y || i == taken.z ||
-        column.getType() != ColumnSummary::NUMBERS || column.minimum == column.maximum)
+    const bool isTaken = i == taken.x || i == taken.y || i == taken.z;
+    if (isTaken || !holdsNumbers(column) || column.minimum == column.maximum)
       continue;
     if (!isIdentifier(column.name))
       return i;

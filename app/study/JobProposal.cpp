@@ -122,6 +122,9 @@ void findColumns(const JobWishes &wishes, Findings &findings)
     throw UsageError(QObject::tr("%1: no two columns are named like coordinates; name them with "
                                  "--x and --y; columns: %2")
                          .arg(findings.shown, quotedList(namesOf(findings.summary))));
+  findings.summary.coordinates.x = findings.x;
+  findings.summary.coordinates.y = findings.y;
+  findings.summary.coordinates.z = findings.z;
   findings.variable =
       findWish(wishes.variable, "variable", guessVariable(findings.summary), findings);
   if (findings.variable < 0)
@@ -233,8 +236,8 @@ QString dataPart(const Findings &findings)
                 2);
   if (findings.summary.nDuplicates > 0)
     text += comment(
-        QObject::tr("%1 samples lie at the place of another one; without a nugget their "
-                    "systems cannot be solved. \"duplicates\": \"average\" takes their means.")
+        QObject::tr("Samples at the place of another one: %1. Without a nugget their systems "
+                    "cannot be solved; \"duplicates\": \"average\" takes their means.")
             .arg(findings.summary.nDuplicates),
         2);
   text += QStringLiteral("  \"data\": {\n    \"file\": %1,\n").arg(quoted(findings.file));
@@ -330,15 +333,15 @@ QString outputPart(const Findings &findings)
 {
   QString text = QStringLiteral(
       "  \"output\": {\n    \"directory\": \"out\",\n"
+      "    \"data\": { \"map\": \"base-map.png\", \"histogram\": \"histogram.png\" },\n"
       "    \"variogram\": { \"picture\": \"variogram.png\" },\n"
       "    \"fit\": { \"model\": \"model.json\" },\n"
-      "    \"crossValidation\": { \"table\": \"crossvalidation.csv\", \"picture\": "
-      "\"crossvalidation.png\" },\n");
+      "    \"crossValidation\": { \"table\": \"xvalid.csv\", \"picture\": \"xvalid.png\", "
+      "\"map\": \"errors.png\" },\n");
   text += findings.is3D() ? QStringLiteral("    \"grid\": [\"grid.csv\"],\n")
-                          : QStringLiteral(
-                                "    \"grid\": [\"grid.csv\", \"grid.tif\"],\n    \"maps\": { "
-                                "\"estimate\": \"estimate.png\", \"deviation\": "
-                                "\"deviation.png\" },\n");
+                          : QStringLiteral("    \"grid\": [\"grid.csv\", \"grid.tif\"],\n");
+  text += QStringLiteral(
+      "    \"maps\": { \"estimate\": \"estimate.png\", \"deviation\": \"deviation.png\" },\n");
   return text + QStringLiteral("    \"report\": \"report.html\"\n  }\n");
 }
 

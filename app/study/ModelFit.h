@@ -6,7 +6,7 @@
 #include <QList>
 #include <QString>
 
-class NgmMatrix;
+class NgmMultivariateStatistics;
 
 namespace orvenal {
 
@@ -32,8 +32,9 @@ struct ModelFit
 
 /// Fits the model of the job's request to experimental variograms: a linear model of
 /// coregionalization for several variables, whose matrices of sills are positive semi-definite.
-/// Variograms without pairs, and a variable that does not vary, are errors.
-ModelFit fitModel(const Job &job, const Variography &variography, const NgmMatrix &variances,
-                  const RunContext &context);
+/// Variograms without pairs, and a variable that does not vary or whose
+/// variance is out of the range of numbers, are errors.
+ModelFit fitModel(const Job &job, const Variography &variography,
+                  const NgmMultivariateStatistics &statistics, const RunContext &context);
 
 }  // namespace orvenal

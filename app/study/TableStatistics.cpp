@@ -52,6 +52,16 @@ NgdDataSetPoints makeDataSet(const Columns &columns)
   return data;
 }
 
+/// The library takes the correlation with a variable that does not vary for 0.
+double correlationOf(const NgmMultivariateStatistics &statistics, int i, int j)
+{
+  if (i == j)
+    return 1.;
+  const bool vary = statistics.getConstBivariateStats(i, j).getStandardDeviation() > 0. &&
+                    statistics.getConstBivariateStats(j, i).getStandardDeviation() > 0.;
+  return vary ? statistics.getRho(i, j) : NbbGlobal::D_FFFF;
+}
+
 }  // namespace
 
 TableStatistics computeTableStatistics(const JobTable &table, const QList<JobVariable> &variables,
@@ -71,7 +81,7 @@ TableStatistics computeTableStatistics(const JobTable &table, const QList<JobVar
                              quartiles[0], quartiles[1], quartiles[2]});
     result.correlations.emplace_back();
     for (int j = 0; j < n; ++j)
-      result.correlations.back().push_back(i == j ? 1. : statistics.getRho(i, j));
+      result.correlations.back().push_back(correlationOf(statistics, i, j));
   }
   return result;
 }

@@ -66,13 +66,18 @@ bool isMark(const ColumnTally &tally)
   return tally.minimum < absurd || (isCustomary && tally.second > 0.5 * tally.minimum);
 }
 
+bool hasDigits(const QString &text)
+{
+  static const QRegularExpression digit(QStringLiteral("\\d"));
+  return text.contains(digit);
+}
+
 /// A text among numbers that holds no digits ("n/a"), or is a number that no value can be.
 bool isMark(const QString &text)
 {
-  static const QRegularExpression digit(QStringLiteral("\\d"));
   bool isNumber = false;
   text.toDouble(&isNumber);
-  return isNumber || !text.contains(digit);
+  return isNumber || !hasDigits(text);
 }
 
 ColumnSummary summaryOf(const QString &name, const ColumnTally &tally)
@@ -99,13 +104,18 @@ ColumnSummary summaryOf(const QString &name, const ColumnTally &tally)
   return summary;
 }
 
-/// Whether all texts that were kept are numbers with a decimal comma.
+/// Whether all texts that were kept and hold digits are numbers with a decimal comma.
 bool hasDecimalCommas(const ColumnTally &tally)
 {
   static const QRegularExpression number(QStringLiteral("^[+-]?\\d*,\\d+(?:[eE][+-]?\\d+)?$"));
-  return !tally.texts.isEmpty() &&
-         std::all_of(tally.texts.begin(), tally.texts.end(),
-                     [](const QString &text) { return number.match(text).hasMatch(); });
+  int nNumbers = 0;
+  for (const QString &text : tally.texts) {
+    if (number.match(text).hasMatch())
+      ++nNumbers;
+    else if (hasDigits(text))
+      return false;
+  }
+  return nNumbers > 0;
 }
 
 void tallyRecord(const TableReader &reader, std::vector<ColumnTally> &tallies,
@@ -213,12 +223,17 @@ std::optional<NbgGeomGrid> findGrid(const std::vector<Place> &places, qint64 nDi
   return grid;
 }
 
+/// More are counted and not kept; there is memory for these.
+constexpr qint64 mostPlaces = 20000000;
+
 /// Box, coincidences, third axis and grid.
 void summarizePlaces(std::vector<Place> &places, bool isGuess, TableSummary &summary)
 {
-  summary.nPlaces = qint64(places.size());
-  if (places.empty())
+  if (places.empty() || summary.nPlaces > mostPlaces) {
+    summary.nDuplicates = places.empty() ? 0 : -1;
+    summary.coordinates.z = -1;
     return;
+  }
   constexpr qint64 leastAbove = 10;  // one of so many
   if (isGuess && summary.coordinates.z >= 0 &&
       sortPlaces(places).nAbove * leastAbove < summary.nPlaces)
@@ -228,15 +243,18 @@ void summarizePlaces(std::vector<Place> &places, bool isGuess, TableSummary &sum
       place[2] = 0.;
   }
   summary.nDuplicates = sortPlaces(places).nSame;
-  summary.lower = places.front();
-  summary.upper = places.front();
-  for (const Place &place : places) {
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-      summary.lower[axis] = std::min(summary.lower[axis], place[axis]);
-      summary.upper[axis] = std::max(summary.upper[axis], place[axis]);
-    }
-  }
   summary.grid = findGrid(places, summary.nPlaces - summary.nDuplicates);
+}
+
+void addPlace(const Place &place, std::vector<Place> &places, TableSummary &summary)
+{
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    const bool isFirst = summary.nPlaces == 0;
+    summary.lower[axis] = isFirst ? place[axis] : std::min(summary.lower[axis], place[axis]);
+    summary.upper[axis] = isFirst ? place[axis] : std::max(summary.upper[axis], place[axis]);
+  }
+  if (++summary.nPlaces <= mostPlaces)
+    places.push_back(place);
 }
 
 bool isNumeric(const TableSummary &summary, int column)
@@ -272,13 +290,15 @@ TableSummary summarize(TableReader &reader, const QStringList &axes, bool &hasCo
     tallyRecord(reader, tallies, numbers);
     const Place place = {number(guess.x), number(guess.y), number(guess.z)};
     if (guess.isComplete() && NbbGlobal::isDefined(place[0]) && NbbGlobal::isDefined(place[1]))
-      places.push_back(place);
+      addPlace(place, places, summary);
   }
   for (int i = 0; i < names.size(); ++i)
     summary.columns << summaryOf(names[i], tallies[std::size_t(i)]);
   hasCommas = std::any_of(tallies.begin(), tallies.end(), hasDecimalCommas);
-  if (!isNumeric(summary, guess.x) || !isNumeric(summary, guess.y))
+  if (!isNumeric(summary, guess.x) || !isNumeric(summary, guess.y)) {
+    summary.nPlaces = 0;
     return summary;
+  }
   if (!isNumeric(summary, guess.z) || summary.columns[guess.z].nUndefined > 0)
     guess.z = -1;
   summary.coordinates = guess;

@@ -154,14 +154,18 @@ TEST(BadData, NamesOfColumnsMayBeAnything)
        {QString("Zn (mg/kg)"), QString::fromUtf8("teneur en m\xC3\xA9tal"), QString("a\"b"),
         QString("it's"), QString("a,b"), QString("<b>&amp;"), QString(5000, 'x')}) {
     Study study;
-    study.set("variable.column", name).set("output.report", "r.html");
-    study.set("output.maps", json("{\"estimate\": \"e.svg\"}"));
+    study.set("variable.column", name);
+    const bool hasReport = name.size() > 100 || name.contains('<');
+    if (hasReport)
+      study.set("output.report", "r.html");
+
     const QString quoted = '"' + QString(name).replace("\"", "\"\"") + '"';
     const Outcome outcome = study.run(toCsv(samplesOf(30), "x,y," + quoted.toUtf8()));
     ASSERT_EQ(outcome.exitCode, 0) << outcome.errors.substr(0, 1000);
     EXPECT_EQ(study.estimates(), plain.estimates());
-    EXPECT_TRUE(QString::fromUtf8(study.file("r.html")).contains(name.toHtmlEscaped()) ||
-                name.size() > 100);
+    if (hasReport) {
+      EXPECT_TRUE(QString::fromUtf8(study.file("r.html")).contains(name.toHtmlEscaped()));
+    }
   }
 }
 
@@ -248,6 +252,14 @@ TEST(BadData, ValuesOfAnySize)
     for (std::size_t i = 0; i < expected.size(); ++i)
       EXPECT_NEAR(found[i] / factor, expected[i], 1e-9);
   }
+
+  // From 1e30 on the libraries take numbers, and so variances, for undefined.
+  std::vector<Point> huge = points;
+  for (Point &point : huge)
+    point.value *= 1e25;
+  const Outcome outcome = Study().fits().run(toCsv(huge));
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_THAT(outcome.errors, HasSubstr("the values of \"v\" are too large or too small"));
 }
 
 TEST(BadData, FilesThatAreNone)
@@ -302,7 +314,7 @@ TEST(BadData, TextThatIsNoTable)
     EXPECT_LT(outcome.errors.size(), 600u);
     return outcome.errors;
   };
-  EXPECT_THAT(errorsOf(QByteArray("x,y,v\n1,2,3\n1,2,4\0\n", 20)), HasSubstr("d.csv, line 3"));
+  EXPECT_THAT(errorsOf(QByteArray("x,y,v\n1,2,3\n1,2,4\0\n", 19)), HasSubstr("d.csv, line 3"));
   EXPECT_THAT(errorsOf(QByteArray(1 << 20, '\0')), HasSubstr("d.csv"));
   EXPECT_THAT(errorsOf("x,y,v\n1,2,3\n1,2," + QByteArray(10 << 20, '7') + '\n'),
               HasSubstr("d.csv, line 3: column 3"));

@@ -128,6 +128,24 @@ TEST(Conventions, KeepsDipAndPitch)
   EXPECT_TRUE(read(job).model.getStructure(0).getRotation().isEqual(Compass::frame(65., 40., 15.)));
 }
 
+TEST(Conventions, RefuseRangesThatAreNoLengths)
+{
+  const apptest::Folder folder;
+  const auto errorOf = [&](double range) {
+    MeuseJob job = withConventions("{\"ranges\": \"scale\"}");
+    job.set("model.structures.0.type", "Cardinal Sine").set("model.structures.0.range", range);
+    try {
+      readJob(job.writeTo(folder));
+    } catch (const UsageError &error) {
+      return error.getMessage().toStdString();
+    }
+    return std::string("no error");
+  };
+  EXPECT_THAT(errorOf(1e-300), HasSubstr("model.structures[0]: a practical range of 2.0371e-299"));
+  EXPECT_THAT(errorOf(9e29), HasSubstr("is too large"));
+  EXPECT_EQ(errorOf(1e-9), "no error");
+}
+
 TEST(Conventions, BelongToOneFile)
 {
   const apptest::Folder folder;

@@ -95,3 +95,25 @@ TEST(Guide, DoesWhatItSays)
   }
   EXPECT_GT(nCommands, 10);
 }
+
+TEST(Guide, HasNoBrokenLink)
+{
+  static const QRegularExpression link(QStringLiteral("\\]\\(([^)#:]+)(?:#[^)]*)?\\)"));
+  const QDir root(ORVENAL_EXAMPLES "/..");
+  QStringList pages = {"README.md", "CONTRIBUTING.md"};
+  for (const char *folder : {"docs", "examples"}) {
+    QDirIterator files(root.filePath(folder), {"*.md"}, QDir::Files, QDirIterator::Subdirectories);
+    while (files.hasNext())
+      pages << root.relativeFilePath(files.next());
+  }
+  int nLinks = 0;
+  for (const QString &page : pages) {
+    const QDir folder = QFileInfo(root.filePath(page)).dir();
+    const QString text = QString::fromUtf8(apptest::readFile(root.filePath(page)));
+    for (auto match = link.globalMatch(text); match.hasNext(); ++nLinks) {
+      const QString target = match.next().captured(1);
+      EXPECT_TRUE(folder.exists(target)) << qPrintable(page) << ": " << qPrintable(target);
+    }
+  }
+  EXPECT_GT(nLinks, 20);
+}

@@ -40,7 +40,8 @@ std::map<QStringList, std::vector<Lag>> readVariograms(const QString &path)
 MeuseJob meuseJob(const QStringList &columns)
 {
   MeuseJob job;
-  job.remove("model").remove("grid").remove("output.grid").remove("output.maps");
+  job.remove("model").remove("grid").remove("neighborhood");
+  job.remove("output.grid").remove("output.maps");
   job.set("variogram", json("{\"lag\": 100, \"lags\": 15}"));
   job.set("variable", json("{\"column\": \"zinc\", \"transform\": \"log\", \"name\": \"zinc\"}"));
   QJsonArray covariates;

@@ -80,6 +80,7 @@ TEST(Options, GoBeforeTheJob)
   job.remove("output.maps").set("output.grid", json("[\"k.csv\"]"));
   const QString path = job.writeTo(folder);
   const auto krige = [&](const QStringList &options) {
+    QFile::remove(folder.path("out/k.csv"));
     const Outcome outcome = runProgram(QStringList{"krige", path} + options, folder.path(""));
     EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
     return apptest::readFile(folder.path("out/k.csv"));
@@ -129,7 +130,7 @@ TEST(Options, FitAModelOnTheWay)
                  folder.path(""));
   EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
   EXPECT_THAT(outcome.output, HasSubstr("fitted   nugget 0.0"));
-  EXPECT_THAT(outcome.output, HasSubstr("Root mean squared standardized error     0.9"));
+  EXPECT_THAT(outcome.output, testing::ContainsRegex("squared standardized error +0\\.9"));
   EXPECT_EQ(folder.list(), QStringList());
 }
 

@@ -98,8 +98,8 @@ TEST(Orebody, IsFoundByKriging)
   ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
   EXPECT_THAT(outcome.output, HasSubstr("copper [%]"));
   EXPECT_EQ(folder.list("out"),
-            (QStringList{"out/blocks.csv", "out/deviation.png", "out/error_map.png",
-                         "out/errors.csv", "out/estimate.png", "out/report.html"}));
+            (QStringList{"out/blocks.csv", "out/deviation-sections.png", "out/error_map.png",
+                         "out/errors.csv", "out/report.html", "out/sections.png"}));
   const std::string report = apptest::readFile(folder.path("out/report.html")).toStdString();
   for (const char *caption : {"Estimate of copper [%], sections", "Map of the standardized errors",
                               "The samples, coloured by copper [%]", "Histogram of copper [%]"})
@@ -128,4 +128,36 @@ TEST(Orebody, IsFoundByKriging)
   for (const double error : errors)
     squares += error * error;
   EXPECT_NEAR(std::sqrt(squares / double(errors.size())), 1., 0.2);
+}
+
+// One variogram of all directions says the same of every axis.
+TEST(Orebody, IsTheSameAlongAllAxesOfAFitToAllDirections)
+{
+  const apptest::Folder folder;
+  const QStringList study = {"xvalid",      QString(folderOfExample) + "boreholes.csv",
+                             "--x",         "x",
+                             "--y",         "y",
+                             "--z",         "z",
+                             "--undefined", "perdu",
+                             "--variable",  "cuivre mesuré",
+                             "--radius",    "200",
+                             "--maximum",   "12"};
+  const apptest::Outcome fitted =
+      apptest::runProgram(study + QStringList{"--lag", "25", "--lags", "10", "--fit", "Spherical",
+                                              "--fitted-model", folder.path("model.json")});
+  ASSERT_EQ(fitted.exitCode, 0) << fitted.errors;
+  EXPECT_THAT(fitted.errors, testing::Not(HasSubstr("warning")));
+  const QJsonValue model =
+      QJsonDocument::fromJson(apptest::readFile(folder.path("model.json"))).object();
+  const double range =
+      valueAt(model, {"structures"}).toArray().first().toObject().value("range").toDouble();
+  EXPECT_GT(range, 20.);
+
+  const apptest::Outcome given =
+      apptest::runProgram(study + QStringList{"--model", folder.path("model.json")});
+  ASSERT_EQ(given.exitCode, 0) << given.errors;
+  const auto figures = [](const std::string &output) {
+    return output.substr(output.find("Estimated, with a value"));
+  };
+  EXPECT_EQ(figures(fitted.output).substr(0, 250), figures(given.output).substr(0, 250));
 }

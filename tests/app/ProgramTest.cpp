@@ -585,6 +585,7 @@ TEST(Program, WritesAReportThatNeedsNothingElse)
   job.set("title", "Zinc <in> the \"Meuse\" & more");
   job.remove("model.structures.0.range").set("model.structures.0.ranges", json("[1200, 480]"));
   job.set("model.structures.0.azimuth", 30);
+  job.set("output.data", json("{\"map\": \"samples.png\", \"histogram\": \"histogram.png\"}"));
   ASSERT_EQ(runJob(job, folder).exitCode, 0);
   const QString html = QString::fromUtf8(apptest::readFile(folder.path("out/report.html")));
 
@@ -592,8 +593,10 @@ TEST(Program, WritesAReportThatNeedsNothingElse)
   QList<QByteArray> pictures;
   for (auto match = image.globalMatch(html); match.hasNext();)
     pictures << QByteArray::fromBase64(match.next().captured(1).toLatin1());
-  EXPECT_EQ(pictures, (QList<QByteArray>{apptest::readFile(folder.path("out/estimate.png")),
-                                         apptest::readFile(folder.path("out/deviation.png"))}));
+  QList<QByteArray> written;
+  for (const char *name : {"estimate", "deviation", "samples", "histogram"})
+    written << apptest::readFile(folder.path(QString("out/%1.png").arg(name)));
+  EXPECT_EQ(pictures, written);
 
   QString rest = html;
   rest.remove(image);

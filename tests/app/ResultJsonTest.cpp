@@ -83,7 +83,7 @@ TEST(ResultJson, IsAloneOnTheStandardOutput)
   EXPECT_EQ(numberAt(found, "data.undefined"), 1.);
   EXPECT_EQ(numberAt(found, "data.duplicates"), 1.);
   EXPECT_EQ(found.value("warnings").toArray().size(), 1);
-  EXPECT_THAT(outcome.errors, testing::HasSubstr("warning: 1 samples lie at the place"));
+  EXPECT_THAT(outcome.errors, testing::HasSubstr("lies at the place"));
   EXPECT_FALSE(found.contains("kriging"));
 
   const Outcome failed =
@@ -100,7 +100,6 @@ TEST(ResultJson, HasNullForWhatIsUndefined)
   ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
   const QJsonObject found = parse(outcome.output);
   ASSERT_EQ(found.value("variables").toArray().size(), 2);
-  EXPECT_TRUE(found.value("variables").toArray()[0].toObject().value("skewness").isNull());
   EXPECT_TRUE(found.value("correlations").toArray()[0].toArray()[1].isNull());
   EXPECT_EQ(found.value("variables").toArray()[1].toObject().value("median").toDouble(), 5.5);
 }

@@ -159,7 +159,8 @@ void NgmAKrigingSystem::_buildLHS(const NgmVModel &model, const NgmKrigingSample
 {
   _checkSamples(samples);
   NgmMatrix &lhs = _getLHSMatrix();
-  model.calcAllCovas(samples.n, samples.x, samples.y, samples.z, lhs, cache);
+  const auto part = _needsUpperOnly() ? NgmVModel::MatrixPart::Upper : NgmVModel::MatrixPart::Full;
+  model.calcAllCovas(samples.n, samples.x, samples.y, samples.z, lhs, cache, part);
   _findInvalidData(samples);
   if (_blockCorrected)
     _correctForBlocks(lhs);
@@ -271,13 +272,15 @@ void NgmAKrigingSystem::_setUniversalityRows(NgmMatrix &lhs) const
 {
   const qint64 order = lhs.getNRows();
   const int first = _getNDataEquations();
+  const bool mirrored = !_needsUpperOnly();
   double *a = lhs.elements();
   for (int u = 0; u < _nUniversality; ++u) {
     const qint64 row = first + u;
     for (int equation = 0; equation < first; ++equation) {
       const double one = _rescaled || equation % _nVariables == u ? 1. : 0.;
       a[equation + row * order] = one;
-      a[row + equation * order] = one;
+      if (mirrored)
+        a[row + equation * order] = one;
     }
   }
 }

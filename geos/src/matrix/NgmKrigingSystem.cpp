@@ -29,6 +29,9 @@ bool NgmKrigingSystem::isReady() const
 
 const NgmMatrix &NgmKrigingSystem::getLHSMatrix() const
 {
+  if (!_lowerIsFilled)
+    _system.getLHS().makeSymmetrical();
+  _lowerIsFilled = true;
   return _system.getLHS();
 }
 
@@ -44,6 +47,7 @@ const NgmMatrix &NgmKrigingSystem::getWeightsMatrix() const
 
 NgmMatrix &NgmKrigingSystem::_getLHSMatrix()
 {
+  _lowerIsFilled = false;
   return _system.getLHS();
 }
 
@@ -58,6 +62,7 @@ void NgmKrigingSystem::resetSystem(int nSamples, const NbgVector3D &point)
   setReferencePoint(point);
   _weightsReady = false;
   _system.resize(getNEquations(), getNVariables());
+  _lowerIsFilled = true;
 }
 
 // Point targets.
@@ -242,6 +247,7 @@ int NgmKrigingSystem::solve()
 
 QString NgmKrigingSystem::debug(int level) const
 {
+  getLHSMatrix();
   return QStringLiteral("Kriging system (moving)\n") + NgmAKrigingSystem::debug(level) +
          _system.debug(level);
 }

@@ -255,6 +255,29 @@ TEST(NgmKrigingSystem, ReusesItsMemoryAndGivesTheSameBitsAgain)
   EXPECT_EQ(system.getWeightsMatrix().constElements(), stores[2]);
 }
 
+TEST(NgmKrigingSystem, BothTrianglesAreThereWheneverAskedFor)
+{
+  const NgmVModel model = meuseModel();
+  Samples samples = randomSamples(61, 6);
+  Samples others = randomSamples(62, 6);
+  others.values(0)[2] = UNDEFINED;
+  NgmKrigingSystem system;
+  system.resetSystem(6, NbgVector3D());
+  EXPECT_TRUE(system.getLHSMatrix().isNull(0.));
+  // Built, read, built again on the same memory.
+  for (Samples *some : {&samples, &others, &samples}) {
+    system.resetSystem(6, NbgVector3D());
+    system.buildSystemLHS(model, *some, nullptr);
+    const NgmMatrix lhs(system.getLHSMatrix());
+    EXPECT_TRUE(lhs.isSymmetrical(0.));
+    EXPECT_EQ(lhs(6, 0), 1.);
+    const NbgVector3D h(some->x()[4] - some->x()[1], some->y()[4] - some->y()[1]);
+    EXPECT_NEAR(lhs(4, 1), model.calcCovaIJ(0, 0, h), 1e-15);
+    system.buildSystemLHS(model, samples, nullptr);
+    EXPECT_TRUE(system.getLHSMatrix().isSymmetrical(0.));
+  }
+}
+
 TEST(NgmKrigingSystem, VariablesAndArraysGiveTheSame)
 {
   Samples samples = randomSamples(85, 10);

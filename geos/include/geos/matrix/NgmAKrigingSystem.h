@@ -185,6 +185,9 @@ protected:
   /// The matrices hold the valid equations only.
   virtual bool _isCompressed() const { return false; }
 
+  /// The strict lower triangle of _getLHSMatrix() need not be filled.
+  virtual bool _needsUpperOnly() const { return false; }
+
   virtual NgmMatrix &_getLHSMatrix() = 0;
   virtual NgmMatrix &_getRHSMatrix() = 0;
 

@@ -107,6 +107,7 @@ public:
   int solve();
 
 protected:
+  bool _needsUpperOnly() const override { return true; }
   NgmMatrix &_getLHSMatrix() override;
   NgmMatrix &_getRHSMatrix() override;
 
@@ -118,6 +119,9 @@ private:
   void _addMistieOfPair(int s, int t, const NgmMatrix &correction);
   void _invalidateEquations();
 
-  NgmLinearSystem _system;
+  /// Solving needs the upper triangle; the lower one of the left-hand side is filled when it is
+  /// asked for.
+  mutable NgmLinearSystem _system;
+  mutable bool _lowerIsFilled = true;
   bool _weightsReady;
 };
