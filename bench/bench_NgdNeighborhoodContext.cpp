@@ -3,6 +3,8 @@
 
 #include "BenchPoints.h"
 #include "basic/provider/NbpMemoryProviderPointsW.h"
+#include "data/private/NgdKdTree.h"
+#include "data/private/NgdNearestSet.h"
 #include "geos/data/NgdDataSetPoints.h"
 #include "geos/data/NgdNeighborhoodContext.h"
 #include "geos/data/NgdNeighborhoodMoving.h"
@@ -197,6 +199,59 @@ void buildIndex(benchmark::State &state)
 }
 
 template <int nDim>
+using BareTree =
+    nanoflann::KDTreeSingleIndexAdaptor<nanoflann::L2_Simple_Adaptor<double, Cloud<nDim>>,
+                                        Cloud<nDim>, nDim, unsigned>;
+
+/// Sum of the squared distances from targets to the last one of their nearest.
+template <int nDim>
+double sumOfLast(const BareTree<nDim> &tree, const std::vector<NbgVector3D> &locations, int wanted)
+{
+  std::vector<unsigned> ranks(wanted);
+  std::vector<double> squared(wanted);
+  double sum = 0.;
+  for (const NbgVector3D &location : locations) {
+    tree.knnSearch(location.getData(), wanted, ranks.data(), squared.data());
+    sum += squared.back();
+  }
+  return sum;
+}
+
+template <int nDim>
+double sumOfLast(const NgdKdTree<nDim> &tree, const std::vector<NbgVector3D> &locations, int wanted)
+{
+  const NgdWidening widening(1e-12);
+  std::vector<double> memory;
+  double sum = 0.;
+  for (const NbgVector3D &location : locations) {
+    NgdNearestSet set(wanted, 1e10, nullptr, tree.order(), widening, memory);
+    tree.search(location.getData(), set);
+    sum += tree.squaredDistance(location.getData(), set.position(wanted - 1));
+  }
+  return sum;
+}
+
+/// The tree alone, or bare nanoflann.
+template <int nDim, bool isBare>
+void tree(benchmark::State &state)
+{
+  const Cloud<nDim> cloud(loaded(int(state.range(0)), nDim));
+  const std::vector<NbgVector3D> locations = targets(nDim == 3 ? 40 : 250, nDim);
+  const int wanted = int(state.range(1));
+  const NgdKdTree<nDim> ours(cloud.coordinates);
+  BareTree<nDim> bare(nDim, cloud, {10});
+  bare.buildIndex();
+  double sum = 0.;
+  for (auto _ : state)
+    sum = isBare ? sumOfLast<nDim>(bare, locations, wanted)
+                 : sumOfLast<nDim>(ours, locations, wanted);
+  // Distances that differ by less than a millionth may change places.
+  if (!(std::abs(sum / sumOfLast<nDim>(bare, locations, wanted) - 1.) < 1e-6))
+    state.SkipWithError("wrong distances");
+  state.SetItemsProcessed(state.iterations() * qint64(locations.size()));
+}
+
+template <int nDim>
 void buildBare(benchmark::State &state)
 {
   const NbdDataPoints data = loaded(int(state.range(0)), nDim);
@@ -225,6 +280,14 @@ BENCHMARK(sectors)
     ->Args({10000, 2000})
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(flat)->Args({500000, 0})->Args({500000, 1})->Unit(benchmark::kMillisecond);
+void addQueries2D(benchmark::internal::Benchmark *benchmark)
+{
+  benchmark->Args({10000, 17})->Args({10000, 33})->Args({1000000, 17});
+}
+BENCHMARK_TEMPLATE(tree, 2, true)->Apply(addQueries2D)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(tree, 2, false)->Apply(addQueries2D)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(tree, 3, true)->Args({500000, 31})->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(tree, 3, false)->Args({500000, 31})->Unit(benchmark::kMillisecond);
 BENCHMARK(buildIndex)
     ->Args({10000, 2})
     ->Args({1000000, 2})

@@ -1,5 +1,6 @@
 #include "app/commands/ConvertCommand.h"
 
+#include "app/commands/CommandParser.h"
 #include "app/console/Console.h"
 #include "app/io/ModelFile.h"
 #include "app/io/OutputFiles.h"
@@ -17,28 +18,13 @@ namespace orvenal {
 
 namespace {
 
-QString see()
+CommandOption option(const char *name, const char *value, const QString &help)
 {
-  return QObject::tr("\nSee: orvenal help convert");
-}
-
-void parse(QCommandLineParser &parser, const QStringList &arguments)
-{
-  const QString name = QStringLiteral("NAME");
-  parser.addOptions({{QStringLiteral("x"), QString(), name},
-                     {QStringLiteral("y"), QString(), name},
-                     {QStringLiteral("z"), QString(), name},
-                     {QStringLiteral("columns"), QString(), name},
-                     {QStringLiteral("layer"), QString(), name},
-                     {QStringLiteral("crs"), QString(), name},
-                     {QStringLiteral("separator"), QString(), name},
-                     {QStringLiteral("decimal"), QString(), name},
-                     {QStringLiteral("undefined"), QString(), name},
-                     {QStringLiteral("overwrite"), QString()},
-                     {{QStringLiteral("q"), QStringLiteral("quiet")}, QString()},
-                     {{QStringLiteral("h"), QStringLiteral("help")}, QString()}});
-  if (!parser.parse(QStringList(QStringLiteral("orvenal")) + arguments))
-    throw UsageError(parser.errorText() + see());
+  CommandOption option;
+  option.name = QLatin1String(name);
+  option.value = QLatin1String(value);
+  option.help = help;
+  return option;
 }
 
 char readSeparator(const QCommandLineParser &parser)
@@ -99,7 +85,9 @@ ConversionRequest readRequest(const QCommandLineParser &parser)
   ConversionRequest request;
   const QStringList files = parser.positionalArguments();
   if (files.size() != 2)
-    throw UsageError(QObject::tr("expected two files: what to convert, and what to write") + see());
+    throw UsageError(
+        QObject::tr("expected two files: what to convert, and what to write\nSee: "
+                    "orvenal help convert"));
   request.input = files[0];
   request.output = files[1];
   if (!QFileInfo::exists(request.input))
@@ -112,7 +100,7 @@ ConversionRequest readRequest(const QCommandLineParser &parser)
   request.format = readFormat(parser);
   request.axes = readAxes(parser);
   if (parser.isSet(QStringLiteral("columns")))
-    request.columns = parser.value(QStringLiteral("columns")).split(',', QString::SkipEmptyParts);
+    request.columns = parser.value(QStringLiteral("columns")).split(',', Qt::SkipEmptyParts);
   request.crs = parser.value(QStringLiteral("crs"));
   QString reason;
   if (!request.crs.isEmpty() && !SpatialReference::parse(request.crs, reason).isValid())
@@ -135,39 +123,69 @@ QString ConvertCommand::getSummary() const
   return QObject::tr("write a table, a grid or a model in another format");
 }
 
-QString ConvertCommand::getHelp() const
+QString ConvertCommand::getArguments() const
+{
+  return QObject::tr("[OPTIONS] INPUT OUTPUT");
+}
+
+QString ConvertCommand::getDescription() const
 {
   return QObject::tr(
-      "usage: orvenal convert [OPTIONS] INPUT OUTPUT\n\n"
-      "Writes a table of points, a grid or a variogram model in the format that the\n"
-      "ending of OUTPUT names. INPUT is whatever the program reads: CSV, GEO-EAS,\n"
-      "what GDAL reads, netCDF.\n\n"
-      "  .csv            points, numbers with all their digits, and texts\n"
-      "  .dat            points as GEO-EAS, numbers only; the title names the mark of\n"
-      "                  undefined values\n"
-      "  .gpkg           points as GeoPackage\n"
-      "  .gslib          a grid in the order of GSLIB, in the layout of GEO-EAS\n"
-      "  .tif            a grid of two dimensions as GeoTIFF, a band per column\n"
-      "  .nc             a grid as netCDF (CF-1.8)\n"
-      "  .json, .bin     a variogram model, to be read and in binary form\n\n"
-      "Grids are made of points that lie on the nodes of one.\n\n"
-      "  --x NAME, --y NAME, --z NAME\n"
-      "                    columns of the coordinates (default: by their names)\n"
-      "  --columns A,B     columns to be kept besides them (default: all)\n"
-      "  --layer NAME      the layer of a file that has several\n"
-      "  --crs CRS         coordinate reference system (default: that of INPUT)\n"
-      "  --separator C     of a text table: \",\", \";\", tab or blank (default: found out)\n"
-      "  --decimal C       its decimal mark, \".\" or \",\" (default: found out)\n"
-      "  --undefined A,B   texts for undefined values (default: an empty field and NA)\n"
-      "  --overwrite       replace OUTPUT if it exists\n"
-      "  -q, --quiet       print nothing but errors\n"
-      "  -h, --help        show this text");
+      "Writes a table of points, a grid or a variogram model in the format that the ending of "
+      "OUTPUT names. INPUT is whatever the program reads: CSV, GEO-EAS, netCDF, what GDAL "
+      "reads.\n\n"
+      "Points: .csv, numbers with all their digits, and texts; .gpkg, a GeoPackage; .dat, GEO-EAS, "
+      "numbers only, its title names the mark of undefined values.\n\n"
+      "Grids, made of points that lie on the nodes of one: .nc, netCDF (CF-1.8); .tif, GeoTIFF, a "
+      "band per column, two dimensions; .gslib, every node in the order of GSLIB, in the layout of "
+      "GEO-EAS.\n\n"
+      "Models: .json, to be read, and .bin, the binary form.");
+}
+
+CommandOptions ConvertCommand::getOptions() const
+{
+  CommandOption x = option("x", "NAME", QObject::tr("column of the first coordinate"));
+  x.fallback = QObject::tr("by its name");
+  CommandOption columns = option("columns", "A,B", QObject::tr("columns to be kept besides them"));
+  columns.fallback = QObject::tr("all");
+  CommandOption crs = option("crs", "CRS", QObject::tr("coordinate reference system"));
+  crs.fallback = QObject::tr("that of INPUT");
+  CommandOption separator =
+      option("separator", "C", QObject::tr("of a text table: \",\", \";\", tab or blank"));
+  separator.fallback = QObject::tr("found out");
+  CommandOption decimal = option("decimal", "C", QObject::tr("its decimal mark, \".\" or \",\""));
+  decimal.fallback = QObject::tr("found out");
+  CommandOption undefined =
+      option("undefined", "A,B", QObject::tr("texts that stand for undefined values"));
+  undefined.fallback = QObject::tr("an empty field and NA");
+  CommandOption quiet = option("quiet", "", QObject::tr("print nothing but errors"));
+  quiet.letter = QStringLiteral("q");
+  return {x,
+          option("y", "NAME", QObject::tr("column of the second one")),
+          option("z", "NAME", QObject::tr("column of the third one")),
+          columns,
+          option("layer", "NAME", QObject::tr("the layer of a file that has several")),
+          crs,
+          separator,
+          decimal,
+          undefined,
+          option("overwrite", "", QObject::tr("replace OUTPUT if it exists")),
+          quiet,
+          helpOption()};
+}
+
+QList<QStringList> ConvertCommand::getExamples() const
+{
+  return {{QStringLiteral("orvenal convert --crs EPSG:28992 meuse.csv meuse.gpkg"),
+           QObject::tr("samples for a map program")},
+          {QStringLiteral("orvenal convert --columns dist,soil meuse_grid.csv meuse_grid.nc"),
+           QObject::tr("a grid as netCDF")}};
 }
 
 void ConvertCommand::run(const QStringList &arguments, Console &console) const
 {
   QCommandLineParser parser;
-  parse(parser, arguments);
+  parseArguments(*this, arguments, parser);
   if (parser.isSet(QStringLiteral("help"))) {
     console.answer(getHelp());
     return;

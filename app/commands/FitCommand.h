@@ -1,19 +1,23 @@
 #pragma once
 
-#include "app/commands/JobCommand.h"
+#include "app/commands/StudyCommand.h"
 
 namespace orvenal {
 
-/// Fits the model of a job to its experimental variograms, and nothing else.
-class FitCommand : public JobCommand
+/// Fits a model to experimental variograms, and nothing else.
+class FitCommand : public StudyCommand
 {
 public:
   QString getName() const override { return QStringLiteral("fit"); }
   QString getSummary() const override;
+  QString getDescription() const override;
+  QList<QStringList> getExamples() const override;
 
 protected:
-  QString _getDescription() const override;
-  void _run(const Job &job, Console &console) const override;
+  QList<JobOption::Group> _getGroups() const override;
+  QStringList _getOutputs() const override;
+  void _complete(JobDraft &draft) const override;
+  Steps _getSteps(const Job &job) const override;
 };
 
 }  // namespace orvenal

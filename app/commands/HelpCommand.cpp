@@ -1,6 +1,8 @@
 #include "app/commands/HelpCommand.h"
 
+#include "app/commands/CommandParser.h"
 #include "app/commands/HelpTopics.h"
+#include "app/commands/ManPage.h"
 #include "app/commands/Program.h"
 #include "app/console/Console.h"
 #include "app/io/UsageError.h"
@@ -14,24 +16,62 @@ QString HelpCommand::getSummary() const
   return QObject::tr("show this list, or the help of a command or a topic");
 }
 
-QString HelpCommand::getHelp() const
+QString HelpCommand::getArguments() const
 {
-  QString text = QObject::tr("usage: orvenal help [--markdown] [COMMAND | TOPIC]\n\nTopics:\n");
+  return QObject::tr("[COMMAND | TOPIC]");
+}
+
+QString HelpCommand::getDescription() const
+{
+  QString text = QObject::tr("Lists the commands, says what one of them does, or explains:");
   for (const HelpTopic &topic : helpTopics())
-    text += QStringLiteral("  %1  %2\n").arg(topic.name.leftJustified(11), topic.summary);
-  return text +
-         QObject::tr("\n  --markdown        print a topic as it stands in the documentation");
+    text += QStringLiteral("\n\n%1 - %2").arg(topic.name, topic.summary);
+  return text;
+}
+
+CommandOptions HelpCommand::getOptions() const
+{
+  CommandOption man;
+  man.name = QStringLiteral("man");
+  man.help = QObject::tr("print the man page instead, in the language of man");
+  CommandOption markdown;
+  markdown.name = QStringLiteral("markdown");
+  markdown.help = QObject::tr("print a topic as it stands in the documentation");
+  return {markdown, man, helpOption()};
+}
+
+QList<QStringList> HelpCommand::getExamples() const
+{
+  return {{QStringLiteral("orvenal help krige"), QObject::tr("the options of kriging")},
+          {QStringLiteral("orvenal help job.kriging"), QObject::tr("a part of the job")}};
+}
+
+QStringList HelpCommand::getWords() const
+{
+  QStringList words;
+  for (const std::unique_ptr<Command> &command : _program.getCommands())
+    words << command->getName();
+  for (const HelpTopic &topic : helpTopics())
+    words << topic.name;
+  return words;
 }
 
 void HelpCommand::run(const QStringList &arguments, Console &console) const
 {
-  QStringList names = arguments;
-  const bool isMarkdown = names.removeAll(QStringLiteral("--markdown")) > 0;
-  if (names.size() > 1 || (isMarkdown && (names.isEmpty() || !isHelpTopic(names.first()))))
-    throw UsageError(getHelp());
-  if (names.isEmpty())
+  QCommandLineParser parser;
+  parseArguments(*this, arguments, parser);
+  const QStringList names = parser.positionalArguments();
+  const bool isTopic = names.size() == 1 && isHelpTopic(names.first());
+  const bool isMarkdown = parser.isSet(QStringLiteral("markdown"));
+  if (names.size() > 1 || (isMarkdown && !isTopic))
+    failUsage(*this, QObject::tr("one command or topic at a time"));
+  if (parser.isSet(QStringLiteral("man")))
+    console.answer(manPage(_program));
+  else if (parser.isSet(QStringLiteral("help")))
+    console.answer(getHelp());
+  else if (names.isEmpty())
     console.answer(_program.getHelp());
-  else if (!isHelpTopic(names.first()))
+  else if (!isTopic)
     console.answer(_program.getCommand(names.first()).getHelp());
   else
     console.answer(isMarkdown ? helpMarkdown(names.first()) : helpText(names.first()));

@@ -6,7 +6,7 @@ namespace orvenal {
 
 class Program;
 
-/// Prints the list of commands, or the help of one or of a topic.
+/// Prints the list of commands, the help of one or of a topic, or the man page.
 class HelpCommand : public Command
 {
 public:
@@ -14,7 +14,11 @@ public:
 
   QString getName() const override { return QStringLiteral("help"); }
   QString getSummary() const override;
-  QString getHelp() const override;
+  QString getArguments() const override;
+  QString getDescription() const override;
+  CommandOptions getOptions() const override;
+  QList<QStringList> getExamples() const override;
+  QStringList getWords() const override;
   void run(const QStringList &arguments, Console &console) const override;
 
 private:

@@ -50,6 +50,16 @@ QString chapterOf(const QString &topic)
   throw UsageError(QObject::tr("there is no topic \"%1\"").arg(topic));
 }
 
+QString resultsName()
+{
+  return QStringLiteral("results");
+}
+
+QString resultsPage()
+{
+  return QString::fromUtf8(readDocument(QStringLiteral("results.md"))).trimmed();
+}
+
 QString schemaText()
 {
   return QString::fromUtf8(JobSchema::get().getText()).trimmed();
@@ -63,6 +73,7 @@ QList<HelpTopic> helpTopics()
           {QStringLiteral("conventions"), QObject::tr("angles, axes and ranges")},
           {QStringLiteral("formats"), QObject::tr("files that are read and written")},
           {schemaName(), QObject::tr("the JSON schema of jobs, for editors")},
+          {resultsName(), QObject::tr("what --json prints")},
           {QStringLiteral("exit-codes"), QObject::tr("what the program returns")}};
 }
 
@@ -79,6 +90,8 @@ QString helpText(const QString &topic)
 {
   if (topic == schemaName())
     return schemaText();
+  if (topic == resultsName())
+    return TextLayout::page(resultsPage());
   if (topic == jobName()) {
     const QString page = jobPage();
     const QString before = page.section(QStringLiteral("\n### "), 0, 0);
@@ -94,6 +107,8 @@ QString helpMarkdown(const QString &topic)
 {
   if (topic == schemaName())
     return schemaText();
+  if (topic == resultsName())
+    return resultsPage();
   if (topic == jobName())
     return jobPage().trimmed();
   if (topic.startsWith(jobName() + '.'))

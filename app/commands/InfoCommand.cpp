@@ -1,5 +1,6 @@
 #include "app/commands/InfoCommand.h"
 
+#include "app/commands/CommandParser.h"
 #include "app/console/Console.h"
 #include "app/io/JobObject.h"
 #include "app/io/JobReader.h"
@@ -11,7 +12,6 @@
 #include "app/study/TableSummary.h"
 #include "geos/vmodel/NgmVModel.h"
 
-#include <QCommandLineParser>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
@@ -99,28 +99,43 @@ QString InfoCommand::getSummary() const
   return QObject::tr("say what is in a file: a table, a model or a job");
 }
 
-QString InfoCommand::getHelp() const
+QString InfoCommand::getArguments() const
+{
+  return QObject::tr("[OPTIONS] FILE");
+}
+
+QString InfoCommand::getDescription() const
 {
   return QObject::tr(
-      "usage: orvenal info [OPTIONS] FILE\n\n"
-      "Says what is in a file. Of a table (CSV, GEO-EAS, GeoPackage, Shapefile, GeoTIFF\n"
-      "and what else GDAL reads): format, layers, coordinate reference system, records,\n"
-      "columns with their types and values, the extent of the coordinates, duplicated\n"
-      "places, and the grid on whose nodes the points lie, if there is one. Of a\n"
-      "variogram model: its structures. Of a job: its parts.\n\n"
-      "      --layer NAME  the layer of a file that has several\n"
-      "      --json        answer in JSON\n"
-      "  -h, --help        show this text");
+      "Says what is in a file. Of a table (CSV, GEO-EAS, GeoPackage, Shapefile, GeoTIFF and what "
+      "else GDAL reads): format, layers, coordinate reference system, records, columns with their "
+      "types and values, the extent of the coordinates, duplicated places, and the grid on whose "
+      "nodes the points lie, if there is one. Of a variogram model: its structures. Of a job: its "
+      "parts.");
+}
+
+CommandOptions InfoCommand::getOptions() const
+{
+  CommandOption layer;
+  layer.name = QStringLiteral("layer");
+  layer.value = QStringLiteral("NAME");
+  layer.help = QObject::tr("the layer of a file that has several");
+  CommandOption json;
+  json.name = QStringLiteral("json");
+  json.help = QObject::tr("answer in JSON");
+  return {layer, json, helpOption()};
+}
+
+QList<QStringList> InfoCommand::getExamples() const
+{
+  return {{QStringLiteral("orvenal info meuse.csv"), QObject::tr("the columns of a table")},
+          {QStringLiteral("orvenal info job.json"), QObject::tr("the parts of a job")}};
 }
 
 void InfoCommand::run(const QStringList &arguments, Console &console) const
 {
   QCommandLineParser parser;
-  parser.addOptions({{QStringLiteral("layer"), QString(), QStringLiteral("NAME")},
-                     {QStringLiteral("json"), QString()},
-                     {{QStringLiteral("h"), QStringLiteral("help")}, QString()}});
-  if (!parser.parse(QStringList(QStringLiteral("orvenal")) + arguments))
-    throw UsageError(parser.errorText() + QObject::tr("\nSee: orvenal help info"));
+  parseArguments(*this, arguments, parser);
   if (parser.isSet(QStringLiteral("help"))) {
     console.answer(getHelp());
     return;

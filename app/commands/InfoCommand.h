@@ -9,8 +9,12 @@ class InfoCommand : public Command
 {
 public:
   QString getName() const override { return QStringLiteral("info"); }
+  Group getGroup() const override { return FILE; }
   QString getSummary() const override;
-  QString getHelp() const override;
+  QString getArguments() const override;
+  QString getDescription() const override;
+  CommandOptions getOptions() const override;
+  QList<QStringList> getExamples() const override;
   void run(const QStringList &arguments, Console &console) const override;
 };
 

@@ -16,15 +16,19 @@
 #include "app/plot/VariogramMapPicture.h"
 #include "app/plot/VariogramPicture.h"
 #include "app/report/Describe.h"
+#include "app/report/ResultJson.h"
 #include "app/report/ResultTable.h"
 #include "app/report/StudyReport.h"
+#include "app/study/DataChecks.h"
 #include "app/study/References.h"
 #include "app/study/Statistics.h"
 #include "app/study/VariogramMap.h"
+#include "basic/error/NbeUserError.h"
 #include "basic/provider/NbpMemoryProviderPointsW.h"
 #include "geos/data/NgdDataSetPoints.h"
 
 #include <QDir>
+#include <QJsonDocument>
 #include <QObject>
 
 namespace orvenal {
@@ -57,7 +61,7 @@ StudyRun::StudyRun(const Job &job, const Steps &steps, Console &console)
     : _steps(steps),
       _console(console),
       _files(job.output.overwrite ? OutputFiles::REPLACE : OutputFiles::REFUSE),
-      _context{console, job.threads, job.memory, [this] { _abandon(); }}
+      _context{console, job.threads, job.memory}
 {
   _result.job = job;
   _result.job.keepOutputsOf(steps);
@@ -74,6 +78,7 @@ void StudyRun::run()
     _computeVariograms();
   if (_isToDo(Step::FIT))
     _fitModel();
+  _checkDuplicates();
   if (_isToDo(Step::CROSS_VALIDATION))
     _crossValidate();
   if (_isToDo(Step::KRIGING))
@@ -92,12 +97,6 @@ void StudyRun::run()
   _writeFiles();
 }
 
-void StudyRun::_abandon()
-{
-  _files.discard();
-  _console.error(QObject::tr("interrupted; nothing was written"));
-}
-
 void StudyRun::_reserveOutputs()
 {
   _files.reserve(_result.job.output.getFiles());
@@ -113,6 +112,8 @@ void StudyRun::_readData()
   _console.print(
       QObject::tr("  samples  %1 of %2 in %3")
           .arg(Progress::grouped(_result.samples.getCount()), job.variable.name, job.data.shown));
+  if (_result.samples.nMerged > 0)
+    _console.print(QObject::tr("  merged   %1").arg(describeDuplicates(job, _result.samples)));
   if (_isToDo(Step::KRIGING)) {
     _gridInput.selected = readMask(job, _result.nMaskOutside);
     _gridInput.values = readGridValues(job);
@@ -299,6 +300,8 @@ void StudyRun::_writeFiles()
   _result.warnings = _console.getWarnings();
   if (!output.report.isEmpty())
     _files.write(output.report, studyReport(_result));
+  if (!output.results.isEmpty())
+    _files.write(output.results, QJsonDocument(resultToJson(_result)).toJson());
   Interruption::check();
   _files.commit();
   for (const QString &file : output.getFiles())
@@ -312,10 +315,12 @@ void StudyRun::_warnOfData()
   if (samples.nUndefined > 0)
     _console.report(QObject::tr("  %1 of the samples have no value")
                         .arg(Progress::grouped(samples.nUndefined)));
-  if (samples.nDuplicates > 0)
-    _console.warn(QObject::tr("%1 samples lie at the place of another one; without a nugget their "
-                              "systems cannot be solved")
-                      .arg(Progress::grouped(samples.nDuplicates)));
+  if (const QString note = DataChecks::looksLikeDegrees(job, samples); !note.isEmpty())
+    _console.report(QObject::tr("  note: ") + note);
+  if (_isToDo(Step::KRIGING)) {
+    if (const QString miss = DataChecks::gridMissesSamples(job, samples); !miss.isEmpty())
+      _console.warn(miss);
+  }
   if (_result.nMaskOutside > 0)
     _console.warn(QObject::tr("%1 points of %2 are outside the grid")
                       .arg(Progress::grouped(_result.nMaskOutside), job.mask->shown));
@@ -324,6 +329,34 @@ void StudyRun::_warnOfData()
     _console.warn(
         QObject::tr("the coordinates are degrees: a degree of longitude is shorter than "
                     "one of latitude, and distances are measured as if they were equal"));
+}
+
+/// Samples at one place have equal rows in the systems of kriging, unless something tells them
+/// apart.
+void StudyRun::_checkDuplicates()
+{
+  const Job &job = _result.job;
+  const Samples &samples = _result.samples;
+  if (samples.nDuplicates == 0 || samples.nMerged > 0)
+    return;
+  const QString found = textDuplicates(samples);
+  const bool isKriged = _isToDo(Step::KRIGING) || _isToDo(Step::CROSS_VALIDATION);
+  if (!isKriged) {
+    _console.warn(found);
+  } else if (areDuplicatesDistinct(job, samples)) {
+    _console.warn(QObject::tr("%1; all are used, as the nugget effect or measurement errors tell "
+                              "them apart")
+                      .arg(found));
+  } else if (!job.neighborhood && _isToDo(Step::KRIGING)) {
+    throw NbeUserError(QObject::tr("%1, which no system of a unique neighborhood can have without "
+                                   "a nugget effect; choose \"first\" or \"average\" for "
+                                   "data.duplicates, or give a nugget")
+                           .arg(found));
+  } else {
+    _console.warn(QObject::tr("%1; without a nugget effect no system with two of a place can be "
+                              "solved, and what it is for stays undefined (see data.duplicates)")
+                      .arg(found));
+  }
 }
 
 void StudyRun::_warnOfOutcome()

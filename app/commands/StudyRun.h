@@ -20,8 +20,10 @@ public:
 
   void run();
 
+  /// What it found, after the run.
+  const StudyResult &getResult() const { return _result; }
+
 private:
-  void _abandon();
   void _reserveOutputs();
   void _readData();
   void _computeStatistics();
@@ -38,6 +40,7 @@ private:
   void _writeFiles();
   void _writePicture(const QString &file, const Picture &picture);
   void _warnOfData();
+  void _checkDuplicates();
   void _warnOfOutcome();
   void _endStep(const QString &name);
 

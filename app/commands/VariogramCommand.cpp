@@ -1,27 +1,49 @@
 #include "app/commands/VariogramCommand.h"
 
-#include "app/commands/StudyRun.h"
+#include "app/commands/JobDraft.h"
 
+#include <QJsonObject>
 #include <QObject>
 
 namespace orvenal {
 
 QString VariogramCommand::getSummary() const
 {
-  return QObject::tr("compute the experimental variograms of a job");
+  return QObject::tr("compute experimental variograms");
 }
 
-QString VariogramCommand::_getDescription() const
+QString VariogramCommand::getDescription() const
 {
   return QObject::tr(
-      "Reads the samples that the job names and prints their experimental variograms as the job's\n"
-      "\"variogram\" says, or in all directions together when it says nothing. The table and the\n"
-      "picture that the job asks for are written, and no other file.");
+      "Reads samples and prints their experimental variograms, as a job or the options say, or in "
+      "all directions together. Files that the job asks for besides those of its variograms are "
+      "not written.");
 }
 
-void VariogramCommand::_run(const Job &job, Console &console) const
+QList<QStringList> VariogramCommand::getExamples() const
 {
-  StudyRun(job, {Step::VARIOGRAM}, console).run();
+  return {
+      {QStringLiteral("orvenal variogram meuse.csv --x x --y y --variable zinc --transform log"),
+       QObject::tr("of all pairs, with lags that suit the samples")},
+      {QStringLiteral("orvenal variogram meuse.csv --x x --y y --variable zinc --transform log "
+                      "--lag 100 --lags 15 --directions 4 --variogram-picture variogram.png"),
+       QObject::tr("in four directions, with a picture")}};
+}
+
+QList<JobOption::Group> VariogramCommand::_getGroups() const
+{
+  return {JobOption::DATA, JobOption::VARIABLE, JobOption::VARIOGRAM, JobOption::MODEL,
+          JobOption::OUTPUT};
+}
+
+void VariogramCommand::_complete(JobDraft &draft) const
+{
+  draft.setDefault(QStringLiteral("variogram"), QJsonObject());
+}
+
+Steps VariogramCommand::_getSteps(const Job &) const
+{
+  return {Step::VARIOGRAM};
 }
 
 }  // namespace orvenal

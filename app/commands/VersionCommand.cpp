@@ -1,7 +1,7 @@
 #include "app/commands/VersionCommand.h"
 
+#include "app/commands/CommandParser.h"
 #include "app/console/Console.h"
-#include "app/io/UsageError.h"
 #include "app/report/Versions.h"
 
 #include <QObject>
@@ -13,15 +13,21 @@ QString VersionCommand::getSummary() const
   return QObject::tr("show the version of the program and of its libraries");
 }
 
-QString VersionCommand::getHelp() const
+QString VersionCommand::getDescription() const
 {
-  return QObject::tr("usage: orvenal version");
+  return QObject::tr(
+      "Prints the versions of the program and of the libraries that it is built on.");
 }
 
 void VersionCommand::run(const QStringList &arguments, Console &console) const
 {
+  if (arguments == QStringList{QStringLiteral("--help")} ||
+      arguments == QStringList{QStringLiteral("-h")}) {
+    console.answer(getHelp());
+    return;
+  }
   if (!arguments.isEmpty())
-    throw UsageError(getHelp());
+    failUsage(*this, QObject::tr("no argument is expected"));
   QStringList lines;
   for (const auto &version : allVersions())
     lines << version.first + ' ' + version.second;

@@ -10,7 +10,8 @@ class VersionCommand : public Command
 public:
   QString getName() const override { return QStringLiteral("version"); }
   QString getSummary() const override;
-  QString getHelp() const override;
+  QString getArguments() const override { return QString(); }
+  QString getDescription() const override;
   void run(const QStringList &arguments, Console &console) const override;
 };
 

@@ -1,40 +1,56 @@
 #include "app/commands/XvalidCommand.h"
 
-#include "app/commands/StudyRun.h"
-#include "app/io/UsageError.h"
+#include "app/commands/DraftCompletion.h"
+#include "app/commands/JobDraft.h"
 
+#include <QJsonObject>
 #include <QObject>
 
 namespace orvenal {
 
 QString XvalidCommand::getSummary() const
 {
-  return QObject::tr("krige every sample of a job from the others");
+  return QObject::tr("krige every sample from the others");
 }
 
-QString XvalidCommand::_getDescription() const
+QString XvalidCommand::getDescription() const
 {
   return QObject::tr(
-      "Kriges every sample from the others with the model, the neighborhood and the variant of "
-      "the\n"
-      "job and prints how far the estimates are from the values. \"crossValidation\" in the job "
-      "says\n"
-      "what is left out around a sample; without it, the sample alone. The table and the picture\n"
-      "that the job asks for are written, and no other file.");
+      "Kriges every sample from the others with the model, the neighborhood and the variant of a "
+      "job or of the options, and prints how far the estimates are from the values. Without "
+      "\"crossValidation\" in the job or --leave-out the sample alone is left out. Files that the "
+      "job asks for besides those of its cross-validation are not written.");
 }
 
-void XvalidCommand::_run(const Job &job, Console &console) const
+QList<QStringList> XvalidCommand::getExamples() const
 {
-  if (!job.crossValidation && !job.hasGrid)
-    throw UsageError(QObject::tr("%1: crossValidation: missing").arg(job.file));
-  Job validated = job;
-  if (!validated.crossValidation)
-    validated.crossValidation = CrossValidationRequest();
-  validated.keepOutputsOf({Step::CROSS_VALIDATION});
+  return {{QStringLiteral("orvenal xvalid job.json --maximum 8"),
+           QObject::tr("how good the job is with fewer samples")},
+          {QStringLiteral("orvenal xvalid meuse.csv --x x --y y --variable zinc --transform log "
+                          "--fit Spherical --unique --xvalid-table errors.csv"),
+           QObject::tr("a fitted model with all samples, and the errors as a table")}};
+}
+
+QList<JobOption::Group> XvalidCommand::_getGroups() const
+{
+  return {
+      JobOption::DATA,  JobOption::VARIABLE,     JobOption::VARIOGRAM, JobOption::FIT,
+      JobOption::MODEL, JobOption::NEIGHBORHOOD, JobOption::KRIGING,   JobOption::CROSS_VALIDATION,
+      JobOption::OUTPUT};
+}
+
+void XvalidCommand::_complete(JobDraft &draft) const
+{
+  completeFit(draft);
+  draft.setDefault(QStringLiteral("crossValidation"), QJsonObject());
+}
+
+Steps XvalidCommand::_getSteps(const Job &job) const
+{
   Steps steps = {Step::CROSS_VALIDATION};
   if (job.fit)
     steps.insert({Step::VARIOGRAM, Step::FIT});
-  StudyRun(validated, steps, console).run();
+  return steps;
 }
 
 }  // namespace orvenal

@@ -1,19 +1,23 @@
 #pragma once
 
-#include "app/commands/JobCommand.h"
+#include "app/commands/StudyCommand.h"
 
 namespace orvenal {
 
-/// Cross-validates the model and the neighborhood of a job, and nothing else.
-class XvalidCommand : public JobCommand
+/// Cross-validates a model and a neighborhood, and nothing else.
+class XvalidCommand : public StudyCommand
 {
 public:
   QString getName() const override { return QStringLiteral("xvalid"); }
   QString getSummary() const override;
+  QString getDescription() const override;
+  QList<QStringList> getExamples() const override;
 
 protected:
-  QString _getDescription() const override;
-  void _run(const Job &job, Console &console) const override;
+  QList<JobOption::Group> _getGroups() const override;
+  QStringList _getOutputs() const override { return {QStringLiteral("crossValidation")}; }
+  void _complete(JobDraft &draft) const override;
+  Steps _getSteps(const Job &job) const override;
 };
 
 }  // namespace orvenal

@@ -6,12 +6,23 @@
 #include <QMutexLocker>
 #include <QObject>
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 #include <cstdio>
 
 namespace orvenal {
 
 namespace {
+
+constexpr int usualWidth = 80;
+constexpr int red = 31;
+constexpr int yellow = 33;
+
+int widthOf(int descriptor)
+{
+  winsize size = {};
+  return ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usualWidth;
+}
 
 void write(std::FILE *stream, const QString &text)
 {
@@ -33,7 +44,9 @@ void receive(Console &console, const NbbAMessage::Record &record)
 
 }  // namespace
 
-Console::Console() : _terminal(isatty(STDERR_FILENO))
+Console::Console()
+    : _terminal(isatty(STDERR_FILENO) && qgetenv("TERM") != "dumb"),
+      _colored(_terminal && qEnvironmentVariableIsEmpty("NO_COLOR"))
 {
   NbbAMessage::setSink([this](const NbbAMessage::Record &record) { receive(*this, record); });
 }
@@ -46,7 +59,7 @@ Console::~Console()
 
 void Console::print(const QString &text)
 {
-  if (!_quiet)
+  if (!_quiet && !_resultsOnly)
     answer(text);
 }
 
@@ -61,13 +74,13 @@ void Console::warn(const QString &text)
   const QMutexLocker locker(&_mutex);
   _warnings << text.trimmed();
   if (!_quiet)
-    _writeError(QObject::tr("warning: ") + text.trimmed());
+    _writeError(_prefix(QObject::tr("warning:"), yellow) + text.trimmed());
 }
 
 void Console::error(const QString &text)
 {
   const QMutexLocker locker(&_mutex);
-  _writeError(QObject::tr("orvenal: ") + text.trimmed());
+  _writeError(_prefix(QStringLiteral("orvenal:"), red) + text.trimmed());
 }
 
 void Console::report(const QString &line)
@@ -82,15 +95,28 @@ void Console::showTransient(const QString &line)
   const QMutexLocker locker(&_mutex);
   if (_quiet || !_terminal || (line.isEmpty() && _transientWidth == 0))
     return;
-  write(stderr, '\r' + line.leftJustified(_transientWidth) +
-                    (line.isEmpty() ? QStringLiteral("\r") : QString()));
-  _transientWidth = line.size();
+  const QString shown = line.left(widthOf(STDERR_FILENO) - 1);  // a wrapped line would stay
+  write(stderr, '\r' + shown.leftJustified(_transientWidth) +
+                    (shown.isEmpty() ? QStringLiteral("\r") : QString()));
+  _transientWidth = shown.size();
+}
+
+int Console::getWidth()
+{
+  return isatty(STDOUT_FILENO) ? widthOf(STDOUT_FILENO) : usualWidth;
 }
 
 QStringList Console::getWarnings() const
 {
   const QMutexLocker locker(&_mutex);
   return _warnings;
+}
+
+/// The word in front of a message, and a blank.
+QString Console::_prefix(const QString &text, int color) const
+{
+  return _colored ? QStringLiteral("\033[%1m%2\033[0m ").arg(QString::number(color), text)
+                  : text + ' ';
 }
 
 void Console::_writeError(const QString &text)

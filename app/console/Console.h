@@ -22,6 +22,12 @@ public:
   void setQuiet(bool quiet) { _quiet = quiet; }
   bool isQuiet() const { return _quiet; }
 
+  /// Leaves the standard output to answer().
+  void setResultsOnly(bool resultsOnly) { _resultsOnly = resultsOnly; }
+
+  /// Characters on a line of the standard output's terminal; 80 without one.
+  static int getWidth();
+
   /// Whether the standard error is a terminal that can show a moving line.
   bool isTerminal() const { return _terminal; }
 
@@ -44,12 +50,15 @@ public:
 
 private:
   void _writeError(const QString &text);
+  QString _prefix(const QString &text, int color) const;
 
   mutable QMutex _mutex;  // guards what follows, and keeps lines whole
   QStringList _warnings;
   int _transientWidth = 0;
   bool _quiet = false;
+  bool _resultsOnly = false;
   bool _terminal;
+  bool _colored;
 };
 
 }  // namespace orvenal

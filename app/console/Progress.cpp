@@ -7,7 +7,6 @@
 
 #include <QObject>
 
-#include <unistd.h>
 #include <algorithm>
 #include <cmath>
 
@@ -19,7 +18,6 @@ constexpr int barWidth = 30;
 constexpr double secondsToFirstLine = 1.;
 constexpr double secondsBetweenLines = 5.;
 constexpr unsigned long pollMilliseconds = 50;
-constexpr qint64 graceMilliseconds = 1000;
 
 /// One line names all: the parts by which a failure text is built end with line breaks.
 void throwFailure(const NbcAProgress &calculator)
@@ -100,23 +98,14 @@ QString Progress::grouped(qint64 number)
   return digits;
 }
 
-void runCalculator(NbcAProgress &calculator, Progress &progress,
-                   const std::function<void()> &abandon)
+void runCalculator(NbcAProgress &calculator, Progress &progress)
 {
-  QElapsedTimer sinceStop;
   calculator.start();
   while (!calculator.wait(pollMilliseconds)) {
     progress.update(double(calculator.getCounter()) /
                     double(std::max<qint64>(1, calculator.getCounterMax())));
-    if (!Interruption::isRequested())
-      continue;
-    if (!sinceStop.isValid()) {
+    if (Interruption::isRequested())
       calculator.stop();
-      sinceStop.start();
-    } else if (sinceStop.elapsed() > graceMilliseconds) {
-      abandon();
-      _exit(Interruption::exitCode());
-    }
   }
   if (calculator.getState() == NbcAProgress::INTERRUPTED)
     throw NbeException();

@@ -3,8 +3,6 @@
 #include <QElapsedTimer>
 #include <QString>
 
-#include <functional>
-
 class NbcAProgress;
 
 namespace orvenal {
@@ -45,10 +43,6 @@ private:
 
 /// Runs a calculator on its thread and shows its progress. A failure is thrown as the calculator's
 /// error, a stop request from outside as NbeException.
-///
-/// A calculator that does not obey within a second of a stop request is abandoned: `abandon` is
-/// called (it removes what must not stay) and the process ends.
-void runCalculator(NbcAProgress &calculator, Progress &progress,
-                   const std::function<void()> &abandon);
+void runCalculator(NbcAProgress &calculator, Progress &progress);
 
 }  // namespace orvenal

@@ -8,6 +8,8 @@
 #include <QFileInfo>
 #include <QObject>
 
+#include <tuple>
+
 namespace orvenal {
 
 namespace {
@@ -72,17 +74,30 @@ JobTable readTable(const JobObject &object, const QDir &folder)
     object.fail(key("file"), QObject::tr("there is no file \"%1\"").arg(table.file));
   if (file.isDir())
     object.fail(key("file"), QObject::tr("\"%1\" is a folder").arg(table.file));
+  if (!file.isFile())
+    object.fail(key("file"), QObject::tr("\"%1\" is not a regular file").arg(table.file));
   table.format = readFormat(object);
   table.x = object.text(key("x"), key("x"));
   table.y = object.text(key("y"), key("y"));
   table.z = object.text(key("z"), QString());
+  for (const auto &[name, column, other] :
+       {std::tuple("y", table.y, table.x), std::tuple("z", table.z, table.x),
+        std::tuple("z", table.z, table.y)}) {
+    if (column == other)
+      object.fail(key(name),
+                  QObject::tr("column \"%1\" is another coordinate already").arg(column));
+  }
   return table;
 }
 
 void readData(const JobObject &root, const QDir &folder, Job &job)
 {
-  const JobObject object = root.object(key("data"), tableKeys() << key("crs") << key("unit"));
+  const JobObject object =
+      root.object(key("data"), tableKeys() << key("crs") << key("unit") << key("duplicates"));
   job.data = readTable(object, folder);
+  const QStringList policies = duplicatePolicyNames();
+  job.duplicates = DuplicatePolicy(
+      policies.indexOf(object.choice(key("duplicates"), policies, policies.first())));
   job.crs = object.text(key("crs"), QString());
   if (!job.crs.isEmpty()) {
     QString reason;

@@ -5,7 +5,8 @@
 
 namespace orvenal {
 
-/// A document of docs/ that the program carries: "job.schema.json", "job.in.md".
+/// A document of docs/ that the program carries: "job.schema.json", "job.in.md",
+/// "results.md".
 QByteArray readDocument(const QString &name);
 
 }  // namespace orvenal

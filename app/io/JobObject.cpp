@@ -1,5 +1,6 @@
 #include "app/io/JobObject.h"
 
+#include "app/io/JobError.h"
 #include "app/io/JobText.h"
 #include "app/io/Suggestion.h"
 #include "app/io/UsageError.h"
@@ -289,8 +290,7 @@ void JobObject::_failType(const QString &path, const QString &expected,
 
 void JobObject::_failAt(const QString &path, const QString &message) const
 {
-  throw UsageError(_file + QLatin1String(": ") + path +
-                   (path.isEmpty() ? QString() : QStringLiteral(": ")) + message);
+  throw JobError(_file, path, message);
 }
 
 }  // namespace orvenal

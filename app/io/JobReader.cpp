@@ -3,6 +3,7 @@
 #include "app/io/DataReader.h"
 #include "app/io/GridReader.h"
 #include "app/io/JobObject.h"
+#include "app/io/JobText.h"
 #include "app/io/KrigingReader.h"
 #include "app/io/ModelFile.h"
 #include "app/io/ModelReader.h"
@@ -183,6 +184,14 @@ Job parseJob(const QString &path, const QByteArray &text)
   readOutput(root, folder, job);
   readResources(root, job);
   return job;
+}
+
+QJsonObject readJobRoot(const QString &path)
+{
+  const QJsonValue root = parseJobText(path, readFile(path)).root;
+  if (!root.isObject())
+    throw UsageError(QObject::tr("%1: a job is a JSON object, { ... }").arg(path));
+  return root.toObject();
 }
 
 qint64 parseMemorySize(const QString &text)

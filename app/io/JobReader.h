@@ -2,6 +2,7 @@
 
 #include "app/study/Job.h"
 
+#include <QJsonObject>
 #include <QString>
 
 namespace orvenal {
@@ -14,6 +15,9 @@ Job readJob(const QString &path);
 /// The same for a text that need not be in a file: `path` is where it would be, names of files are
 /// relative to its folder.
 Job parseJob(const QString &path, const QByteArray &text);
+
+/// The object of a job file as it stands: valid JSON, and nothing else is checked.
+QJsonObject readJobRoot(const QString &path);
 
 /// Bytes of a memory size such as "500 MB" or "2 GB" (units of 1024); -1 when it is none.
 qint64 parseMemorySize(const QString &text);

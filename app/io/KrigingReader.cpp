@@ -11,11 +11,6 @@ namespace orvenal {
 
 namespace {
 
-QStringList modes()
-{
-  return {key("ordinary"), key("simple"), key("drift"), key("rescaled")};
-}
-
 bool knowsMean(const KrigingRequest &request)
 {
   return request.mode == KrigingRequest::SIMPLE || request.mode == KrigingRequest::RESCALED;
@@ -198,6 +193,11 @@ Column readColumn(const JobObject &object)
   return column;
 }
 
+QStringList krigingModes()
+{
+  return {key("ordinary"), key("simple"), key("drift"), key("rescaled")};
+}
+
 QStringList krigingKeys()
 {
   return {key("mode"),   key("means"),        key("localMeans"),       key("degree"),
@@ -210,8 +210,8 @@ KrigingRequest readKriging(const JobObject &object, int nDimensions, int nVariab
                            int nStructures)
 {
   KrigingRequest request;
-  request.mode =
-      KrigingRequest::Mode(modes().indexOf(object.choice(key("mode"), modes(), modes().first())));
+  request.mode = KrigingRequest::Mode(
+      krigingModes().indexOf(object.choice(key("mode"), krigingModes(), krigingModes().first())));
   if (request.mode == KrigingRequest::RESCALED && nVariables == 1)
     object.fail(key("mode"), QObject::tr("rescaled cokriging needs \"covariates\""));
   readMeans(object, nVariables, request);

@@ -1,6 +1,7 @@
 #include "app/io/ModelFile.h"
 
 #include "app/io/JobObject.h"
+#include "app/io/JobText.h"
 #include "app/io/ModelJson.h"
 #include "app/io/ModelReader.h"
 #include "basic/error/NbeUserError.h"
@@ -102,9 +103,9 @@ struct ModelSize
   int nDimensions = 2;
   int nVariables = 1;
 
-  explicit ModelSize(const QByteArray &text)
+  ModelSize(const QString &file, const QByteArray &text)
   {
-    const QJsonObject model = QJsonDocument::fromJson(text).object();
+    const QJsonObject model = parseJobText(file, text).root.toObject();
     QList<QJsonValue> sills = {model.value(QStringLiteral("nugget"))};
     for (const QJsonValue structure : model.value(QStringLiteral("structures")).toArray()) {
       const QJsonObject object = structure.toObject();
@@ -187,7 +188,7 @@ NgmVModel readModelFile(const QString &path, const QString &shownName)
   const QByteArray bytes = readAll(path, shownName);
   if (isBinary(bytes, shownName))
     return fromBinary(bytes, shownName);
-  const ModelSize size(bytes);
+  const ModelSize size(shownName, bytes);
   return fromJson(bytes, shownName, size.nDimensions, size.nVariables);
 }
 

@@ -84,7 +84,7 @@ bool NetcdfReader::_findVariables()
   nc_inq_nvars(_file, &nVariables);
   QStringList coordinates;
   for (int id = 0; id < nVariables; ++id)
-    coordinates << _attribute(id, "coordinates").split(' ', QString::SkipEmptyParts);
+    coordinates << _attribute(id, "coordinates").split(' ', Qt::SkipEmptyParts);
   for (int id = 0; id < nVariables; ++id) {
     const std::vector<int> dimensions = dimensionsOf(_file, id);
     const QString name = nameOf(_file, id);
@@ -107,7 +107,7 @@ bool NetcdfReader::_addVariable(int id, const QString &name)
   }
   const bool hasFill = nc_get_att_double(_file, id, "_FillValue", &value) == NC_NOERR;
   _variables.push_back({id, hasFill ? value : std::numeric_limits<double>::quiet_NaN(), {}});
-  _setColumns(getColumns() << name);
+  _setColumns(QStringList(getColumns()) << name);
   return true;
 }
 

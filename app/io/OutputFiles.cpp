@@ -98,23 +98,41 @@ void OutputFiles::commit()
   for (const File &file : _files)
     paths << file.path;
   _refuseExisting(paths);
-  for (const File &file : _files) {
+  const QMutexLocker locker(&_mutex);
+  for (File &file : _files) {
     if (std::rename(QFile::encodeName(file.temporary).constData(),
                     QFile::encodeName(file.path).constData()) != 0)
       failToWrite(file.path, systemReason());
+    file.done = true;
   }
   _madeFolders.clear();
-  discard();
+  _remove();
+  _folders.clear();
 }
 
 void OutputFiles::discard()
 {
+  const QMutexLocker locker(&_mutex);
+  _remove();
+  _files.clear();
+  _folders.clear();
+  _madeFolders.clear();
+}
+
+void OutputFiles::_remove() const
+{
   for (const Folder &folder : _folders)
     QDir(folder.temporary).removeRecursively();
-  _folders.clear();
-  _files.clear();
-  while (!_madeFolders.isEmpty())
-    QDir().rmdir(_madeFolders.takeLast());
+  for (int i = _madeFolders.size() - 1; i >= 0; --i)
+    QDir().rmdir(_madeFolders[i]);
+}
+
+/// The process ends: the mutex stays locked, so that nothing is put in place any more.
+bool OutputFiles::_abandon()
+{
+  _mutex.lock();
+  _remove();
+  return std::none_of(_files.begin(), _files.end(), [](const File &file) { return file.done; });
 }
 
 const OutputFiles::File &OutputFiles::_find(const QString &path) const
@@ -157,6 +175,7 @@ void OutputFiles::_reserveFile(const QString &path)
     failToWrite(path, QObject::tr("the file is protected"));
   const QString folder = target.absolutePath();
   _makeFolder(folder, path);
+  const QMutexLocker locker(&_mutex);
   QFile file(_hiddenFolder(folder, path) + '/' + target.fileName());
   if (!file.open(QIODevice::WriteOnly))
     failToWrite(path, file.errorString());
@@ -184,6 +203,7 @@ void OutputFiles::_makeFolder(const QString &folder, const QString &file)
     return;
   if (!info.isRoot())
     _makeFolder(info.absolutePath(), file);
+  const QMutexLocker locker(&_mutex);
   if (::mkdir(QFile::encodeName(folder).constData(), 0777) == 0)
     _madeFolders << folder;
   else if (!QFileInfo(folder).isDir())

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "app/console/Interruption.h"
+
+#include <QMutex>
 #include <QString>
 #include <QStringList>
 
@@ -11,7 +14,7 @@ namespace orvenal {
 
 /// The files of one run, all or none: each is written into a hidden folder beside its final place
 /// and renamed when everything has succeeded. What was not renamed is removed at the end, with the
-/// folders that were made for it.
+/// folders that were made for it; so it is when the process is ended by a signal.
 ///
 /// Runs that write the same files at once do not mix them: they put their files in place one run
 /// after the other.
@@ -49,6 +52,7 @@ private:
   {
     QString path;
     QString temporary;
+    bool done = false;
   };
 
   /// A folder of outputs, and the hidden one in it.
@@ -63,11 +67,15 @@ private:
   void _reserveFile(const QString &path);
   QString _hiddenFolder(const QString &folder, const QString &file);
   void _makeFolder(const QString &folder, const QString &file);
+  void _remove() const;
+  bool _abandon();
 
   Existing _existing;
+  QMutex _mutex;  // held while the lists change
   std::vector<File> _files;
   std::vector<Folder> _folders;
   QStringList _madeFolders;
+  Interruption::Cleanup _cleanup{[this] { return _abandon(); }};
 };
 
 }  // namespace orvenal

@@ -188,9 +188,10 @@ void readOutput(const JobObject &root, const QDir &jobFolder, Job &job)
 {
   if (!root.has(key("output")))
     return;
-  const JobObject object = root.object(
-      key("output"), {key("directory"), key("data"), key("grid"), key("maps"), key("fit"),
-                      key("variogram"), key("crossValidation"), key("report"), key("overwrite")});
+  const JobObject object =
+      root.object(key("output"), {key("directory"), key("data"), key("grid"), key("maps"),
+                                  key("fit"), key("variogram"), key("crossValidation"),
+                                  key("report"), key("results"), key("overwrite")});
   const QDir folder(jobFolder.absoluteFilePath(object.text(key("directory"), key("."))));
   JobOutput &output = job.output;
   output.overwrite = object.flag(key("overwrite"), false);
@@ -208,6 +209,9 @@ void readOutput(const JobObject &root, const QDir &jobFolder, Job &job)
   if (object.has(key("report")))
     output.report = readOutputFile(object, key("report"), object.text(key("report")), folder,
                                    {key("html"), key("htm")});
+  if (object.has(key("results")))
+    output.results =
+        readOutputFile(object, key("results"), object.text(key("results")), folder, {key("json")});
   checkOutputs(root, job);
 }
 

@@ -59,8 +59,16 @@ QString didYouMean(const QString &word, const QStringList &candidates)
 
 QString quotedList(const QStringList &words)
 {
-  return words.isEmpty() ? QString()
-                         : '"' + words.join(QStringLiteral("\", \"")) + QLatin1Char('"');
+  if (words.isEmpty())
+    return QString();
+  constexpr int most = 50;
+  constexpr int longest = 60;
+  QStringList shown;
+  for (const QString &word : words.mid(0, most))
+    shown << (word.size() > longest ? word.left(longest) + QChar(0x2026) : word);
+  const QString list = '"' + shown.join(QStringLiteral("\", \"")) + QLatin1Char('"');
+  return words.size() > most ? QObject::tr("%1 and %2 more").arg(list).arg(words.size() - most)
+                             : list;
 }
 
 }  // namespace orvenal

@@ -83,10 +83,10 @@ void TableConversion::_chooseColumns()
   }
 }
 
-/// Text tables do not say which of their columns are numbers.
+/// Tables of texts do not say which of their columns are numbers.
 void TableConversion::_findNumbersThatAreTexts(std::vector<bool> &isText) const
 {
-  if (_summary.format.kind != TableFormat::CSV)
+  if (_summary.format.kind == TableFormat::GEO_EAS)
     return;
   const auto reader = _openInput();
   while (reader->next()) {

@@ -68,6 +68,9 @@ public:
   /// who asked.
   int findColumn(const QString &name, const QString &wantedBy) const;
 
+  /// Where the current record stands, such as "line 12".
+  QString getPlace() const { return _getPlace(); }
+
   /// Goes to the next record; false at the end of the file.
   virtual bool next() = 0;
 
@@ -96,7 +99,6 @@ protected:
   const QString &_getShownName() const { return _shownName; }
   void _setColumns(const QStringList &columns) { _columns = columns; }
 
-  /// Where the current record stands, such as "line 12".
   virtual QString _getPlace() const = 0;
 
   /// Where the names of the columns stand.

@@ -8,6 +8,7 @@
 #include "basic/calc/NbcStatMono.h"
 #include "geos/simu/NgmDensityFunctions.h"
 
+#include <QFontMetricsF>
 #include <QObject>
 
 #include <algorithm>
@@ -76,6 +77,25 @@ void addVertical(QCPAxisRect &area, double place, Qt::PenStyle style)
   line->setPen(QPen(lineColor, 1.4, style));
 }
 
+/// Whole numbers only.
+void setCountTicks(QCPAxis &axis)
+{
+  constexpr double most = 8.;
+  double step = 1.;
+  for (double power = 1.; axis.range().upper > most * step; power *= 10.) {
+    for (const double factor : {1., 2., 5.}) {
+      step = factor * power;
+      if (axis.range().upper <= most * step)
+        break;
+    }
+  }
+  auto ticker = QSharedPointer<QCPAxisTickerFixed>::create();
+  ticker->setTickStep(step);
+  axis.setTicker(ticker);
+  axis.setNumberFormat(QStringLiteral("f"));
+  axis.setNumberPrecision(0);
+}
+
 void drawClasses(PanelSheet &sheet, const Distribution &distribution, double mean,
                  const QString &valueLabel)
 {
@@ -110,19 +130,32 @@ void drawClasses(PanelSheet &sheet, const Distribution &distribution, double mea
                                             QCPRange(0., 1.06 * most)));
   addBars(area, places, counts, histogram.width, barColor);
   addBars(area, endPlaces, endCounts, wide, beyondColor);
+  setCountTicks(yAxisOf(area));
   addVertical(area, mean, Qt::SolidLine);
   addVertical(area, distribution.quartiles[1], Qt::DashLine);
 }
 
-/// Probabilities in percent at the Gaussian quantiles of the axis.
+/// Probabilities in percent at the Gaussian quantiles of the axis, as many as there is room for.
 void setProbabilityTicks(QCPAxis &axis)
 {
+  constexpr double gap = 5.;
+  const QFontMetricsF metrics(axis.tickLabelFont());
+  const double scale = side / axis.range().size();
   auto ticker = QSharedPointer<QCPAxisTickerText>::create();
-  for (const double percent : {0.001, 0.01, 0.1, 1., 5., 10., 25., 50.}) {
+  QVector<QPair<double, double>> taken;  // places and half widths of labels
+  for (const double percent :
+       {50., 10., 90., 1., 99., 0.1, 99.9, 0.001, 99.999, 25., 75., 5., 95., 0.01, 99.99}) {
+    const QString label = QString::number(percent, 'g', 8);
     const double quantile = NgmDensityFunctions::invCdfGaussian(percent / 100.);
-    ticker->addTick(quantile, QString::number(percent));
-    if (percent < 50.)
-      ticker->addTick(-quantile, QString::number(100. - percent, 'g', 8));
+    const double place = quantile * scale;
+    const double half = 0.5 * (metrics.horizontalAdvance(label) + gap);
+    const bool isFree = std::none_of(taken.begin(), taken.end(), [&](const auto &other) {
+      return std::abs(place - other.first) < half + other.second;
+    });
+    if (!isFree || !axis.range().contains(quantile))
+      continue;
+    taken.append({place, half});
+    ticker->addTick(quantile, label);
   }
   ticker->setSubTickCount(0);
   axis.setTicker(ticker);
@@ -175,9 +208,17 @@ void drawProbabilities(PanelSheet &sheet, const Distribution &distribution,
   addPoints(area, quantiles, sorted);
 }
 
-QString shown(double value)
+/// Six digits, or as many as tell the values of the distribution apart.
+QString shown(double value, const Distribution &distribution)
 {
-  return NbbGlobal::isDefined(value) ? QString::number(value, 'g', 6) : QString(QChar(0x2013));
+  if (!NbbGlobal::isDefined(value))
+    return QString(QChar(0x2013));
+  const double least = distribution.sorted.front();
+  const double largest = distribution.sorted.back();
+  int digits = 6;
+  if (largest > least)
+    digits = int(3. + std::log10(std::max(std::abs(least), std::abs(largest)) / (largest - least)));
+  return QString::number(value, 'g', std::clamp(digits, 6, 15));
 }
 
 /// Names above, values below.
@@ -189,15 +230,16 @@ void addStatistics(PanelSheet &sheet, const Distribution &distribution,
       QObject::tr("minimum"),        QObject::tr("lower quartile"), QObject::tr("median"),
       QObject::tr("upper quartile"), QObject::tr("maximum"),        QObject::tr("skewness")};
   const bool isConstant = !(statistics.getMaximum() > statistics.getMinimum());
-  const QStringList values = {Progress::grouped(statistics.getNDefined()),
-                              shown(statistics.getMean()),
-                              shown(statistics.getStandardDeviation()),
-                              shown(statistics.getMinimum()),
-                              shown(distribution.quartiles[0]),
-                              shown(distribution.quartiles[1]),
-                              shown(distribution.quartiles[2]),
-                              shown(statistics.getMaximum()),
-                              shown(isConstant ? NbbGlobal::D_FFFF : statistics.getSkewness())};
+  const QStringList values = {
+      Progress::grouped(statistics.getNDefined()),
+      shown(statistics.getMean(), distribution),
+      shown(statistics.getStandardDeviation(), distribution),
+      shown(statistics.getMinimum(), distribution),
+      shown(distribution.quartiles[0], distribution),
+      shown(distribution.quartiles[1], distribution),
+      shown(distribution.quartiles[2], distribution),
+      shown(statistics.getMaximum(), distribution),
+      shown(isConstant ? NbbGlobal::D_FFFF : statistics.getSkewness(), distribution)};
   sheet.addTable(names, values);
 }
 
@@ -205,17 +247,18 @@ QString remarkOf(const Distribution &distribution, const NbcStatMono &statistics
 {
   const Histogram &histogram = distribution.histogram;
   QStringList remarks = {
-      QObject::tr("%1 values.").arg(Progress::grouped(statistics.getNDefined()))};
+      QObject::tr("Values: %1.").arg(Progress::grouped(statistics.getNDefined()))};
   const qint64 nUndefined = statistics.getNTotal() - statistics.getNDefined();
   if (nUndefined > 0)
-    remarks << QObject::tr("%1 undefined.").arg(Progress::grouped(nUndefined));
+    remarks << QObject::tr("Undefined: %1.").arg(Progress::grouped(nUndefined));
   remarks << QObject::tr("Left: mean (solid) and median (dashed).");
   if (histogram.nBelow > 0)
     remarks << QObject::tr("Orange: %1 below %2.")
-                   .arg(Progress::grouped(histogram.nBelow), shown(histogram.first));
+                   .arg(Progress::grouped(histogram.nBelow), shown(histogram.first, distribution));
   if (histogram.nAbove > 0)
     remarks << QObject::tr("Orange: %1 above %2.")
-                   .arg(Progress::grouped(histogram.nAbove), shown(histogram.getUpper()));
+                   .arg(Progress::grouped(histogram.nAbove),
+                        shown(histogram.getUpper(), distribution));
   remarks << QObject::tr(
       "Right: Gaussian values lie on a straight line; dashed: through the "
       "quartiles.");

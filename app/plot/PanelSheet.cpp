@@ -14,7 +14,8 @@ namespace {
 
 constexpr double narrowest = 180.;  // narrower and lower areas hold no labels
 constexpr double lowest = 110.;
-constexpr int roomForLabels = 90;  // beside an area
+constexpr int roomForLabels = 90;     // beside an area
+constexpr int roomForLastLabel = 22;  // half of it stands beside the area
 
 QCPRange rangeAround(const QCPRange &seen, double length, double scale)
 {
@@ -42,8 +43,8 @@ void setUpAxes(QCPAxisRect &area, const Panel &panel, const QSize &size)
   styleAxis(y, panel.yLabel);
   x.setRange(rangeAround(panel.x, size.width(), panel.xScale));
   y.setRange(rangeAround(panel.y, size.height(), panel.yScale));
-  setTicks(x, size.width(), 70.);
-  setTicks(y, size.height(), 45.);
+  setTicks(x, size.width(), 60.);
+  setTicks(y, size.height(), size.height() < 200 ? 30. : 60.);
   QCPAxis &top = *area.axis(QCPAxis::atTop);
   top.setLabelFont(fontOf(9, true));
   top.setLabel(wrapped(panel.title, top.labelFont(), size.width()));
@@ -102,7 +103,7 @@ QCPAxisRect &PanelSheet::add(const Panel &panel)
   auto *area = new QCPAxisRect(_plot.get());
   area->setMinimumSize(size);
   area->setMaximumSize(size);
-  area->setMinimumMargins(QMargins(0, 0, 8, 0));
+  area->setMinimumMargins(QMargins(0, 0, roomForLastLabel, 0));
   area->setMarginGroup(QCP::msLeft, &_groupOf(_nInRow));
   _row->addElement(0, _nInRow, area);
   ++_nInRow;
@@ -134,7 +135,7 @@ void PanelSheet::addColorScale(Side side, const QString &label, const QCPColorGr
   } else {
     setTicks(axis, 0.6 * _width, 70.);
     scale->setMarginGroup(QCP::msLeft, &_groupOf(0));
-    scale->setMinimumMargins(QMargins(0, 6, 8, 0));
+    scale->setMinimumMargins(QMargins(0, 6, roomForLastLabel, 0));
     _body->addElement(_body->rowCount(), 0, scale);
   }
 }

@@ -18,7 +18,7 @@ Picture::~Picture() = default;
 
 QImage Picture::toImage() const
 {
-  return _plot->toPixmap(_size.width(), _size.height(), pixelRatio).toImage();
+  return _plot->toPixmap(_size.width(), _size.height(), pixelsPerUnit).toImage();
 }
 
 QByteArray Picture::toPng() const

@@ -11,6 +11,9 @@ class QCustomPlot;
 
 namespace orvenal {
 
+/// Pixels of a picture per unit of its layout.
+constexpr double pixelsPerUnit = 2.;
+
 /// A finished picture, which can be had in several formats. Needs a QApplication; no display.
 class Picture
 {

@@ -15,16 +15,18 @@ double tickStepOf(QCPAxis &axis)
 {
   QVector<double> ticks;
   axis.ticker()->generate(axis.range(), QLocale::c(), QLatin1Char('g'), 6, ticks, nullptr, nullptr);
-  return ticks.size() > 1 ? ticks[1] - ticks[0] : axis.range().size();
+  return ticks.size() > 1 ? (ticks.last() - ticks.first()) / (ticks.size() - 1)
+                          : axis.range().size();
 }
 
-/// Decimals that write multiples of a step exactly.
+/// Decimals that write multiples of a step exactly; steps between large numbers are not exact.
 int decimalsOf(double step)
 {
   constexpr int most = 12;
+  constexpr double rounding = 1e-4;
   double scaled = step;
   for (int decimals = 0; decimals < most; ++decimals, scaled *= 10.) {
-    if (scaled >= 0.5 && std::abs(scaled - std::round(scaled)) < 1e-6 * scaled)
+    if (scaled >= 0.5 && std::abs(scaled - std::round(scaled)) < rounding * scaled)
       return decimals;
   }
   return most;

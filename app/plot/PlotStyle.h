@@ -9,9 +9,6 @@ namespace orvenal {
 
 /// What all pictures have in common: fonts, axes, texts. Lengths are in units of the layout.
 
-/// Pixels of a picture per unit of the layout.
-constexpr double pixelRatio = 2.;
-
 QFont fontOf(int points, bool bold = false);
 
 /// "x [m]"; the name alone without a unit.

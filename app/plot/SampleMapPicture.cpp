@@ -179,7 +179,7 @@ Picture drawSampleMap(const Samples &samples, const SampleMapStyle &style)
   const QString open = samples.nUndefined == 0 ? QString()
                        : areDots               ? QObject::tr("Grey: %1 without a value.")
                                                : QObject::tr("Open circles: %1 without a value.");
-  scene.remark = joined({QObject::tr("%1 samples.").arg(Progress::grouped(samples.getCount())),
+  scene.remark = joined({QObject::tr("Samples: %1.").arg(Progress::grouped(samples.getCount())),
                          open.isEmpty() ? open : open.arg(Progress::grouped(samples.nUndefined)),
                          thinningRemark(scene.marks.size()), remarkOf(range),
                          style.grid ? QObject::tr("Dashed: the grid.") : QString()});
@@ -207,7 +207,7 @@ Picture drawErrorMap(const Samples &samples, const std::vector<double> &standard
     scene.sample.push_back(i);
   }
   scene.remark =
-      joined({QObject::tr("Standardized errors of %1 samples.")
+      joined({QObject::tr("Standardized errors; samples: %1.")
                   .arg(Progress::grouped(qint64(scene.marks.size()))),
               QObject::tr("Triangles: %1 beyond %2, upward where the estimate is too high.")
                   .arg(Progress::grouped(nMarked), QString::number(largestUsualError)),

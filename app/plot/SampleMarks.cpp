@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 #include <utility>
 
 namespace orvenal {
@@ -54,8 +55,21 @@ void SampleMarks::draw(QCPPainter *painter)
     _drawDots(*painter, false, taken);
     return;
   }
+  const bool isCrowded = _isCrowded();
   for (const SampleMark &mark : _marks)
-    _drawMark(*painter, mark);
+    _drawMark(*painter, mark, isCrowded);
+}
+
+/// Whether a good part of the marks shares the squares of a mark's size.
+bool SampleMarks::_isCrowded() const
+{
+  constexpr double share = 0.75;
+  std::set<std::pair<int, int>> squares;
+  for (const SampleMark &mark : _marks) {
+    const QPointF place = _placeOf(mark) / (2. * _radius);
+    squares.insert({int(std::floor(place.x())), int(std::floor(place.y()))});
+  }
+  return double(squares.size()) < share * double(_marks.size());
 }
 
 QPointF SampleMarks::_placeOf(const SampleMark &mark) const
@@ -64,7 +78,7 @@ QPointF SampleMarks::_placeOf(const SampleMark &mark) const
                  _area.axis(QCPAxis::atLeft)->coordToPixel(mark.y));
 }
 
-void SampleMarks::_drawMark(QCPPainter &painter, const SampleMark &mark) const
+void SampleMarks::_drawMark(QCPPainter &painter, const SampleMark &mark, bool isCrowded) const
 {
   const QPointF place = _placeOf(mark);
   if (mark.shape == SampleMark::CROSS) {
@@ -73,6 +87,13 @@ void SampleMarks::_drawMark(QCPPainter &painter, const SampleMark &mark) const
   }
   if (isTriangle(mark)) {
     _drawTriangle(painter, mark);
+    return;
+  }
+  if (isCrowded) {
+    const double radius = std::max(1.6, 0.6 * _radius);
+    painter.setPen(QPen(QColor(110, 110, 110), 0.4));
+    painter.setBrush(mark.shape == SampleMark::CIRCLE ? QBrush(mark.fill) : QBrush(Qt::NoBrush));
+    painter.drawEllipse(place, radius, radius);
     return;
   }
   // A white ring around the dark line sets the mark off from dark and light cells.

@@ -25,9 +25,10 @@ struct SampleMark
   Shape shape = CIRCLE;
 };
 
-/// Marks at samples in one plot area, above its frame. Thousands of marks would hide each other:
-/// they are thinned to dots then, the first one of each small square of the picture, triangles
-/// before others.
+/// Marks at samples in one plot area, above its frame. Where they hide each other they are smaller
+/// and hardly have an outline, so that the samples of a line can be told apart. Thousands of marks
+/// would hide each other: they are thinned to dots then, the first one of each small square of the
+/// picture, triangles before others.
 class SampleMarks : public QCPLayerable
 {
 public:
@@ -49,7 +50,8 @@ protected:
 
 private:
   QPointF _placeOf(const SampleMark &mark) const;
-  void _drawMark(QCPPainter &painter, const SampleMark &mark) const;
+  bool _isCrowded() const;
+  void _drawMark(QCPPainter &painter, const SampleMark &mark, bool isCrowded) const;
   void _drawCross(QCPPainter &painter, const QPointF &place) const;
   void _drawTriangle(QCPPainter &painter, const SampleMark &mark) const;
   void _drawDots(QCPPainter &painter, bool isTriangles, std::vector<bool> &taken) const;

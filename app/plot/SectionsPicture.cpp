@@ -91,11 +91,11 @@ Picture drawSections(const NbgGeomGrid &grid, const std::vector<double> &values,
       std::all_of(sections.begin(), sections.end(), [&](const GridSection &section) {
         return section.distance == 0.5 * grid.getCellSize()[section.axis];
       });
-  QStringList remarks = {style.subtitle + '.',
-                         areHalfCells
-                             ? QObject::tr("Circles: samples within half a cell of the section.")
-                             : QObject::tr("Circles: samples near the section."),
-                         remarkOf(range)};
+  QStringList remarks = {
+      style.subtitle + '.',
+      areHalfCells ? QObject::tr("Circles: samples within half a cell of the section.")
+                   : QObject::tr("Circles: samples near the section."),
+      samples.nUndefined > 0 ? QObject::tr("Crosses: no value.") : QString(), remarkOf(range)};
   remarks.removeAll(QString());
   remarks.removeAll(QStringLiteral("."));
   PanelSheet sheet(style.title, remarks.join(' '), width);

@@ -75,6 +75,7 @@ Picture drawVariogramMap(const VariogramMap &map, const VariogramStyle &style)
     }
   }
   cells.setDataRange(QCPRange(0., largest > 0. ? largest : 1.));
+  setTicks(*cells.colorScale()->axis(), side, 45.);
   const QSize size = sizeFor(*plot, QSizeF(side, side));
   equalizeScales(*plot, size);
   return Picture(std::move(plot), size);

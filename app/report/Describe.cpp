@@ -1,6 +1,7 @@
 #include "app/report/Describe.h"
 
 #include "app/console/Progress.h"
+#include "app/console/TextTable.h"
 #include "app/report/StudyResult.h"
 #include "app/study/Compass.h"
 #include "basic/base/NbbGlobal.h"
@@ -10,6 +11,7 @@
 #include <QObject>
 
 #include <algorithm>
+#include <cmath>
 
 namespace orvenal {
 
@@ -42,6 +44,9 @@ void addEllipsoid(const NgmNeighborhoodMoving &moving, const Job &job,
     rows.append({QObject::tr("Search radius along %1").arg(QLatin1String(names[axis])),
                  QObject::tr("%1, %2").arg(Describe::length(radii[axis], job.lengthUnit),
                                            Compass::describe(axes[axis], n))});
+  for (int axis = 0; axis < 3; ++axis)
+    rows.append({QObject::tr("%1 (east, north, up)").arg(QLatin1String(names[axis])),
+                 Describe::vector(axes[axis])});
 }
 
 /// "Spherical of sill 0.59"; see sillRows() for the sills of several variables.
@@ -117,21 +122,6 @@ QString krigingKind(const Job &job)
   return text;
 }
 
-/// A table of texts: the first column to the left, the next ones to the right.
-QString alignedColumns(const QList<QStringList> &rows, int nColumns)
-{
-  QStringList lines(QVector<QString>(rows.size()).toList());
-  for (int column = 0; column < nColumns; ++column) {
-    int width = 0;
-    for (const QStringList &row : rows)
-      width = std::max(width, row[column].size());
-    for (int i = 0; i < rows.size(); ++i)
-      lines[i] += column == 0 ? rows[i][column].leftJustified(width)
-                              : "  " + rows[i][column].rightJustified(width);
-  }
-  return lines.join('\n');
-}
-
 }  // namespace
 
 QString Describe::number(double value)
@@ -142,6 +132,15 @@ QString Describe::number(double value)
 QString Describe::length(double value, const QString &unit)
 {
   return unit.isEmpty() ? number(value) : number(value) + ' ' + unit;
+}
+
+QString Describe::vector(const NbgVector3D &direction)
+{
+  const auto component = [](double value) {
+    return QString::number(std::abs(value) < 5e-7 ? 0. : value, 'f', 6);
+  };
+  return QObject::tr("(%1, %2, %3)")
+      .arg(component(direction.x()), component(direction.y()), component(direction.z()));
 }
 
 QStringList Describe::statisticsHeader()

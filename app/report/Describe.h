@@ -9,6 +9,7 @@
 #include <QVector>
 
 class NbgGeomGrid;
+class NbgVector3D;
 class NgmVModel;
 
 namespace orvenal {
@@ -25,6 +26,9 @@ QString number(double value);
 
 /// Like number(), with the unit behind it when there is one.
 QString length(double value, const QString &unit);
+
+/// A direction by its components east, north and up.
+QString vector(const NbgVector3D &direction);
 
 /// Values and names of the figures that are shown of statistics.
 QStringList statisticsHeader();

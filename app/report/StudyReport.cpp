@@ -2,6 +2,7 @@
 
 #include "app/console/Progress.h"
 #include "app/io/SpatialReference.h"
+#include "app/plot/Picture.h"
 #include "app/plot/SampleMapPicture.h"
 #include "app/report/Describe.h"
 #include "app/report/StudyResult.h"
@@ -18,6 +19,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QObject>
+#include <QtEndian>
 
 namespace orvenal {
 
@@ -52,6 +54,10 @@ pre { overflow-x: auto; background: #f4f7fa; border: 1px solid #dbe3ec; padding:
   font: .8rem/1.4 "DejaVu Sans Mono", monospace; }
 .warning { border-left: 4px solid #b35900; background: #fff6ec; padding: .4rem .75rem; }
 .hash { overflow-wrap: anywhere; font: .75rem "DejaVu Sans Mono", monospace; }
+@media screen and (max-width: 40rem) {
+  figure.wide { overflow-x: auto; }
+  figure.wide img { max-width: none; width: 44rem; }
+}
 @media print {
   body { max-width: none; padding: 0; font-size: 10pt; }
   h2 { break-after: avoid; }
@@ -91,14 +97,28 @@ QString paragraph(const QString &text, const QString &cssClass = QString())
   return "<p" + attribute + '>' + NbbHtml::toHtml(text) + "</p>\n";
 }
 
+/// Width at which a picture has the size of its layout: its header says how many pixels it has.
+int shownWidth(const QByteArray &png)
+{
+  constexpr int place = 16;
+  return int(qFromBigEndian<quint32>(png.constData() + place) / pixelsPerUnit);
+}
+
+/// A picture with its caption. One with several plot areas can be moved sideways on a narrow
+/// screen.
 QString figure(const QByteArray &png, const QString &caption)
 {
   if (png.isEmpty())
     return QString();
+  constexpr int wide = 800;
   const QString text = NbbHtml::toHtml(caption);
-  return QStringLiteral("<figure><img alt=\"") + text +
-         QStringLiteral("\" src=\"data:image/png;base64,") + QString::fromLatin1(png.toBase64()) +
-         QStringLiteral("\"><figcaption>") + text + QStringLiteral("</figcaption></figure>\n");
+  const int width = shownWidth(png);
+  return QStringLiteral("<figure%1><img width=\"%2\" alt=\"")
+             .arg(width > wide ? QStringLiteral(" class=\"wide\"") : QString(),
+                  QString::number(width)) +
+         text + QStringLiteral("\" src=\"data:image/png;base64,") +
+         QString::fromLatin1(png.toBase64()) + QStringLiteral("\"><figcaption>") + text +
+         QStringLiteral("</figcaption></figure>\n");
 }
 
 QString maps(const StudyResult &result)
@@ -138,12 +158,11 @@ QString data(const StudyResult &result)
   static const char *const transforms[] = {"column \"%1\"", "natural logarithm of column \"%1\"",
                                            "square root of column \"%1\""};
   const QString transform = QObject::tr(transforms[int(job.variable.transform)]);
-  Rows rows = {
-      {QObject::tr("Variable"), Describe::sampleLabel(job)},
-      {QObject::tr("Values"), transform.arg(job.variable.column)},
-      {QObject::tr("Samples"), QString::number(samples.getCount())},
-      {QObject::tr("Undefined values"), QString::number(samples.nUndefined)},
-      {QObject::tr("Samples at the place of another"), QString::number(samples.nDuplicates)}};
+  Rows rows = {{QObject::tr("Variable"), Describe::sampleLabel(job)},
+               {QObject::tr("Values"), transform.arg(job.variable.column)},
+               {QObject::tr("Samples"), QString::number(samples.getCount())},
+               {QObject::tr("Undefined values"), QString::number(samples.nUndefined)},
+               {QObject::tr("Samples at the place of another"), describeDuplicates(job, samples)}};
   if (!job.crs.isEmpty())
     rows.append({QObject::tr("Coordinate reference system"), SpatialReference::describe(job.crs)});
   if (result.estimation)
@@ -215,16 +234,9 @@ QString crossValidation(const StudyResult &result)
                    QStringLiteral("lead"));
 }
 
-QString vectorText(const NbgVector3D &v)
-{
-  const auto component = [](double value) {
-    return QString::number(std::abs(value) < 5e-7 ? 0. : value, 'f', 6);
-  };
-  return QObject::tr("(%1, %2, %3)").arg(component(v.x()), component(v.y()), component(v.z()));
-}
-
 /// A row per axis of the structure's frame: range, direction and vector; the sill before them when
-/// there is one variable.
+/// there is one variable. In two dimensions the third axis of an anisotropic structure is shown
+/// too; it has no range.
 void addStructure(const NgmVModel &model, int index, const Job &job, NbbHtmlTable &table)
 {
   const NgmAVStruct &structure = model.getStructure(index);
@@ -236,13 +248,17 @@ void addStructure(const NgmVModel &model, int index, const Job &job, NbbHtmlTabl
   if (structure.getNAuxiliaryParameters() > 0)
     name += QObject::tr(", %1 %2").arg(structure.getAuxiliaryName(0),
                                        Describe::number(structure.getAuxiliaryValue(0)));
-  for (int axis = 0; axis < job.getNDimensions(); ++axis) {
+  const int nDimensions = job.getNDimensions();
+  const int nAxes = structure.isIsotropic() ? nDimensions : 3;
+  for (int axis = 0; axis < nAxes; ++axis) {
     QStringList row = {axis == 0 ? name : QString()};
     if (job.getNVariables() == 1)
       row << (axis == 0 ? Describe::number(model.getCoregionalisationMatrix(index)(0, 0))
                         : QString());
-    row << QLatin1String(names[axis]) << Describe::length(ranges[axis], job.lengthUnit)
-        << Compass::describe(axes[axis], job.getNDimensions()) << vectorText(axes[axis]);
+    row << QLatin1String(names[axis])
+        << (axis < nDimensions ? Describe::length(ranges[axis], job.lengthUnit) : QString())
+        << Compass::describe(axes[axis], axis < 2 ? nDimensions : 3)
+        << Describe::vector(axes[axis]);
     table.addRow(row);
   }
 }

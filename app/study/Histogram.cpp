@@ -70,15 +70,15 @@ Histogram singleClass(double value, qint64 count)
 
 void setClasses(const std::vector<double> &sorted, Histogram &histogram)
 {
-  const double width = roundedUp(widthOf(sorted));
+  const double wanted = widthOf(sorted);
   const double step = stepOf(sorted);
-  if (width < 3. * step) {
-    histogram.width = std::ceil(width / step * (1. - 1e-9)) * step;
+  if (wanted < 1.5 * step) {
+    histogram.width = step;
     histogram.first = sorted.front() - 0.5 * step;
-  } else {
-    histogram.width = width;
-    histogram.first = std::floor(sorted.front() / width) * width;
+    return;
   }
+  histogram.width = roundedUp(wanted);
+  histogram.first = std::floor(sorted.front() / histogram.width) * histogram.width;
 }
 
 /// Moves the first class and returns how many there are, such that they lie around the median.

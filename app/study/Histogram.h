@@ -25,8 +25,8 @@ struct Histogram
 ///
 /// Width:   2 IQR n^(-1/3) (Freedman and Diaconis, 1981), at least a sixteenth of the quartiles'
 ///          distance; without one the range over 1 + log2 n (Sturges, 1926). It is rounded up to
-///          1, 2, 2.5 or 5 times a power of ten, and borders are multiples of it. Values that are
-///          multiples of a step nearly as wide lie in the middle of their class.
+///          1, 2, 2.5 or 5 times a power of ten, and borders are multiples of it. Where values are
+///          multiples of a step about as wide, each of them has a class around it.
 /// Tails:   there are at most 100 classes, around the median; farther values are counted.
 /// Constant values have one class around them.
 Histogram makeHistogram(const std::vector<double> &values);

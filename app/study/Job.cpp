@@ -13,7 +13,7 @@ QStringList JobOutput::getFiles() const
   for (const QString &file :
        {dataMap, dataHistogram, variogramTable, variogramPicture, variogramMap, variogramCloud,
         fittedModel, crossValidationTable, crossValidationPicture, crossValidationMap, estimateMap,
-        deviationMap, report}) {
+        deviationMap, report, results}) {
     if (!file.isEmpty())
       files << file;
   }
@@ -31,7 +31,7 @@ Steps Job::getSteps() const
     steps.insert(Step::CROSS_VALIDATION);
   if (hasGrid)
     steps.insert(Step::KRIGING);
-  if (!output.report.isEmpty())
+  if (!output.report.isEmpty() || !output.results.isEmpty())
     steps.insert(Step::REPORT);
   return steps;
 }
@@ -63,8 +63,10 @@ void Job::keepOutputsOf(const Steps &steps)
     kept.deviationMap = output.deviationMap;
     kept.sections = output.sections;
   }
-  if (steps.count(Step::REPORT))
+  if (steps.count(Step::REPORT)) {
     kept.report = output.report;
+    kept.results = output.results;
+  }
   output = kept;
 }
 

@@ -2,6 +2,7 @@
 
 #include "app/io/TableReader.h"
 #include "app/study/CrossValidation.h"
+#include "app/study/Duplicates.h"
 #include "app/study/GridSection.h"
 #include "app/study/KrigingRequest.h"
 #include "app/study/ModelFit.h"
@@ -59,6 +60,7 @@ struct JobOutput
   QString crossValidationPicture;
   QString crossValidationMap;
   QString report;
+  QString results;
   bool overwrite = false;  ///< files of an earlier run are replaced
 
   QStringList getFiles() const;
@@ -76,6 +78,7 @@ struct Job
   QByteArray text;  ///< the file's bytes
   QString title;
   JobTable data;
+  DuplicatePolicy duplicates = DuplicatePolicy::KEEP;
   QString crs;         ///< as given; empty without one
   QString lengthUnit;  ///< of coordinates; empty when it is not known
   JobVariable variable;

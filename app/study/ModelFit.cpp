@@ -43,9 +43,11 @@ QString noPairs(const Job &job, const VariogramSet &set)
 
 void check(const Job &job, const Variography &variography, const NgmMatrix &variances)
 {
-  for (const VariogramSet &set : variography.sets) {
-    if (set.countPairs() == 0)
-      throw NbeUserError(noPairs(job, set));
+  for (const bool isCross : {false, true}) {
+    for (const VariogramSet &set : variography.sets) {
+      if (set.isCross() == isCross && set.countPairs() == 0)
+        throw NbeUserError(noPairs(job, set));
+    }
   }
   for (int i = 0; i < job.getNVariables(); ++i) {
     if (!(variances(i, i) > 0.))

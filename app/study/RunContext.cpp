@@ -13,7 +13,7 @@ void RunContext::run(NbcAProgress &calculator, const QString &action, qint64 nUn
   if (memory > 0)
     calculator.setAvailableMemBytes(memory);
   Progress progress(console, action, nUnits, units);
-  runCalculator(calculator, progress, abandon);
+  runCalculator(calculator, progress);
   progress.finish(weight == SIDE_STEP);
 }
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <functional>
-
 #include <QtGlobal>
 
 class NbcAProgress;
@@ -15,9 +13,8 @@ class Console;
 struct RunContext
 {
   Console &console;
-  int threads = 0;                ///< 0 leaves it to the library
-  qint64 memory = 0;              ///< bytes; 0 leaves it to the library
-  std::function<void()> abandon;  ///< see runCalculator()
+  int threads = 0;    ///< 0 leaves it to the library
+  qint64 memory = 0;  ///< bytes; 0 leaves it to the library
 
   /// Applies the settings to a calculator and runs it, showing its progress; see runCalculator().
   enum Weight { MAIN_STEP, SIDE_STEP };

@@ -1,6 +1,7 @@
 #include "app/study/Samples.h"
 
 #include "app/io/TableReader.h"
+#include "app/study/Duplicates.h"
 #include "app/study/Job.h"
 #include "basic/base/NbbGlobal.h"
 #include "basic/error/NbeUserError.h"
@@ -11,6 +12,8 @@
 #include "basic/provider/NbpMemoryProviderPointsW.h"
 #include "geos/data/NgdDataSetPoints.h"
 
+#include <QDateTime>
+#include <QFileInfo>
 #include <QObject>
 
 #include <algorithm>
@@ -46,16 +49,6 @@ NbgVector3D readLocation(const TableReader &reader, const std::array<int, 3> &co
       reader.fail(columns[axis], QObject::tr("a coordinate is undefined"));
   }
   return NbgVector3D(location[0], location[1], location[2]);
-}
-
-double readValue(const TableReader &reader, int column, Transform transform)
-{
-  double value = reader.getNumber(column);
-  if (!applyTransform(transform, value))
-    reader.fail(column, transform == Transform::LOG
-                            ? QObject::tr("%1 has no logarithm").arg(value)
-                            : QObject::tr("%1 has no square root").arg(value));
-  return value;
 }
 
 /// A column that kriging needs, and where it stands in its table.
@@ -117,25 +110,29 @@ void readSample(const TableReader &reader, const std::array<int, 3> &coordinates
         readValue(reader, placed.index, placed.column.transform));
 }
 
-qint64 countDuplicates(const Samples &samples)
+/// By which a change of a file is noticed.
+std::pair<qint64, QDateTime> stateOf(const QString &path)
 {
-  std::vector<std::size_t> order;
-  for (std::size_t i = 0; i < samples.value.size(); ++i) {
-    if (NbbGlobal::isDefined(samples.value[i]))
-      order.push_back(i);
-  }
-  const auto place = [&](std::size_t i) {
-    return std::array<double, 3>{samples.x[i], samples.y[i], samples.z.empty() ? 0. : samples.z[i]};
-  };
-  std::sort(order.begin(), order.end(),
-            [&](std::size_t a, std::size_t b) { return place(a) < place(b); });
-  qint64 count = 0;
-  for (std::size_t k = 1; k < order.size(); ++k)
-    count += place(order[k]) == place(order[k - 1]) ? 1 : 0;
-  return count;
+  const QFileInfo file(path);
+  return {file.size(), file.lastModified()};
+}
+
+qint64 countUndefined(const std::vector<double> &values)
+{
+  return std::count(values.begin(), values.end(), NbbGlobal::D_FFFF);
 }
 
 }  // namespace
+
+double readValue(const TableReader &reader, int column, Transform transform)
+{
+  double value = reader.getNumber(column);
+  if (!applyTransform(transform, value))
+    reader.fail(column, transform == Transform::LOG
+                            ? QObject::tr("%1 has no logarithm").arg(value)
+                            : QObject::tr("%1 has no square root").arg(value));
+  return value;
+}
 
 double Samples::getDiagonal() const
 {
@@ -147,6 +144,7 @@ double Samples::getDiagonal() const
 
 Samples readSamples(const Job &job)
 {
+  const auto before = stateOf(job.data.file);
   const auto reader = openTable(job.data);
   const std::array<int, 3> coordinates = findCoordinates(*reader, job.data);
   const SampleColumns columns = findSampleColumns(*reader, job);
@@ -154,16 +152,21 @@ Samples readSamples(const Job &job)
   samples.covariates.resize(columns.covariates.size());
   while (reader->next())
     readSample(*reader, coordinates, columns, job, samples);
+  if (stateOf(job.data.file) != before)
+    throw NbeUserError(QObject::tr("%1: changed while it was read").arg(job.data.shown));
+  if (samples.x.empty())
+    throw NbeUserError(QObject::tr("%1: no rows below the header").arg(job.data.shown));
+  treatDuplicates(job, samples);
   if (job.kriging.constantError)
     samples.auxiliaryColumns[constantErrorName()].assign(samples.x.size(),
                                                          *job.kriging.constantError);
-  if (samples.x.empty())
-    throw NbeUserError(QObject::tr("%1: no rows below the header").arg(job.data.shown));
-  samples.nUndefined = std::count(samples.value.begin(), samples.value.end(), NbbGlobal::D_FFFF);
-  if (samples.nUndefined == samples.getCount())
-    throw NbeUserError(QObject::tr("%1: all values of column \"%2\" are undefined")
-                           .arg(job.data.shown, job.variable.column));
-  samples.nDuplicates = countDuplicates(samples);
+  samples.nUndefined = countUndefined(samples.value);
+  for (int i = 0; i < job.getNVariables(); ++i) {
+    if (countUndefined(i == 0 ? samples.value : samples.covariates[std::size_t(i - 1)]) ==
+        samples.getCount())
+      throw NbeUserError(QObject::tr("%1: all values of column \"%2\" are undefined")
+                             .arg(job.data.shown, job.getVariable(i).column));
+  }
   return samples;
 }
 

@@ -12,6 +12,8 @@ class NgdDataSetPoints;
 
 namespace orvenal {
 
+class TableReader;
+enum class Transform;
 struct Column;
 struct Job;
 struct JobTable;
@@ -26,13 +28,20 @@ struct Samples
   std::vector<std::vector<double>> covariates;          ///< after their transforms
   QMap<QString, std::vector<double>> auxiliaryColumns;  ///< that kriging needs, by name
   qint64 nUndefined = 0;
-  qint64 nDuplicates = 0;  ///< defined samples at the place of an earlier one
+  qint64 nDuplicates =
+      0;  ///< in the file: samples with a value that an earlier one at their place has
+  std::vector<qint64> nDuplicatesOf;  ///< the same for each variable
+  qint64 nMerged = 0;                 ///< samples that became one per place, nMergedPlaces
+  qint64 nMergedPlaces = 0;
 
   qint64 getCount() const { return qint64(x.size()); }
 
   /// Diagonal of the box around them; 0 when they lie at one place.
   double getDiagonal() const;
 };
+
+/// A field of the current record after the transform. A value that has none is an error.
+double readValue(const TableReader &reader, int column, Transform transform);
 
 /// Reads the samples from the job's data file. Undefined coordinates, a value that has no
 /// logarithm and a file without samples are errors.

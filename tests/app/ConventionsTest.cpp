@@ -196,6 +196,32 @@ TEST(Conventions, HoldForLocalAnglesToo)
   EXPECT_GT(nDifferent, 90);
 }
 
+TEST(Conventions, AreSaidByTheReport)
+{
+  const apptest::Folder folder;
+  MeuseJob job = withConventions("{\"ranges\": \"scale\", \"angles\": \"mathematical\"}");
+  job.set("model.structures.0",
+          json("{\"type\": \"Gaussian\", \"sill\": 1, \"ranges\": [500, 200], \"azimuth\": 60}"));
+  job.set("neighborhood", json("{\"type\": \"moving\", \"radii\": [900, 400], \"azimuth\": 0, "
+                               "\"maximum\": 9}"));
+  job.set("grid.cell", json("[400, 400]")).set("grid.nodes", json("[8, 10]"));
+  job.set("output", json("{\"report\": \"report.html\"}"));
+  EXPECT_EQ(QProcess::execute(ORVENAL_PROGRAM, {"run", "-q", job.writeTo(folder)}), 0);
+  const std::string html = apptest::readFile(folder.path("report.html")).toStdString();
+  const char *const parts[] = {"Practical range",
+                               "865.409 m",
+                               "346.164 m",  // 1.730818 times
+                               "azimuth 30°",
+                               "(0.500000, 0.866025, 0.000000)",
+                               "(-0.866025, 0.500000, 0.000000)",
+                               "(0.000000, 0.000000, 1.000000)",  // W
+                               "azimuth 90°",
+                               "(1.000000, 0.000000, 0.000000)",
+                               "Ranges are practical ranges"};
+  for (const char *part : parts)
+    EXPECT_THAT(html, HasSubstr(part));
+}
+
 TEST(Conventions, AreChecked)
 {
   const apptest::Folder folder;

@@ -261,8 +261,8 @@ TEST(JobReader, WantsTheThirdCoordinateWhereItBelongs)
   EXPECT_THAT(errorOf(spatialJob().remove("data.z").text()), HasSubstr("data.z: missing"));
   EXPECT_THAT(errorOf(spatialJob().set("output.grid", json("[\"k.tif\"]")).text()),
               HasSubstr("output.grid[0]: a GeoTIFF needs a grid of two dimensions"));
-  EXPECT_THAT(errorOf(spatialJob().set("output.maps.estimate", "e.png").text()),
-              HasSubstr("output.maps.estimate: a map needs a grid of two dimensions"));
+  EXPECT_THAT(errorOf(MeuseJob().set("output.maps.sections", json("[{\"x\": 1}]")).text()),
+              HasSubstr("output.maps.sections: sections need a grid of three dimensions"));
 }
 
 TEST(JobReader, NamesLineAndColumnOfSyntaxErrors)

@@ -140,10 +140,18 @@ MeuseJob jobWith(const QString &path)
   MeuseJob job;
   if (path == "fit" || path == "output.fit")
     job.remove("model").set("variogram", json("{}"));
-  if (path.startsWith("output.") && path != "output.maps" && path != "output.variogram")
+  if (path.startsWith("output.") && !path.startsWith("output.maps") && path != "output.data" &&
+      path != "output.variogram")
     job.set(path.section('.', 1, 1), json("{}"));
   if (path == "output.variogram")
     job.set("variogram", json("{}"));
+  if (path == "output.maps.sections.0")
+    job.set("data.z", "elev")
+        .remove("grid.mask")
+        .set("grid.origin", json("[178460, 329620, 4]"))
+        .set("grid.cell", json("[40, 40, 1]"))
+        .set("grid.nodes", json("[78, 104, 3]"))
+        .set("output.grid", json("[\"k.csv\"]"));
   if (path.startsWith("kriging.localMeans"))
     job.set("kriging.mode", "simple");
   if (path.startsWith("kriging.externalDrifts"))
@@ -280,7 +288,7 @@ bool isBeyondSchemas(const QString &error)
       "admissible|model is empty|"
       "expected \\d+ (numbers|columns)|missing; it says where the first axis|more than the maximum|"
       "has no parameter|is not in [\\[\\]]|is an input of the job|would be written twice|"
-      "too many nodes|two variables named|\"file\" is a folder");
+      "too many nodes|outside the grid|two variables named|\"file\" is a folder");
   return reasons.match(error).hasMatch();
 }
 

@@ -26,7 +26,7 @@ namespace {
 Outcome runJob(const MeuseJob &job, const apptest::Folder &folder,
                const QStringList &options = QStringList())
 {
-  return runProgram(QStringList{"run"} + options + QStringList{job.writeTo(folder)});
+  return runProgram(QStringList{"run", "--overwrite"} + options + QStringList{job.writeTo(folder)});
 }
 
 struct Node
@@ -208,8 +208,10 @@ TEST(Program, WritesAGeoTiffThatSaysTheSame)
   ASSERT_TRUE(raster);
   ASSERT_EQ(raster->GetRasterXSize(), 78);
   ASSERT_EQ(raster->GetRasterYSize(), 104);
-  ASSERT_EQ(raster->GetRasterCount(), 2);
-  EXPECT_STREQ(raster->GetRasterBand(1)->GetDescription(), "Estimate of log zinc [log(mg/kg)]");
+  ASSERT_EQ(raster->GetRasterCount(), 3);
+  EXPECT_STREQ(raster->GetRasterBand(1)->GetDescription(), "estimate");
+  EXPECT_STREQ(raster->GetRasterBand(1)->GetMetadataItem("long_name"),
+               "Estimate of log zinc [log(mg/kg)]");
   EXPECT_TRUE(std::isnan(raster->GetRasterBand(1)->GetNoDataValue()));
   ASSERT_TRUE(raster->GetSpatialRef());
   EXPECT_STREQ(raster->GetSpatialRef()->GetAuthorityCode(nullptr), "28992");
@@ -431,7 +433,7 @@ TEST(Program, SaysWhyThereIsNoVariogramOrModel)
   const Case cases[] = {
       {"x,y,v\n1,2,3\n", "variogram", "all samples lie at one place"},
       {"x,y,v\n1,2,3\n1,2,4\n", "run", "all samples lie at one place"},
-      {"x,y,v\n1,2,3\n1.2,2,3\n9,2,3\n1,8,3\n", "fit", "all values are equal"},
+      {"x,y,v\n1,2,3\n1.2,2,3\n9,2,3\n1,8,3\n", "fit", "all values of \"v\" are equal"},
   };
   for (const Case &c : cases) {
     const apptest::Folder folder;
@@ -547,7 +549,8 @@ TEST(Program, LeavesOutLinesAndBalls)
       "model": {"structures": [{"type": "Spherical", "sill": 1, "range": 30}]},
       "neighborhood": {"type": "unique"},
       "output": {"crossValidation": {"table": "x.csv"}}})");
-    const Outcome outcome = runProgram({"run", "--quiet", "job.json"}, folder.path(""));
+    const Outcome outcome =
+        runProgram({"run", "--quiet", "--overwrite", "job.json"}, folder.path(""));
     ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
     CsvReader table(folder.path("x.csv"), "x.csv", TableFormat());
     for (int i = 0; table.next(); ++i)
@@ -643,11 +646,12 @@ TEST(Program, RefusesWrongUse)
       {{}, "a command is missing"},
       {{"rnu"}, "there is no command \"rnu\"; did you mean \"run\"?"},
       {{"help", "rnu"}, "there is no command"},
-      {{"help", "run", "run"}, "usage: orvenal help"},
-      {{"version", "x"}, "usage: orvenal version"},
+      {{"help", "run", "run"}, "one command or topic at a time"},
+      {{"version", "x"}, "no argument is expected"},
       {{"run"}, "the job file is missing"},
-      {{"run", "a.json", "b.json"}, "one job file at a time"},
-      {{"run", "--thread", "2", "a.json"}, "Unknown option 'thread'"},
+      {{"run", "a.json", "b.json"}, "one file at a time"},
+      {{"run", "--thread", "2", "a.json"},
+       "there is no option --thread; did you mean \"--threads\"?"},
       {{"run", "/nowhere/job.json"}, "/nowhere/job.json: cannot be read"},
       {{"run", "--threads", "two", ORVENAL_EXAMPLES "/meuse/job.json"}, "--threads: expected"},
       {{"run", "--memory", "0 MB", ORVENAL_EXAMPLES "/meuse/job.json"}, "--memory: expected"},
@@ -773,7 +777,7 @@ TEST(Program, RunsTwiceAtATimeInOneFolder)
   const QString job = onlyCsv().writeTo(folder);
   QProcess programs[2];
   for (QProcess &program : programs)
-    program.start(ORVENAL_PROGRAM, {"run", "--quiet", job});
+    program.start(ORVENAL_PROGRAM, {"run", "--quiet", "--overwrite", job});
   for (QProcess &program : programs) {
     ASSERT_TRUE(program.waitForFinished(120000));
     EXPECT_EQ(program.exitCode(), 0);

@@ -5,6 +5,7 @@
 #include "basic/data/NbdVariableInt64.h"
 #include "basic/error/NbeAssertion.h"
 #include "geos/anam/NgmITransformation.h"
+#include "geos/data/NgdANeighborhood.h"
 #include "geos/interpol/NgmABlock.h"
 #include "geos/interpol/NgmIKrigingPostPro.h"
 #include "geos/stats/NgmIMultivariateTransform.h"
@@ -175,8 +176,14 @@ bool NgcAKriging::Worker::_search(const NbdAData &buffer, int position)
     parts.neighborhood.setTargetBlock(*block);
   }
   int level = -1;
-  parts.outcome = &parts.neighborhood.setTargetLocation(buffer.getLocation(position), position,
-                                                        buffer.getSampleNumber(position), &level);
+  // Looked up for those who ask only.
+  qint64 number = NbbGlobal::I64_FFFF;
+  if (parts.sampleNumbers)
+    number = parts.sampleNumbers[position];
+  else if (_kriging.getConstNeighborhood().isRejectionActive())
+    number = buffer.getSampleNumber(position);
+  parts.outcome =
+      &parts.neighborhood.setTargetLocation(buffer.getLocation(position), position, number, &level);
   const bool isMoving = _kriging.isUsingMoving();
   if (parts.outputs.describesNeighbors())
     NgcKrigingSearchOutputs::write(parts.neighborhood, isMoving, level, parts.outputs, position);

@@ -16,6 +16,7 @@ class NbdAVariableNumeric;
 class NbdDataPoints;
 class NbdVariableAlpha;
 class NgdADataSet;
+class NgdNearestSet;
 
 /// Spatial index of samples: a kd-tree in a frame of its own, in which search ellipsoids may become
 /// spheres. It only proposes: whoever asks measures the proposals from their raw coordinates.
@@ -26,7 +27,7 @@ public:
   struct Proposals
   {
     std::vector<int> ranks;
-    std::vector<double> distances;
+    std::vector<double> keys;
     int count = 0;
   };
 
@@ -106,7 +107,8 @@ private:
   template <int nDim>
   class IndexOfDimension;
 
-  void _proposeAll(const NbgVector3D &point, Proposals &proposals) const;
+  void _take(const NgdNearestSet &set, Proposals &proposals) const;
+  void _findWithin(const NbgVector3D &local, double bound, Proposals &proposals) const;
   NbgVector3D _toFrame(const NbgVector3D &point) const;
 
   int _nDimensions = 3;

@@ -259,7 +259,7 @@ NgdNeighborhoodSearch::_Verdict NgdNeighborhoodSearch::_measurePlain(int sample,
   if (!(a < _volume->squaredRadius))
     return OUTSIDE;
   const double e = d.squaredNorm();
-  _offerToSector(local, {_keysAreAnisotropic ? a : e, e, sample, 0});
+  _offer(local, a, e, sample);
   return KEPT;
 }
 
@@ -290,7 +290,7 @@ NgdNeighborhoodSearch::_Verdict NgdNeighborhoodSearch::_measureWithRules(
   }
   if (!isInside)
     return OUTSIDE;
-  _offerToSector(local, {_keysAreAnisotropic ? a : e, e, sample, 0});
+  _offer(local, a, e, sample);
   return KEPT;
 }
 
@@ -433,20 +433,22 @@ int NgdNeighborhoodSearch::_sectorOf(const NbgVector3D &local) const
   return _parameters->isSplitSectors() && !isUpper ? sector + n : sector;
 }
 
-/// Keeps a candidate; where the best of each sector are enough, one that its sector has no place
-/// for is only counted.
-void NgdNeighborhoodSearch::_offerToSector(const NbgVector3D &local, _Candidate candidate)
+/// Keeps a candidate of squared distances `a` (scaled) and `e`; where the best of each sector are
+/// enough, one that its sector has no place for is only counted.
+void NgdNeighborhoodSearch::_offer(const NbgVector3D &local, double a, double e, int sample)
 {
   ++_nCandidates;
-  if (!_keepsBestPerSector) {
-    if (_nSectors > 1)
-      candidate.sector = _sectorOf(local);
-    _candidates.push_back(candidate);
-    return;
-  }
-  if (candidate.key > _worstBest)
-    return;
-  const int sector = candidate.sector = _sectorOf(local);
+  const double key = _keysAreAnisotropic ? a : e;
+  // Constructed in place: elements copied right after their parts were written wait for the memory.
+  if (!_keepsBestPerSector)
+    _candidates.emplace_back(key, e, sample, _nSectors > 1 ? _sectorOf(local) : 0);
+  else if (!(key > _worstBest))
+    _offerToSector(_Candidate(key, e, sample, _sectorOf(local)));
+}
+
+void NgdNeighborhoodSearch::_offerToSector(const _Candidate &candidate)
+{
+  const int sector = candidate.sector;
   _Candidate *best = _candidates.data() + std::size_t(sector) * _perSector;
   int &count = _bestCounts[sector];
   if (count == _perSector && !_isBefore(candidate, best[count - 1]))

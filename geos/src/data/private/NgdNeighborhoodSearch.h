@@ -73,6 +73,11 @@ public:
   /// A selected sample; the sector is -1 for one selected by proximity.
   struct Selected
   {
+    Selected(int sample_, int sector_, double squaredDistance_)
+        : sample(sample_), sector(sector_), squaredDistance(squaredDistance_)
+    {
+    }
+
     int sample;
     int sector;
     double squaredDistance;
@@ -112,10 +117,16 @@ public:
 private:
   struct _Candidate
   {
-    double key;
-    double squaredDistance;
-    int sample;
-    int sector;
+    _Candidate() = default;
+    _Candidate(double key_, double squaredDistance_, int sample_, int sector_)
+        : key(key_), squaredDistance(squaredDistance_), sample(sample_), sector(sector_)
+    {
+    }
+
+    double key = 0.;
+    double squaredDistance = 0.;
+    int sample = 0;
+    int sector = 0;
   };
 
   struct _CodeCount
@@ -153,7 +164,8 @@ private:
   bool _isUsable(int sample) const;
   NbgVector3D _location(int sample) const;
   int _sectorOf(const NbgVector3D &local) const;
-  void _offerToSector(const NbgVector3D &local, _Candidate candidate);
+  void _offer(const NbgVector3D &local, double a, double e, int sample);
+  void _offerToSector(const _Candidate &candidate);
   void _mergeSectors();
   void _sort();
 

@@ -169,7 +169,7 @@ const NgdNeighborhoodSearch::_CodeCount *NgdNeighborhoodSearch::_findCode(int co
 
 void NgdNeighborhoodSearch::_select(int sample, int sector, double squaredDistance)
 {
-  _selected.push_back({sample, sector, squaredDistance});
+  _selected.emplace_back(sample, sector, squaredDistance);
   if (sector >= 0)
     ++_sectorCounts[sector];
   if (!_testsCodes || !_hasCode(sample))

@@ -4,9 +4,9 @@
 #include "basic/data/NbdDataPoints.h"
 #include "basic/data/NbdVariableAlpha.h"
 #include "basic/error/NbeAssertion.h"
+#include "data/private/NgdKdTree.h"
+#include "data/private/NgdNearestSet.h"
 #include "geos/data/NgdADataSet.h"
-
-#include <nanoflann.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -15,249 +15,26 @@
 
 namespace {
 
-/// A squared distance so much larger that no rounding of coordinates can hide a sample behind it.
-class Widening
-{
-public:
-  /// `coordinateError`: how far rounding may move a coordinate.
-  explicit Widening(double coordinateError)
-      : _absolute(coordinateError * coordinateError / relative)
-  {
-  }
-
-  // (d + e)^2 <= d^2 (1 + r) + e^2 (1 + 1 / r) for every r.
-  double operator()(double squaredDistance) const
-  {
-    return squaredDistance * (1. + relative) + 2. * _absolute;
-  }
-
-private:
-  static constexpr double relative = 1e-9;
-  double _absolute;
-};
-
-/// Collects the nearest samples, keeping all that tie with the last one.
-class NearestSet
-{
-public:
-  NearestSet(int wanted, double bound, const unsigned char *usable, const Widening &widening,
-             const unsigned *order, NgdSortedDataKdTree::Proposals &out)
-      : _wanted(wanted),
-        _bound(bound),
-        _usable(usable),
-        _widening(widening),
-        _order(order),
-        _out(out)
-  {
-    // Other queries leave them at different lengths.
-    _out.distances.resize(_out.ranks.size());
-  }
-
-  bool addPoint(double squaredDistance, unsigned position)
-  {
-    // The bound may have shrunk since the caller asked for it.
-    if (squaredDistance > _bound)
-      return true;
-    const unsigned rank = _order[position];
-    if (_usable && !_usable[rank])
-      return true;
-    if (std::size_t(_count) == _out.ranks.size()) {
-      _out.ranks.resize(2 * _count + 32);
-      _out.distances.resize(2 * _count + 32);
-    }
-    double *distances = _out.distances.data();
-    int *ranks = _out.ranks.data();
-    int i = _count++;
-    for (; i > 0 && distances[i - 1] > squaredDistance; --i) {
-      distances[i] = distances[i - 1];
-      ranks[i] = ranks[i - 1];
-    }
-    distances[i] = squaredDistance;
-    ranks[i] = int(rank);
-
-    if (_count >= _wanted) {
-      _bound = std::min(_bound, _widening(distances[_wanted - 1]));
-      while (_count > _wanted && distances[_count - 1] > _bound)
-        --_count;
-    }
-    return true;
-  }
-
-  double worstDist() const { return _bound; }
-  bool full() const { return true; }
-  std::size_t size() const { return std::size_t(_count); }
-  int count() const { return _count; }
-
-private:
-  int _wanted;
-  int _count = 0;
-  double _bound;
-  const unsigned char *_usable;
-  const Widening &_widening;
-  const unsigned *_order;
-  NgdSortedDataKdTree::Proposals &_out;
-};
-
-/// Collects every sample within a bound, and its distance where that is asked for.
-class WithinSet
-{
-public:
-  WithinSet(double bound, const unsigned *order, NgdSortedDataKdTree::Proposals &out,
-            bool keepsDistances = false)
-      : _bound(bound), _order(order), _out(out), _keepsDistances(keepsDistances)
-  {
-    _out.ranks.clear();
-    _out.distances.clear();
-  }
-
-  bool addPoint(double squaredDistance, unsigned position)
-  {
-    _out.ranks.push_back(int(_order[position]));
-    if (_keepsDistances)
-      _out.distances.push_back(squaredDistance);
-    return true;
-  }
-
-  double worstDist() const { return _bound; }
-  bool full() const { return true; }
-  std::size_t size() const { return _out.ranks.size(); }
-
-private:
-  double _bound;
-  const unsigned *_order;
-  NgdSortedDataKdTree::Proposals &_out;
-  bool _keepsDistances;
-};
-
-/// Coordinates of a point next to each other: one cache line per distance.
-template <int nDim>
-struct Cloud
-{
-  std::vector<double> coordinates;
-
-  std::size_t kdtree_get_point_count() const { return coordinates.size() / nDim; }
-  double kdtree_get_pt(std::size_t rank, std::size_t axis) const
-  {
-    return coordinates[rank * nDim + axis];
-  }
-  template <class Box>
-  bool kdtree_get_bbox(Box &) const
-  {
-    return false;
-  }
-};
-
-constexpr std::size_t leafSize = 10;
-
 /// Beyond this number the nearest samples are found by sorting all of them.
 constexpr int mostInOrder = 256;
 
-/// The order in which a tree holds its points, its first cell and the box around them.
-template <class Tree>
-auto &pointsOf(Tree &tree)
-{
-#if NANOFLANN_VERSION >= 0x150
-  return tree.vAcc_;
-#else
-  return tree.vAcc;
-#endif
-}
-
-template <class Tree>
-auto rootOf(const Tree &tree)
-{
-#if NANOFLANN_VERSION >= 0x150
-  return tree.root_node_;
-#else
-  return tree.root_node;
-#endif
-}
-
-template <class Tree>
-const auto &boxOf(const Tree &tree)
-{
-#if NANOFLANN_VERSION >= 0x150
-  return tree.root_bbox_;
-#else
-  return tree.root_bbox;
-#endif
-}
-
-/// A walk through the cells of a tree, nearest first, that leaves out a cell for either of two
-/// distances: farther than a radius, or weighted farther than the nearest points so far.
-template <class Tree, int nDim>
-class WeightedWalk
+/// Collects every point within a bound.
+class WithinSet
 {
 public:
-  WeightedWalk(const double *coordinates, const double *point, const double *weights,
-               double squaredRadius, NearestSet &set)
-      : _coordinates(coordinates),
-        _point(point),
-        _weights(weights),
-        _squaredRadius(squaredRadius),
-        _set(set)
+  WithinSet(double bound, const unsigned *order, std::vector<int> &ranks)
+      : _bound(bound), _order(order), _ranks(ranks)
   {
+    _ranks.clear();
   }
 
-  void start(const Tree &tree)
-  {
-    double distance = 0., weighted = 0.;
-    for (int axis = 0; axis < nDim; ++axis) {
-      const auto &range = boxOf(tree)[axis];
-      const double beyond = std::max({0., range.low - _point[axis], _point[axis] - range.high});
-      _toCell[axis] = beyond * beyond;
-      distance += _toCell[axis];
-      weighted += _weights[axis] * _toCell[axis];
-    }
-    _visit(rootOf(tree), distance, weighted);
-  }
+  double bound() const { return _bound; }
+  void offer(double, unsigned position) { _ranks.push_back(int(_order[position])); }
 
 private:
-  template <class Node>
-  void _visit(const Node *cell, double distance, double weighted)
-  {
-    if (!cell->child1 && !cell->child2) {
-      for (auto i = cell->node_type.lr.left; i < cell->node_type.lr.right; ++i)
-        _offer(unsigned(i));
-      return;
-    }
-    const auto &cut = cell->node_type.sub;
-    const int axis = cut.divfeat;
-    const double toLow = _point[axis] - cut.divlow;
-    const double toHigh = _point[axis] - cut.divhigh;
-    const bool isLow = toLow + toHigh < 0.;
-    _visit(isLow ? cell->child1 : cell->child2, distance, weighted);
-
-    const double toOther = isLow ? toHigh * toHigh : toLow * toLow;
-    const double before = _toCell[axis];
-    distance += toOther - before;
-    weighted += _weights[axis] * (toOther - before);
-    if (distance > _squaredRadius || weighted > _set.worstDist())
-      return;
-    _toCell[axis] = toOther;
-    _visit(isLow ? cell->child2 : cell->child1, distance, weighted);
-    _toCell[axis] = before;
-  }
-
-  void _offer(unsigned position)
-  {
-    const double *at = _coordinates + std::size_t(position) * nDim;
-    double distance = 0., weighted = 0.;
-    for (int axis = 0; axis < nDim; ++axis) {
-      const double difference = at[axis] - _point[axis];
-      distance += difference * difference;
-      weighted += _weights[axis] * (difference * difference);
-    }
-    if (distance <= _squaredRadius && weighted < _set.worstDist())
-      _set.addPoint(weighted, position);
-  }
-
-  const double *_coordinates;
-  const double *_point;
-  const double *_weights;
-  double _squaredRadius;
-  NearestSet &_set;
-  double _toCell[nDim];
+  double _bound;
+  const unsigned *_order;
+  std::vector<int> &_ranks;
 };
 
 }  // namespace
@@ -267,80 +44,38 @@ class NgdSortedDataKdTree::Index
 public:
   virtual ~Index() = default;
   virtual int count() const = 0;
-
-  /// Volume of the box around the points.
   virtual double boxVolume() const = 0;
-
-  /// Rank of the sample at each position of the index.
   virtual const unsigned *order() const = 0;
-  virtual void nearest(const double *point, NearestSet &set) const = 0;
+  virtual double squaredDistance(const double *point, unsigned position) const = 0;
+  virtual void nearest(const double *point, NgdNearestSet &set) const = 0;
   virtual void within(const double *point, WithinSet &set) const = 0;
-
-  /// The nearest by the weighted sum of squared differences, among the points up to
-  /// `squaredRadius` without weights.
   virtual void nearestWeighted(const double *point, const double *weights, double squaredRadius,
-                               NearestSet &set) const = 0;
+                               NgdNearestSet &set) const = 0;
 };
 
 template <int nDim>
 class NgdSortedDataKdTree::IndexOfDimension : public NgdSortedDataKdTree::Index
 {
 public:
-  explicit IndexOfDimension(std::vector<double> &&coordinates)
-      : _cloud{std::move(coordinates)},
-        _tree(nDim, _cloud, nanoflann::KDTreeSingleIndexAdaptorParams(leafSize))
-  {
-    _tree.buildIndex();
-    _sortCloud();
-  }
+  explicit IndexOfDimension(const std::vector<double> &coordinates) : _tree(coordinates) {}
 
-  const unsigned *order() const override { return _order.data(); }
-  int count() const override { return int(_cloud.kdtree_get_point_count()); }
-  double boxVolume() const override
+  int count() const override { return _tree.count(); }
+  double boxVolume() const override { return _tree.boxVolume(); }
+  const unsigned *order() const override { return _tree.order(); }
+  double squaredDistance(const double *point, unsigned position) const override
   {
-    double volume = count() > 0 ? 1. : 0.;
-    for (int axis = 0; axis < nDim && count() > 0; ++axis)
-      volume *= boxOf(_tree)[axis].high - boxOf(_tree)[axis].low;
-    return volume;
+    return _tree.squaredDistance(point, position);
   }
-  void nearest(const double *point, NearestSet &set) const override
-  {
-    _tree.findNeighbors(set, point, nanoflann::SearchParams());
-  }
-  void within(const double *point, WithinSet &set) const override
-  {
-    _tree.findNeighbors(set, point, nanoflann::SearchParams());
-  }
+  void nearest(const double *point, NgdNearestSet &set) const override { _tree.search(point, set); }
+  void within(const double *point, WithinSet &set) const override { _tree.search(point, set); }
   void nearestWeighted(const double *point, const double *weights, double squaredRadius,
-                       NearestSet &set) const override
+                       NgdNearestSet &set) const override
   {
-    WeightedWalk<Tree, nDim>(_cloud.coordinates.data(), point, weights, squaredRadius, set)
-        .start(_tree);
+    _tree.searchWeighted(point, weights, squaredRadius, set);
   }
 
 private:
-  using Metric = nanoflann::L2_Simple_Adaptor<double, Cloud<nDim>>;
-  using Tree = nanoflann::KDTreeSingleIndexAdaptor<Metric, Cloud<nDim>, nDim, unsigned>;
-
-  /// Puts the points of a leaf next to each other: a query waits for fewer cache lines (measured:
-  /// 16 of 1,000,000 in 2.6 instead of 2.9 us).
-  void _sortCloud()
-  {
-    std::vector<double> sorted;
-    sorted.reserve(_cloud.coordinates.size());
-    auto &points = pointsOf(_tree);
-    _order.assign(points.begin(), points.end());
-    for (const unsigned rank : _order) {
-      const double *point = _cloud.coordinates.data() + std::size_t(rank) * nDim;
-      sorted.insert(sorted.end(), point, point + nDim);
-    }
-    _cloud.coordinates.swap(sorted);
-    std::iota(points.begin(), points.end(), 0u);
-  }
-
-  std::vector<unsigned> _order;
-  Cloud<nDim> _cloud;
-  Tree _tree;
+  NgdKdTree<nDim> _tree;
 };
 
 NgdSortedDataKdTree::NgdSortedDataKdTree() : _scale(1., 1., 1.) {}
@@ -432,13 +167,13 @@ void NgdSortedDataKdTree::build(const NbdDataPoints &points)
 
   switch (_nDimensions) {
     case 1:
-      _index = std::make_unique<IndexOfDimension<1>>(std::move(coordinates));
+      _index = std::make_unique<IndexOfDimension<1>>(coordinates);
       break;
     case 2:
-      _index = std::make_unique<IndexOfDimension<2>>(std::move(coordinates));
+      _index = std::make_unique<IndexOfDimension<2>>(coordinates);
       break;
     default:
-      _index = std::make_unique<IndexOfDimension<3>>(std::move(coordinates));
+      _index = std::make_unique<IndexOfDimension<3>>(coordinates);
       break;
   }
 }
@@ -473,10 +208,11 @@ void NgdSortedDataKdTree::proposeNearest(const NbgVector3D &point, int count, do
     return;
   const NbgVector3D local = _toFrame(point);
   const double target[3] = {local.x(), local.y(), local.z()};
-  const Widening widening(_coordinateError);
-  NearestSet set(count, widening(squaredRadius), usable, widening, _index->order(), proposals);
+  const NgdWidening widening(_coordinateError);
+  NgdNearestSet set(count, widening(squaredRadius), usable, _index->order(), widening,
+                    proposals.keys);
   _index->nearest(target, set);
-  proposals.count = set.count();
+  _take(set, proposals);
 }
 
 void NgdSortedDataKdTree::proposeNearestUnscaled(const NbgVector3D &point, int count,
@@ -495,34 +231,39 @@ void NgdSortedDataKdTree::proposeNearestUnscaled(const NbgVector3D &point, int c
   double stretch = 0.;
   for (int axis = 0; axis < _nDimensions; ++axis)
     stretch = std::max(stretch, toUnscaled[axis]);
-  const Widening widening(_coordinateError * stretch);
-  NearestSet set(count, std::numeric_limits<double>::max(), usable, widening, _index->order(),
-                 proposals);
-  _index->nearestWeighted(target, weights, Widening(_coordinateError)(squaredRadius), set);
-  proposals.count = set.count();
+  const NgdWidening widening(_coordinateError * stretch);
+  NgdNearestSet set(count, std::numeric_limits<double>::max(), usable, _index->order(), widening,
+                    proposals.keys);
+  _index->nearestWeighted(target, weights, NgdWidening(_coordinateError)(squaredRadius), set);
+  _take(set, proposals);
 }
 
 void NgdSortedDataKdTree::proposeWithin(const NbgVector3D &point, double squaredRadius,
                                         Proposals &proposals) const
 {
-  proposals.count = 0;
-  if (getNData() == 0)
-    return;
-  const NbgVector3D local = _toFrame(point);
-  const double target[3] = {local.x(), local.y(), local.z()};
-  WithinSet set(Widening(_coordinateError)(squaredRadius), _index->order(), proposals);
-  _index->within(target, set);
-  proposals.count = int(proposals.ranks.size());
+  _findWithin(_toFrame(point), NgdWidening(_coordinateError)(squaredRadius), proposals);
 }
 
-void NgdSortedDataKdTree::_proposeAll(const NbgVector3D &point, Proposals &proposals) const
+/// Positions become ranks.
+void NgdSortedDataKdTree::_take(const NgdNearestSet &set, Proposals &proposals) const
+{
+  proposals.count = set.count();
+  if (proposals.ranks.size() < std::size_t(proposals.count))
+    proposals.ranks.resize(std::size_t(proposals.count));
+  const unsigned *order = _index->order();
+  for (int i = 0; i < proposals.count; ++i)
+    proposals.ranks[std::size_t(i)] = int(order[set.position(i)]);
+}
+
+/// The samples up to a squared distance from a point of the frame.
+void NgdSortedDataKdTree::_findWithin(const NbgVector3D &local, double bound,
+                                      Proposals &proposals) const
 {
   proposals.count = 0;
   if (getNData() == 0)
     return;
-  const NbgVector3D local = _toFrame(point);
   const double target[3] = {local.x(), local.y(), local.z()};
-  WithinSet set(std::numeric_limits<double>::infinity(), _index->order(), proposals, true);
+  WithinSet set(bound, _index->order(), proposals.ranks);
   _index->within(target, set);
   proposals.count = int(proposals.ranks.size());
 }
@@ -536,19 +277,33 @@ void NgdSortedDataKdTree::knnSearch(const NbgVector3D &point, int count, QVector
 void NgdSortedDataKdTree::knnSearch(const NbgVector3D &point, int count, QVector<int> &ranks,
                                     QVector<double> &squaredDistances) const
 {
-  Proposals proposals;
-  if (count > mostInOrder)
-    _proposeAll(point, proposals);
-  else
-    proposeNearest(point, count, std::numeric_limits<double>::max(), nullptr, proposals);
-  std::vector<std::pair<double, int>> nearest;
-  for (int i = 0; i < proposals.count; ++i)
-    nearest.emplace_back(proposals.distances[i], proposals.ranks[i]);
-  std::sort(nearest.begin(), nearest.end());
-  if (int(nearest.size()) > count)
-    nearest.resize(count);
   ranks.clear();
   squaredDistances.clear();
+  if (getNData() == 0 || count < 1)
+    return;
+  const NbgVector3D local = _toFrame(point);
+  const double target[3] = {local.x(), local.y(), local.z()};
+  std::vector<std::pair<double, int>> nearest;
+  const auto add = [&](unsigned position) {
+    const double squaredDistance = _index->squaredDistance(target, position);
+    if (std::isfinite(squaredDistance))
+      nearest.emplace_back(squaredDistance, int(_index->order()[position]));
+  };
+  if (count > mostInOrder) {
+    for (int position = 0; position < getNData(); ++position)
+      add(unsigned(position));
+  } else {
+    const NgdWidening widening(_coordinateError);
+    std::vector<double> keys;
+    NgdNearestSet set(count, std::numeric_limits<double>::max(), nullptr, _index->order(), widening,
+                      keys);
+    _index->nearest(target, set);
+    for (int i = 0; i < set.count(); ++i)
+      add(set.position(i));
+  }
+  std::sort(nearest.begin(), nearest.end());
+  if (int(nearest.size()) > count)
+    nearest.resize(std::size_t(count));
   for (const auto &[squaredDistance, rank] : nearest) {
     ranks << rank;
     squaredDistances << squaredDistance;
@@ -574,14 +329,8 @@ void NgdSortedDataKdTree::radiusSearch(const NbgVector3D &point, double radius,
   ranks.clear();
   if (!_index || !(radius >= 0.))
     return;
-  const NbgVector3D local = _toFrame(point);
-  const double target[3] = {local.x(), local.y(), local.z()};
-  const double squaredRadius = radius * radius;
-  // The index leaves out what stands exactly at its bound.
-  const double bound = std::nextafter(squaredRadius, std::numeric_limits<double>::infinity());
   Proposals proposals;
-  WithinSet set(bound, _index->order(), proposals);
-  _index->within(target, set);
+  _findWithin(_toFrame(point), radius * radius, proposals);
   ranks = QVector<int>(proposals.ranks.begin(), proposals.ranks.end());
   std::sort(ranks.begin(), ranks.end());
 }

@@ -1,10 +1,12 @@
 #include "matrix/private/NgmSymmetricSolver.h"
 
+#include "private/NgmLanes.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
-using NgmSymmetricSolver::LANES;
+using namespace NgmLanes;
 using NgmSymmetricSolver::MOST_ROWS;
 using NgmSymmetricSolver::paddedRows;
 
@@ -14,21 +16,8 @@ namespace {
 /// blocks of one.
 constexpr double ALPHA = 0.64038820320220756;
 
-typedef double Lanes __attribute__((vector_size(LANES * sizeof(double)), may_alias));
-typedef long long Bits __attribute__((vector_size(LANES * sizeof(long long)), may_alias));
-
-inline const Lanes &lanes(const double *p)
-{
-  return *reinterpret_cast<const Lanes *>(p);
-}
-
-inline Lanes &lanes(double *p)
-{
-  return *reinterpret_cast<Lanes *>(p);
-}
-
 /// A column of the matrix above its pivot, with zeros up to a whole register.
-struct alignas(sizeof(Lanes)) Column
+struct alignas(64) Column
 {
   double values[MOST_ROWS];
 };
@@ -49,12 +38,13 @@ inline double take(int k, const double *__restrict column, Column &__restrict ou
   Lanes largest = {};
   int i = 0;
   for (; i + LANES <= k; i += LANES) {
-    lanes(out.values + i) = lanes(column + i);
-    raise(lanes(column + i), largest);
+    const Lanes values = at(column + i).lanes;
+    at(out.values + i).lanes = values;
+    raise(values, largest);
   }
   if (i < k) {
-    const Lanes rest = Lanes(Bits(lanes(column + i)) & (lane < (long long)(k - i)));
-    lanes(out.values + i) = rest;
+    const Lanes rest = Lanes(Bits(at(column + i).lanes) & (lane < (long long)(k - i)));
+    at(out.values + i).lanes = rest;
     raise(rest, largest);
   }
   return std::max(std::max(largest[0], largest[1]), std::max(largest[2], largest[3]));
@@ -65,7 +55,7 @@ inline void put(int k, const Column &__restrict values, double *__restrict colum
 {
   int i = 0;
   for (; i + LANES <= k; i += LANES)
-    lanes(column + i) = lanes(values.values + i);
+    at(column + i).lanes = at(values.values + i).lanes;
   for (; i < k; ++i)
     column[i] = values.values[i];
 }
@@ -77,7 +67,7 @@ inline void updateColumns(int size, const double *__restrict u, const double *__
 {
   for (int i = 0; i < size; i += LANES)
     for (int c = 0; c < nColumns; ++c)
-      lanes(a + i + c * rows) -= lanes(u + i) * s[c];
+      at(a + i + c * rows).lanes -= at(u + i).lanes * s[c];
 }
 
 /// a_ij -= u_i * s_j for the first k rows and columns. From the last columns to the first: the next
@@ -101,7 +91,7 @@ inline void update(int k, const Column &u, const Column &s, double *a, std::size
 inline void update(int k, const Column &__restrict u, double s, double *__restrict x)
 {
   for (int i = 0; i < k; i += LANES)
-    lanes(x + i) -= lanes(u.values + i) * s;
+    at(x + i).lanes -= at(u.values + i).lanes * s;
 }
 
 /// The first element of that magnitude.
@@ -164,7 +154,7 @@ inline double restOf(int row, int k, const double *__restrict u, const double *_
   Lanes sums = {};
   int i = 0;
   for (; i + LANES <= k; i += LANES)
-    sums += lanes(u + i) * lanes(x + i);
+    sums += at(u + i).lanes * at(x + i).lanes;
   double rest = x[row] - ((sums[0] + sums[1]) + (sums[2] + sums[3]));
   for (; i < k; ++i)
     rest -= u[i] * x[i];
@@ -221,7 +211,7 @@ private:
     double *column = _a + k * _rows;
     const double inverse = 1. / column[k];
     for (int i = 0; i < k; i += LANES)
-      lanes(_s.values + i) = lanes(_u.values + i) * inverse;
+      at(_s.values + i).lanes = at(_u.values + i).lanes * inverse;
     update(k, _u, _s, _a, _rows);
     put(k, _s, column);
     for (int r = 0; r < _nRhs; ++r) {
@@ -245,10 +235,10 @@ private:
     const double d = column[k] / off;
     const double scale = 1. / (d * e - 1.) / off;
     for (int i = 0; i < k - 1; i += LANES) {
-      const Lanes u = lanes(_u.values + i);
-      const Lanes v = lanes(_v.values + i);
-      lanes(_s.values + i) = scale * (e * u - v);
-      lanes(_t.values + i) = scale * (d * v - u);
+      const Lanes u = at(_u.values + i).lanes;
+      const Lanes v = at(_v.values + i).lanes;
+      at(_s.values + i).lanes = scale * (e * u - v);
+      at(_t.values + i).lanes = scale * (d * v - u);
     }
     update(k - 1, _u, _s, _a, _rows);
     update(k - 1, _v, _t, _a, _rows);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstddef>
+#include "private/NgmLanes.h"
 
 /// Solves small symmetric systems, definite or not, as they stand around a target.
 ///
@@ -9,8 +9,8 @@
 /// sides are eliminated along with the columns of the matrix, so that their chain of dependent
 /// operations hides behind the update of the matrix.
 ///
-/// Arrays are column-major with paddedRows(n) rows on 32-byte aligned memory, so that columns are
-/// worked off in whole vector registers: what stands below the diagonal and in the padding is never
+/// Arrays are column-major with paddedRows(n) rows, so that columns are worked off in whole vector
+/// registers: what stands below the diagonal and in the padding is never
 /// read as a number, but overwritten.
 ///
 /// Source:   Bunch and Kaufman (1977), Some stable methods for calculating inertia and solving
@@ -20,12 +20,10 @@ namespace NgmSymmetricSolver {
 /// Beyond this order the blocked routines of the numeric library are faster (measured).
 constexpr int MOST_ROWS = 128;
 
-constexpr int LANES = 4;
-
 /// Rows of the arrays of a system of n equations.
 constexpr int paddedRows(int n)
 {
-  return (n + LANES - 1) / LANES * LANES;
+  return NgmLanes::padded(n);
 }
 
 /// Factorises `a`, of which the upper triangle is read, and solves for the columns of `x`, both in

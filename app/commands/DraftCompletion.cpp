@@ -1,0 +1,110 @@
+#include "app/commands/DraftCompletion.h"
+
+#include "app/commands/JobDraft.h"
+#include "app/console/Console.h"
+#include "app/io/JobObject.h"
+#include "app/io/Suggestion.h"
+#include "app/io/TableReader.h"
+#include "app/io/UsageError.h"
+#include "app/study/GridLayout.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QObject>
+
+namespace orvenal {
+
+namespace {
+
+/// A column that has to be named, unless the table has one of the usual name.
+void requireColumn(const JobDraft &draft, const char *path, const char *option,
+                   const TableReader &reader, const QString &usualName = QString())
+{
+  if (draft.has(key(path)) || reader.getColumns().contains(usualName))
+    return;
+  throw UsageError(QObject::tr("%1 is missing; columns of %2: %3")
+                       .arg(key(option), draft.get(key("data.file")).toString(),
+                            quotedList(reader.getColumns())));
+}
+
+QJsonArray toArray(const std::vector<double> &values)
+{
+  QJsonArray array;
+  for (const double value : values)
+    array.append(value);
+  return array;
+}
+
+std::vector<double> toNumbers(const QJsonValue &value)
+{
+  std::vector<double> numbers;
+  for (const QJsonValue &number : value.toArray())
+    numbers.push_back(number.toDouble());
+  return numbers;
+}
+
+QString joined(const std::vector<double> &values)
+{
+  QStringList texts;
+  for (const double value : values)
+    texts << QString::number(value, 'g', 12);
+  return texts.join(',');
+}
+
+}  // namespace
+
+void completeFit(JobDraft &draft)
+{
+  if (draft.isGiven(key("fit")))
+    draft.setDefault(key("variogram"), QJsonObject());
+}
+
+void completeNeighborhood(JobDraft &draft)
+{
+  if (draft.isGiven(key("neighborhood")) && !draft.isGiven(key("neighborhood.type")))
+    draft.set(key("neighborhood.type"), QStringLiteral("moving"), key("--radius"));
+}
+
+void completeMask(JobDraft &draft)
+{
+  if (!draft.isGiven(key("grid.mask")))
+    return;
+  for (const char *axis : {"x", "y", "z"}) {
+    const QJsonValue column = draft.get(key("data.") + key(axis));
+    if (!column.isUndefined())
+      draft.setDefault(key("grid.mask.") + key(axis), column);
+  }
+}
+
+void checkColumns(const JobDraft &draft)
+{
+  const JobTable table = draft.readData().data;
+  const std::unique_ptr<TableReader> reader =
+      TableReader::open(table.file, table.shown, table.format);
+  requireColumn(draft, "data.x", "--x", *reader, key("x"));
+  requireColumn(draft, "data.y", "--y", *reader, key("y"));
+  requireColumn(draft, "variable.column", "--variable", *reader);
+  for (const char *axis : {"x", "y", "z"}) {
+    const QJsonValue column = draft.get(key("data.") + key(axis));
+    if (column.isString())
+      reader->findColumn(column.toString(), key("--") + key(axis));
+  }
+  reader->findColumn(draft.get(key("variable.column")).toString(), key("--variable"));
+}
+
+void layGridOver(JobDraft &draft, Console &console)
+{
+  const std::vector<double> cell = toNumbers(draft.get(key("grid.cell")));
+  if (cell.empty() || draft.has(key("grid.origin")) || draft.has(key("grid.nodes")))
+    return;
+  const JobTable table = draft.readData().data;
+  if (cell.size() != (table.z.isEmpty() ? 2 : 3) || draft.has(key("grid.rotation")))
+    return;  // the reader of the job says what is wrong
+  const GridLayout layout = layGrid(readExtent(table), cell);
+  draft.setDefault(key("grid.origin"), toArray(layout.origin));
+  draft.setDefault(key("grid.nodes"), toArray(layout.nodes));
+  console.print(QObject::tr("grid over the samples: --cell %1 --grid-origin %2 --nodes %3")
+                    .arg(joined(cell), joined(layout.origin), joined(layout.nodes)));
+}
+
+}  // namespace orvenal

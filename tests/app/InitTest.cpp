@@ -1,0 +1,132 @@
+#include "TestFiles.h"
+#include "app/io/JobReader.h"
+
+#include <gmock/gmock.h>
+
+using apptest::Outcome;
+using apptest::runProgram;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+/// The job that init proposes for a table, read by the reader of jobs, and run.
+orvenal::Job proposeAndRun(const apptest::Folder &folder, const QByteArray &data,
+                           const QStringList &options = QStringList())
+{
+  folder.write("d.csv", data);
+  const Outcome proposed = runProgram(QStringList{"init", "d.csv"} + options, folder.path(""));
+  EXPECT_EQ(proposed.exitCode, 0) << proposed.errors;
+  const QByteArray text = apptest::readFile(folder.path("job.json"));
+  const Outcome outcome = runProgram({"run", "job.json"}, folder.path(""));
+  EXPECT_EQ(outcome.exitCode, 0) << outcome.errors << text.constData();
+  return orvenal::parseJob(folder.path("job.json"), text);
+}
+
+/// Values at 6 x 6 places that vary with both coordinates, by a row's text of x, y and value.
+template <class Row>
+QByteArray table(const QByteArray &header, Row row)
+{
+  QByteArray text = header + '\n';
+  for (int i = 0; i < 36; ++i)
+    text += row(10 * (i % 6), 20 * (i / 6), 1 + (i * 7) % 13 + i / 6) + '\n';
+  return text;
+}
+
+QByteArray joined(const QByteArrayList &fields, char separator)
+{
+  return fields.join(separator);
+}
+
+QByteArray text(int number)
+{
+  return QByteArray::number(number);
+}
+
+}  // namespace
+
+TEST(Init, MakesAJobThatRuns)
+{
+  const apptest::Folder folder;
+  const orvenal::Job job =
+      proposeAndRun(folder, apptest::readFile(ORVENAL_EXAMPLES "/meuse/meuse.csv"));
+  EXPECT_EQ(job.data.x, "x");
+  EXPECT_EQ(job.data.y, "y");
+  EXPECT_EQ(job.variable.column, "cadmium");
+  EXPECT_TRUE(job.fit.has_value());
+  EXPECT_TRUE(job.crossValidation.has_value());
+  EXPECT_EQ(job.grid.getOriginCentered(), NbgVector3D(178600., 329700., 0.));
+  EXPECT_EQ(job.grid.getCellSize().x(), 20.);
+  EXPECT_THAT(folder.list("out").join(' ').toStdString(), HasSubstr("out/report.html"));
+  const std::string proposal = apptest::readFile(folder.path("job.json")).toStdString();
+  EXPECT_THAT(proposal, HasSubstr("zinc (113 to 1839)"));
+  EXPECT_THAT(proposal, HasSubstr("\"transform\": \"log\""));  // skewed
+
+  // What exists stays.
+  const Outcome again = runProgram({"init", "d.csv"}, folder.path(""));
+  EXPECT_EQ(again.exitCode, 1);
+  EXPECT_THAT(again.errors, HasSubstr("job.json exists"));
+  EXPECT_EQ(
+      runProgram({"init", "d.csv", "--overwrite", "--variable", "zinc"}, folder.path("")).exitCode,
+      0);
+  EXPECT_THAT(apptest::readFile(folder.path("job.json")).toStdString(),
+              HasSubstr("\"column\": \"zinc\""));
+}
+
+TEST(Init, TakesTablesAsTheyCome)
+{
+  const apptest::Folder folder;
+  const orvenal::Job german = proposeAndRun(
+      folder, table("Rechtswert;Hochwert;Gehalt \"Größe\" in %", [](int x, int y, int v) {
+        return joined({text(x) + ",5", text(y) + ",0", text(v) + ",25"}, ';');
+      }));
+  EXPECT_EQ(german.data.x, "Rechtswert");
+  EXPECT_EQ(german.data.format.decimal, ',');
+  EXPECT_EQ(german.variable.column, QString::fromUtf8("Gehalt \"Größe\" in %"));
+
+  const orvenal::Job marked = proposeAndRun(
+      folder,
+      table("east,north,it's",
+            [](int x, int y, int v) {
+              return joined({text(x), text(y), v % 5 == 0 ? QByteArray("-999") : text(v)}, ',');
+            }),
+      {"--overwrite"});
+  EXPECT_THAT(marked.data.format.undefined, testing::Contains(QString("-999")));
+
+  const orvenal::Job deep =
+      proposeAndRun(folder,
+                    table("X\tY\tZ\tgrade",
+                          [](int x, int y, int v) {
+                            return joined({text(x), text(y), text(-(v % 4)), text(v)}, '\t');
+                          }),
+                    {"--overwrite"});
+  EXPECT_EQ(deep.data.z, "Z");
+  EXPECT_EQ(deep.getNDimensions(), 3);
+}
+
+TEST(Init, LeavesOutWhatSamplesDoNotAllow)
+{
+  const apptest::Folder folder;
+  const orvenal::Job job = proposeAndRun(folder, "x,y,v\n1,2,3\n2,2,4\n");
+  EXPECT_FALSE(job.variogram.has_value());
+  EXPECT_FALSE(job.hasGrid);
+
+  struct Case
+  {
+    const char *data;
+    const char *part;
+  };
+  const Case cases[] = {
+      {"a,b\nc,d\n", "no two columns are named like coordinates"},
+      {"x,y,name\n1,2,c\n3,4,d\n", "there is no column of numbers"},
+      {"", "the file is empty"},
+  };
+  for (const Case &c : cases) {
+    folder.write("bad.csv", c.data);
+    const Outcome outcome = runProgram({"init", "bad.csv", "-o", "bad.json"}, folder.path(""));
+    EXPECT_NE(outcome.exitCode, 0);
+    EXPECT_THAT(outcome.errors, HasSubstr(c.part));
+  }
+  EXPECT_EQ(runProgram({"init", "gone.csv"}).exitCode, 2);
+  EXPECT_THAT(folder.list(), Not(testing::Contains(QString("bad.json"))));
+}
