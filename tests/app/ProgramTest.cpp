@@ -26,7 +26,7 @@ namespace {
 Outcome runJob(const MeuseJob &job, const apptest::Folder &folder,
                const QStringList &options = QStringList())
 {
-  return runProgram(QStringList{"run"} + options + QStringList{job.writeTo(folder)});
+  return runProgram(QStringList{"run", "--overwrite"} + options + QStringList{job.writeTo(folder)});
 }
 
 struct Node
@@ -208,8 +208,10 @@ TEST(Program, WritesAGeoTiffThatSaysTheSame)
   ASSERT_TRUE(raster);
   ASSERT_EQ(raster->GetRasterXSize(), 78);
   ASSERT_EQ(raster->GetRasterYSize(), 104);
-  ASSERT_EQ(raster->GetRasterCount(), 2);
-  EXPECT_STREQ(raster->GetRasterBand(1)->GetDescription(), "Estimate of log zinc [log(mg/kg)]");
+  ASSERT_EQ(raster->GetRasterCount(), 3);
+  EXPECT_STREQ(raster->GetRasterBand(1)->GetDescription(), "estimate");
+  EXPECT_STREQ(raster->GetRasterBand(1)->GetMetadataItem("long_name"),
+               "Estimate of log zinc [log(mg/kg)]");
   EXPECT_TRUE(std::isnan(raster->GetRasterBand(1)->GetNoDataValue()));
   ASSERT_TRUE(raster->GetSpatialRef());
   EXPECT_STREQ(raster->GetSpatialRef()->GetAuthorityCode(nullptr), "28992");
@@ -547,7 +549,8 @@ TEST(Program, LeavesOutLinesAndBalls)
       "model": {"structures": [{"type": "Spherical", "sill": 1, "range": 30}]},
       "neighborhood": {"type": "unique"},
       "output": {"crossValidation": {"table": "x.csv"}}})");
-    const Outcome outcome = runProgram({"run", "--quiet", "job.json"}, folder.path(""));
+    const Outcome outcome =
+        runProgram({"run", "--quiet", "--overwrite", "job.json"}, folder.path(""));
     ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
     CsvReader table(folder.path("x.csv"), "x.csv", TableFormat());
     for (int i = 0; table.next(); ++i)
@@ -777,7 +780,7 @@ TEST(Program, RunsTwiceAtATimeInOneFolder)
   const QString job = onlyCsv().writeTo(folder);
   QProcess programs[2];
   for (QProcess &program : programs)
-    program.start(ORVENAL_PROGRAM, {"run", "--quiet", job});
+    program.start(ORVENAL_PROGRAM, {"run", "--quiet", "--overwrite", job});
   for (QProcess &program : programs) {
     ASSERT_TRUE(program.waitForFinished(120000));
     EXPECT_EQ(program.exitCode(), 0);
