@@ -191,7 +191,11 @@ NgmVModel readModelFile(const QString &path, const QString &shownName)
 
 NgmVModel modelAsWritten(const NgmVModel &model, int nDimensions)
 {
-  const QByteArray text = QJsonDocument(toJson(model, nDimensions)).toJson();
+  NgmVModel kept(model);
+  kept.removeNullStructures();
+  if (!kept.isValid())
+    return model;
+  const QByteArray text = QJsonDocument(toJson(kept, nDimensions)).toJson();
   return fromJson(text, QObject::tr("model"), nDimensions, model.getNVariables());
 }
 

@@ -33,7 +33,7 @@ NgmVModel readModelFile(const QString &path, const QString &shownName, int nDime
 NgmVModel readModelFile(const QString &path, const QString &shownName);
 
 /// The model with the bits that come back from a JSON file. The shape of a fitted model may differ
-/// from it in the last digit.
+/// from it in the last digit, and its structures without a sill are gone.
 NgmVModel modelAsWritten(const NgmVModel &model, int nDimensions);
 
 }  // namespace orvenal
