@@ -140,8 +140,8 @@ MeuseJob jobWith(const QString &path)
   MeuseJob job;
   if (path == "fit" || path == "output.fit")
     job.remove("model").set("variogram", json("{}"));
-  if (path.startsWith("output.") && !path.startsWith("output.maps") &&
-      path != "output.data" && path != "output.variogram")
+  if (path.startsWith("output.") && !path.startsWith("output.maps") && path != "output.data" &&
+      path != "output.variogram")
     job.set(path.section('.', 1, 1), json("{}"));
   if (path == "output.variogram")
     job.set("variogram", json("{}"));
