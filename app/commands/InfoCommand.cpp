@@ -62,7 +62,10 @@ QString readJsonText(const QString &path)
     return QString();
   if (!file.open(QIODevice::ReadOnly))
     throw UsageError(QObject::tr("%1: cannot be read: %2").arg(path, file.errorString()));
-  return QString::fromUtf8(file.readAll());
+  static const QRegularExpression geoJson(
+      QStringLiteral("\"type\"\\s*:\\s*\"(Feature|FeatureCollection|Topology)\""));
+  const QString text = QString::fromUtf8(file.readAll());
+  return geoJson.match(text).hasMatch() ? QString() : text;
 }
 
 bool hasMember(const QString &json, const char *name)

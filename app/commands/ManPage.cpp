@@ -5,6 +5,7 @@
 #include "app/console/TextTable.h"
 #include "app/report/Versions.h"
 
+#include <QDateTime>
 #include <QObject>
 #include <QRegularExpression>
 
@@ -95,6 +96,16 @@ QString examples(const QList<QStringList> &list)
   return text;
 }
 
+/// The date of the page; builds that have to give the same bytes again set SOURCE_DATE_EPOCH.
+QString today()
+{
+  bool isSet = false;
+  const qint64 seconds = qEnvironmentVariable("SOURCE_DATE_EPOCH").toLongLong(&isSet);
+  return (isSet ? QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC) : QDateTime::currentDateTimeUtc())
+      .date()
+      .toString(Qt::ISODate);
+}
+
 QString commandPart(const Command &command)
 {
   return QStringLiteral(".SS \"orvenal %1 %2\"\n")
@@ -108,8 +119,8 @@ QString commandPart(const Command &command)
 
 QString manPage(const Program &program)
 {
-  QString text = QStringLiteral(".TH ORVENAL 1 \"\" \"Orvenal %1\" \"%2\"\n")
-                     .arg(programVersion(), QObject::tr("User Commands"));
+  QString text = QStringLiteral(".TH ORVENAL 1 \"%1\" \"Orvenal %2\" \"%3\"\n")
+                     .arg(today(), programVersion(), QObject::tr("User Commands"));
   text += QObject::tr(
       ".SH NAME\norvenal \\- geostatistics from samples in a file to an estimated grid\n"
       ".SH SYNOPSIS\n.B orvenal\n.I COMMAND\n.RI [ OPTIONS ]\n.RI [ FILE ]\n"

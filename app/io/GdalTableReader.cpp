@@ -6,6 +6,9 @@
 #include "basic/base/NbbGlobal.h"
 #include "basic/error/NbeUserError.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QObject>
 
 #include <string_view>
@@ -166,6 +169,14 @@ QString GdalTableReader::_getMissingHint() const
   const OGRwkbGeometryType type = _layer->GetGeomType();
   if (wkbFlatten(type) == wkbNone)
     return QObject::tr("; the layer has no geometry");
+  const QFileInfo file(QFile::decodeName(_dataset->GetDescription()));
+  const QString table = file.completeBaseName() + QStringLiteral(".dbf");
+  if (file.suffix().toLower() == QLatin1String("shp") && getColumns().size() == _nAxes &&
+      !file.dir().exists(table))
+    return QObject::tr(
+               "; the other columns of a Shapefile are in a file beside it, and there is "
+               "no \"%1\"")
+        .arg(table);
   return mayBePoints(type) ? QString()
                            : QObject::tr("; the geometry of the layer is \"%1\", not points")
                                  .arg(QString::fromUtf8(OGRGeometryTypeToName(type)));

@@ -102,6 +102,10 @@ NbgVector3D practicalRanges(const JobObject &object, const NbgVector3D &given,
                             const NgmAVStruct &structure)
 {
   constexpr double smallest = 1e-20;  // whatever its scale is, a number that the library takes
+  constexpr double steepest = 1e100;
+  if (!(practicalFactor(structure) < steepest))
+    object.fail(QStringLiteral("parameter"),
+                QObject::tr("the structure comes near to its sill at no distance"));
   const NbgVector3D ranges = toPracticalRanges(given, object.getConventions().ranges, structure);
   for (const double range : {ranges.x(), ranges.y(), ranges.z()}) {
     if (range < smallest)

@@ -56,10 +56,12 @@ std::string_view trimmed(std::string_view text)
 }
 
 TextRecords::TextRecords(const QString &path, const QString &shownName)
-    : _shownName(shownName), _file(path), _chunk(chunkSize)
+    : _shownName(shownName), _file(path)
 {
   if (!_file.open(QIODevice::ReadOnly))
     throw NbeUserError(QObject::tr("%1: cannot be read: %2").arg(_shownName, _file.errorString()));
+  const qint64 size = _file.size();  // 0 of what has none
+  _chunk.resize(size > 0 ? std::min(chunkSize, std::size_t(size)) : chunkSize);
   if (!_fill())
     throw NbeUserError(QObject::tr("%1: the file is empty").arg(_shownName));
   const auto startsWith = [this](const char *bytes, std::size_t n) {

@@ -80,6 +80,7 @@ QCPLayoutGrid &PanelSheet::_addRow()
   auto *row = new QCPLayoutGrid;
   _body->addElement(_body->rowCount(), 0, row);
   row->setColumnSpacing(8);
+  _rowGroup = new QCPMarginGroup(_plot.get());
   _rowSize = QSize(0, 0);
   _nInRow = 0;
   _rows << row;
@@ -105,6 +106,7 @@ QCPAxisRect &PanelSheet::add(const Panel &panel)
   area->setMaximumSize(size);
   area->setMinimumMargins(QMargins(0, 0, roomForLastLabel, 0));
   area->setMarginGroup(QCP::msLeft, &_groupOf(_nInRow));
+  area->setMarginGroup(QCP::msTop | QCP::msBottom, _rowGroup);
   _row->addElement(0, _nInRow, area);
   ++_nInRow;
   _rowSize = QSize(_rowSize.width() + size.width() + roomForLabels, size.height());
@@ -125,10 +127,7 @@ void PanelSheet::addColorScale(Side side, const QString &label, const QCPColorGr
   axis.setTickLabelFont(fontOf(9));
   scale->setLabel(label);
   if (side == RIGHT) {
-    auto *area = static_cast<QCPAxisRect *>(_row->element(0, _nInRow - 1));
-    auto *group = new QCPMarginGroup(_plot.get());
-    area->setMarginGroup(QCP::msBottom | QCP::msTop, group);
-    scale->setMarginGroup(QCP::msBottom | QCP::msTop, group);
+    scale->setMarginGroup(QCP::msTop | QCP::msBottom, _rowGroup);
     setTicks(axis, _rowSize.height(), 45.);
     _row->addElement(0, _nInRow, scale);
     ++_nInRow;

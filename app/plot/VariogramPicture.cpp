@@ -162,6 +162,11 @@ void placeArea(QCPAxisRect &area, const VariogramSet &set, const QString &title,
 void styleArea(QCPAxisRect &area, const QString &xLabel, const QString &yLabel)
 {
   area.setupFullAxesBox();
+  // As QCustomPlot does with its first axes: lines of the grid do not hide those of the frame.
+  for (QCPAxis *axis : area.axes()) {
+    axis->setLayer(QStringLiteral("axes"));
+    axis->grid()->setLayer(QStringLiteral("grid"));
+  }
   for (const QCPAxis::AxisType type : {QCPAxis::atTop, QCPAxis::atRight}) {
     area.axis(type)->setTicks(false);
     area.axis(type)->setTickLabels(false);
@@ -177,7 +182,7 @@ void styleArea(QCPAxisRect &area, const QString &xLabel, const QString &yLabel)
 /// The legend stands where the upper triangle would be.
 void setUpMatrixLegend(QCustomPlot &plot, QCPAxisRect &firstArea)
 {
-  constexpr int mostRows = 10;
+  constexpr int mostRows = 8;
   plot.legend->setWrap(mostRows);
   plot.legend->setFillOrder(QCPLayoutGrid::foRowsFirst);
   plot.legend->setVisible(true);

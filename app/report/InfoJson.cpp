@@ -107,7 +107,8 @@ QJsonObject InfoJson::table(const TableSummary &summary, const QString &shown)
   object.insert(keyed("records"), summary.nRecords);
   object.insert(keyed("coordinates"), coordinatesJson(summary));
   object.insert(keyed("places"), summary.nPlaces);
-  object.insert(keyed("duplicates"), summary.nDuplicates);
+  object.insert(keyed("duplicates"),
+                summary.nDuplicates < 0 ? QJsonValue() : QJsonValue(summary.nDuplicates));
   object.insert(keyed("grid"), gridJson(summary));
   object.insert(keyed("columns"), columns);
   return object;

@@ -8,6 +8,7 @@
 #include "app/study/TableSummary.h"
 #include "geos/vmodel/NgmVModel.h"
 
+#include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -222,10 +223,11 @@ void addPlaces(const TableSummary &summary, Facts &facts)
              .arg(summary.columns[indices[axis]].name, number(summary.lower[std::size_t(axis)], 10),
                   number(summary.upper[std::size_t(axis)], 10))});
   }
-  facts.append({QObject::tr("duplicates"), summary.nDuplicates == 0
-                                               ? QObject::tr("none")
-                                               : QObject::tr("%1 at the place of another record")
-                                                     .arg(Progress::grouped(summary.nDuplicates))});
+  if (summary.nDuplicates >= 0)
+    facts.append({QObject::tr("duplicates"),
+                  summary.nDuplicates == 0 ? QObject::tr("none")
+                                           : QObject::tr("%1 at the place of another record")
+                                                 .arg(Progress::grouped(summary.nDuplicates))});
   if (summary.grid)
     facts.append({QObject::tr("grid"), gridText(summary)});
 }
@@ -343,7 +345,7 @@ QString InfoText::job(const Job &job, const QString &shown)
   if (job.crossValidation)
     facts.append({QObject::tr("xvalid"), QObject::tr("cross-validated")});
   for (const QString &file : job.output.getFiles())
-    facts.append({QObject::tr("output"), file});
+    facts.append({QObject::tr("output"), QDir::current().relativeFilePath(file)});
   return QObject::tr("%1: a job; orvenal run does it\n").arg(shown) + factLines(facts);
 }
 

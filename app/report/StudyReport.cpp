@@ -210,8 +210,10 @@ QString headedTable(const QList<QStringList> &rows)
 QString variograms(const StudyResult &result)
 {
   const Variography &variography = result.variography;
-  return figure(result.variogramPicture, variography.curveName) +
-         QStringLiteral("<div class=\"maps\">\n") +
+  QString picture = figure(result.variogramPicture, variography.curveName);
+  if (variography.nVariables > 1)  // a matrix may be as wide as the page
+    picture = QStringLiteral("<div>\n") + picture + QStringLiteral("</div>\n");
+  return picture + QStringLiteral("<div class=\"maps\">\n") +
          figure(result.variogramMap, QObject::tr("Variogram map")) +
          figure(result.variogramCloud, QObject::tr("Variogram cloud")) +
          QStringLiteral("</div>\n") + headedTable(variogramRows(variography, result.job)) +

@@ -212,12 +212,17 @@ std::optional<NbgGeomGrid> findGrid(const std::vector<Place> &places, qint64 nDi
   return grid;
 }
 
+/// More are counted and not kept; there is memory for these.
+constexpr qint64 mostPlaces = 20000000;
+
 /// Box, coincidences, third axis and grid.
 void summarizePlaces(std::vector<Place> &places, TableSummary &summary)
 {
-  summary.nPlaces = qint64(places.size());
-  if (places.empty())
+  if (places.empty() || summary.nPlaces > mostPlaces) {
+    summary.nDuplicates = places.empty() ? 0 : -1;
+    summary.coordinates.z = -1;
     return;
+  }
   constexpr qint64 leastAbove = 10;  // one of so many
   if (summary.coordinates.z >= 0 && sortPlaces(places).nAbove * leastAbove < summary.nPlaces)
     summary.coordinates.z = -1;
@@ -226,15 +231,18 @@ void summarizePlaces(std::vector<Place> &places, TableSummary &summary)
       place[2] = 0.;
   }
   summary.nDuplicates = sortPlaces(places).nSame;
-  summary.lower = places.front();
-  summary.upper = places.front();
-  for (const Place &place : places) {
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-      summary.lower[axis] = std::min(summary.lower[axis], place[axis]);
-      summary.upper[axis] = std::max(summary.upper[axis], place[axis]);
-    }
-  }
   summary.grid = findGrid(places, summary.nPlaces - summary.nDuplicates);
+}
+
+void addPlace(const Place &place, std::vector<Place> &places, TableSummary &summary)
+{
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    const bool isFirst = summary.nPlaces == 0;
+    summary.lower[axis] = isFirst ? place[axis] : std::min(summary.lower[axis], place[axis]);
+    summary.upper[axis] = isFirst ? place[axis] : std::max(summary.upper[axis], place[axis]);
+  }
+  if (++summary.nPlaces <= mostPlaces)
+    places.push_back(place);
 }
 
 bool isNumeric(const TableSummary &summary, int column)
@@ -259,13 +267,15 @@ TableSummary summarize(TableReader &reader, bool &hasCommas)
     tallyRecord(reader, tallies, numbers);
     const Place place = {number(guess.x), number(guess.y), number(guess.z)};
     if (guess.isComplete() && NbbGlobal::isDefined(place[0]) && NbbGlobal::isDefined(place[1]))
-      places.push_back(place);
+      addPlace(place, places, summary);
   }
   for (int i = 0; i < names.size(); ++i)
     summary.columns << summaryOf(names[i], tallies[std::size_t(i)]);
   hasCommas = std::any_of(tallies.begin(), tallies.end(), hasDecimalCommas);
-  if (!isNumeric(summary, guess.x) || !isNumeric(summary, guess.y))
+  if (!isNumeric(summary, guess.x) || !isNumeric(summary, guess.y)) {
+    summary.nPlaces = 0;
     return summary;
+  }
   if (!isNumeric(summary, guess.z) || summary.columns[guess.z].nUndefined > 0)
     guess.z = -1;
   summary.coordinates = guess;

@@ -58,7 +58,7 @@ struct TableSummary
   /// least lie above others, as along boreholes: else heights are a value of points on a surface.
   CoordinateColumns coordinates;
   qint64 nPlaces = 0;             ///< records whose coordinates are all defined
-  qint64 nDuplicates = 0;         ///< those at the place of an earlier one
+  qint64 nDuplicates = 0;         ///< at the place of an earlier one; -1: too many places to tell
   std::array<double, 3> lower{};  ///< corner of the box around the places; without any meaningless
   std::array<double, 3> upper{};
 
@@ -70,8 +70,8 @@ struct TableSummary
 };
 
 /// Reads a table from end to end. A text table that has its numbers with decimal commas is read as
-/// such when the format says decimal points. Memory: some 60 bytes per record for the places, and
-/// nothing else that grows with the table. Damaged tables are NbeUserErrors.
+/// such when the format says decimal points. Memory: some 60 bytes per record for the places of at
+/// most 20 million records, and nothing else that grows. Damaged tables are NbeUserErrors.
 TableSummary summarizeTable(const QString &path, const QString &shownName,
                             const TableFormat &format);
 

@@ -154,14 +154,18 @@ TEST(BadData, NamesOfColumnsMayBeAnything)
        {QString("Zn (mg/kg)"), QString::fromUtf8("teneur en m\xC3\xA9tal"), QString("a\"b"),
         QString("it's"), QString("a,b"), QString("<b>&amp;"), QString(5000, 'x')}) {
     Study study;
-    study.set("variable.column", name).set("output.report", "r.html");
-    study.set("output.maps", json("{\"estimate\": \"e.svg\"}"));
+    study.set("variable.column", name);
+    const bool hasReport = name.size() > 100 || name.contains('<');
+    if (hasReport)
+      study.set("output.report", "r.html");
+
     const QString quoted = '"' + QString(name).replace("\"", "\"\"") + '"';
     const Outcome outcome = study.run(toCsv(samplesOf(30), "x,y," + quoted.toUtf8()));
     ASSERT_EQ(outcome.exitCode, 0) << outcome.errors.substr(0, 1000);
     EXPECT_EQ(study.estimates(), plain.estimates());
-    EXPECT_TRUE(QString::fromUtf8(study.file("r.html")).contains(name.toHtmlEscaped()) ||
-                name.size() > 100);
+    if (hasReport) {
+      EXPECT_TRUE(QString::fromUtf8(study.file("r.html")).contains(name.toHtmlEscaped()));
+    }
   }
 }
 

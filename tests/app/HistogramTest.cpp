@@ -96,11 +96,11 @@ TEST(Histogram, FallsBackToSturgesWhenTheQuartilesAreEqual)
 TEST(Histogram, GivesEachStepItsClassWhereTheyAreAsWide)
 {
   std::vector<double> grades;
-  for (int i = 0; i < 60; ++i)
+  for (int i = 0; i < 120; ++i)
     grades.push_back(1. + i % 6);
   const Histogram histogram = makeHistogram(grades);
   EXPECT_EQ(histogram.first, 0.5);
-  EXPECT_THAT(histogram.counts, ElementsAre(10, 10, 10, 10, 10, 10));
+  EXPECT_THAT(histogram.counts, ElementsAre(20, 20, 20, 20, 20, 20));
 }
 
 TEST(Histogram, HasOneClassForAConstant)

@@ -75,9 +75,9 @@ TEST(Init, MakesAJobThatRuns)
 
 TEST(Init, TakesTablesAsTheyCome)
 {
-  const apptest::Folder folder;
+  const apptest::Folder folders[3];
   const orvenal::Job german = proposeAndRun(
-      folder, table("Rechtswert;Hochwert;Gehalt \"Größe\" in %", [](int x, int y, int v) {
+      folders[0], table("Rechtswert;Hochwert;Gehalt \"Größe\" in %", [](int x, int y, int v) {
         return joined({text(x) + ",5", text(y) + ",0", text(v) + ",25"}, ';');
       }));
   EXPECT_EQ(german.data.x, "Rechtswert");
@@ -85,24 +85,18 @@ TEST(Init, TakesTablesAsTheyCome)
   EXPECT_EQ(german.variable.column, QString::fromUtf8("Gehalt \"Größe\" in %"));
 
   const orvenal::Job marked = proposeAndRun(
-      folder,
-      table("east,north,it's",
-            [](int x, int y, int v) {
-              return joined({text(x), text(y), v % 5 == 0 ? QByteArray("-999") : text(v)}, ',');
-            }),
-      {"--overwrite"});
+      folders[1], table("east,north,it's", [](int x, int y, int v) {
+        return joined({text(x), text(y), v % 5 == 0 ? QByteArray("-999") : text(v)}, ',');
+      }));
   EXPECT_THAT(marked.data.format.undefined, testing::Contains(QString("-999")));
 
   // Two samples at each place, one below the other.
   const orvenal::Job deep =
-      proposeAndRun(folder,
-                    table("X\tY\tZ\tgrade",
-                          [](int x, int y, int v) {
-                            const QByteArray place = joined({text(x), text(y)}, '\t');
-                            return place + "\t-" + text(v % 4) + '\t' + text(v) + '\n' + place +
-                                   "\t-" + text(v % 4 + 5) + '\t' + text(2 * v);
-                          }),
-                    {"--overwrite"});
+      proposeAndRun(folders[2], table("X\tY\tZ\tgrade", [](int x, int y, int v) {
+                      const QByteArray place = joined({text(x), text(y)}, '\t');
+                      return place + "\t-" + text(v % 4) + '\t' + text(v) + '\n' + place + "\t-" +
+                             text(v % 4 + 5) + '\t' + text(2 * v);
+                    }));
   EXPECT_EQ(deep.data.z, "Z");
   EXPECT_EQ(deep.getNDimensions(), 3);
 }

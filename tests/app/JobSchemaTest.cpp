@@ -70,26 +70,11 @@ QMap<QString, QJsonObject> examples()
   return jobs;
 }
 
-/// What the reader says of a job; nothing when it takes it.
+/// What the reader says of a job in the place of the file; nothing when it takes it.
 QString readerError(const QJsonObject &job, const QString &file)
 {
-  // The job beside the example, without writing there: names of files are made absolute by it.
-  const apptest::Folder folder;
-  const QString link = folder.path("examples");
-  QFile::link(ORVENAL_EXAMPLES, link);
-  const QString below = QDir(ORVENAL_EXAMPLES).relativeFilePath(QFileInfo(file).path());
-  QJsonObject moved = job;
-  const QDir origin(ORVENAL_EXAMPLES "/" + below);
-  for (const QStringList &place : {QStringList{"data", "file"},
-                                   {"grid", "mask", "file"},
-                                   {"grid", "values", "file"},
-                                   {"kriging", "faults", "file"}}) {
-    const QJsonValue name = apptest::valueAt(moved, place);
-    if (name.isString() && !name.toString().isEmpty())
-      moved = withValue(moved, place, origin.absoluteFilePath(name.toString())).toObject();
-  }
   try {
-    readJob(folder.write("job.json", QJsonDocument(moved).toJson()));
+    parseJob(file, QJsonDocument(job).toJson());
   } catch (const UsageError &error) {
     return error.getMessage().section(": ", 1);
   }

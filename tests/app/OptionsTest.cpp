@@ -80,6 +80,7 @@ TEST(Options, GoBeforeTheJob)
   job.remove("output.maps").set("output.grid", json("[\"k.csv\"]"));
   const QString path = job.writeTo(folder);
   const auto krige = [&](const QStringList &options) {
+    QFile::remove(folder.path("out/k.csv"));
     const Outcome outcome = runProgram(QStringList{"krige", path} + options, folder.path(""));
     EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
     return apptest::readFile(folder.path("out/k.csv"));

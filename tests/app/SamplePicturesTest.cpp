@@ -127,7 +127,7 @@ TEST(SampleMapPicture, DrawsAnyNumberOfSamplesAnywhere)
       }
       const QImage picture = drawSampleMap(samples, someStyle()).toImage();
       EXPECT_GT(picture.width(), 800);
-      EXPECT_LT(picture.width(), 1700);
+      EXPECT_LT(picture.width(), 2000);
       EXPECT_LT(picture.height(), 2000);
       std::set<QRgb> colors;
       for (int y = 100; y < picture.height(); ++y) {
@@ -148,7 +148,9 @@ TEST(ErrorMap, MarksLargeErrorsByTheirSign)
   EXPECT_TRUE(svg.hasText("Triangles: 2 beyond 2.5"));
   const std::vector<SvgParts::Circle> circles = marksOf(svg);
   ASSERT_EQ(circles.size(), 1u);
-  EXPECT_EQ(circles[0].fill, "#f7f7f7");  // the middle of the scale
+  const QColor middle(circles[0].fill);  // of the scale: nearly white
+  EXPECT_GT(middle.lightness(), 240);
+  EXPECT_LT(middle.saturation(), 10);
   EXPECT_EQ(svg.shapes("#7f3b08").size(), 1u);
   const std::vector<QRectF> below = svg.shapes("#2d004b");
   ASSERT_EQ(below.size(), 1u);

@@ -180,6 +180,10 @@ void NgmVModel::_readStructure(QDataStream &stream)
   // After the parameters, on which the ratio of practical range and scale depends.
   structure->_setScaleFactor(practicalScale);
   structure->_matchPracticalScale(practicalScale);
+  // Some parameters of shape have a practical range beyond all numbers.
+  if (!(structure->getTheoScaleFactor() > 0.) ||
+      !NbbGlobal::isDefined(structure->getPracticalScaleFactor()))
+    _refuse(QObject::tr("invalid range of a structure"));
   structure->_setAnisotropy(anisotropy);
   structure->setRotation(rotation);
   // The degree of the drift is not part of the stream: at least what the structures need.

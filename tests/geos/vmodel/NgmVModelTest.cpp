@@ -495,6 +495,21 @@ TEST(NgmVModel, DamagedStreamsAreRefused)
   test::fuzzSerialization(other, target);
 }
 
+TEST(NgmVModel, RefusesParametersWhoseRangeIsBeyondNumbers)
+{
+  const auto bytesOf = [](double value) {
+    QByteArray bytes;
+    QDataStream(&bytes, QIODevice::WriteOnly) << value;
+    return bytes;
+  };
+  NgmVModel model(1), copy(1);
+  model.addStructure(QStringLiteral("Gamma"), 1.);
+  model.setAuxiliaryParameter(0, 0, 1.25);
+  QByteArray bytes = test::toBytes(model);
+  bytes.replace(bytesOf(1.25), bytesOf(1e-5));  // 20^100000 scales to the 95 % of the sill
+  EXPECT_THROW(test::fromBytes(bytes, copy), NbeUserError);
+}
+
 TEST(NgmVModel, ScalesOfAllSizesKeepTheirBytes)
 {
   for (int i = 1; i < 400; ++i) {
