@@ -131,7 +131,7 @@ TEST(ModelFile, AFittedModelIsTheOneThatItsFilesHold)
         .set("fit", apptest::json("{}"))
         .set("output.fit.model", name);
     const apptest::Outcome outcome =
-        apptest::runProgram({"fit", job.writeTo(folder, name + ".job")});
+        apptest::runProgram({"fit", job.writeTo(folder, name + ".job.json")});
     ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
   }
   EXPECT_EQ(test::toBytes(readModelFile(folder.path("m.json"), "m.json", 2, 1)),
