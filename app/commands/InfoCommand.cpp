@@ -4,17 +4,16 @@
 #include "app/console/Console.h"
 #include "app/io/JobObject.h"
 #include "app/io/JobReader.h"
-#include "app/io/JobText.h"
-#include "app/io/ModelReader.h"
+#include "app/io/ModelFile.h"
 #include "app/io/UsageError.h"
 #include "app/report/InfoJson.h"
 #include "app/report/InfoText.h"
 #include "app/study/Job.h"
 #include "app/study/TableSummary.h"
+#include "geos/vmodel/NgmVModel.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QObject>
 #include <QRegularExpression>
@@ -75,36 +74,12 @@ bool hasMember(const QString &json, const char *name)
       .hasMatch();
 }
 
-/// Numbers of variables and dimensions of a model's text, as its sills and ranges tell them.
-struct ModelShape
+void describeModel(const Request &request)
 {
-  int nVariables = 1;
-  int nDimensions = 2;
-};
-ModelShape findShape(const QString &file, const QString &json)
-{
-  ModelShape shape;
-  const QJsonObject root = parseJobText(file, json.toUtf8()).root.toObject();
-  QJsonArray parts = root.value(key("structures")).toArray();
-  parts.append(QJsonObject{{key("sill"), root.value(key("nugget"))}});
-  for (const QJsonValue &part : parts) {
-    const QJsonObject structure = part.toObject();
-    const int nSills = structure.value(key("sill")).toArray().size();
-    shape.nVariables = nSills > 0 ? nSills : shape.nVariables;
-    if (structure.value(key("ranges")).toArray().size() == 3 || structure.contains(key("dip")) ||
-        structure.contains(key("pitch")))
-      shape.nDimensions = 3;
-  }
-  return shape;
-}
-
-void describeModel(const Request &request, const QString &json)
-{
-  const ModelShape shape = findShape(request.file, json);
-  const NgmVModel model =
-      readModel(parseModelText(request.file, json.toUtf8()), shape.nDimensions, shape.nVariables);
-  request.answer(InfoText::model(model, shape.nDimensions, request.file),
-                 InfoJson::model(model, shape.nDimensions, request.file));
+  const NgmVModel model = readModelFile(request.file, request.file);
+  const int nDimensions = model.getContext().getNDimensions();
+  request.answer(InfoText::model(model, nDimensions, request.file),
+                 InfoJson::model(model, nDimensions, request.file));
 }
 
 void describeTable(const Request &request)
@@ -173,8 +148,8 @@ void InfoCommand::run(const QStringList &arguments, Console &console) const
   if (hasMember(json, "data")) {
     const Job job = readJob(request.file);
     request.answer(InfoText::job(job, request.file), InfoJson::job(job, request.file));
-  } else if (hasMember(json, "structures")) {
-    describeModel(request, json);
+  } else if (hasMember(json, "structures") || isBinaryModel(request.file)) {
+    describeModel(request);
   } else {
     describeTable(request);
   }

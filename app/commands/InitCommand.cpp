@@ -59,9 +59,9 @@ void write(const QString &path, const QString &text, bool overwrite)
   if (QFileInfo::exists(path) && !overwrite)
     throw NbeUserError(
         QObject::tr("%1 exists; --overwrite replaces it, -o names another file").arg(path));
-  OutputFiles files;
+  OutputFiles files(overwrite ? OutputFiles::REPLACE : OutputFiles::REFUSE);
   const QString file = QDir::current().absoluteFilePath(path);
-  files.reserve(file);
+  files.reserve({file});
   files.write(file, text.toUtf8());
   files.commit();
 }

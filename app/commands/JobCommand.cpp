@@ -25,10 +25,13 @@ CommandOptions ownOptions()
   set.value = name("PATH=VALUE");
   set.help = QObject::tr("sets any member of the job, such as neighborhood.maximum=32");
   set.isRepeatable = true;
+  CommandOption overwrite;
+  overwrite.name = name("overwrite");
+  overwrite.help = QObject::tr("replace files of an earlier run");
   CommandOption json;
   json.name = name("json");
   json.help = QObject::tr("print the results as JSON, see: orvenal help results");
-  return {set, json};
+  return {set, overwrite, json};
 }
 
 int readThreads(const QString &text)
@@ -57,6 +60,7 @@ RunSettings readSettings(const QCommandLineParser &parser)
     settings.threads = readThreads(parser.value(name("threads")));
   if (parser.isSet(name("memory")))
     settings.memory = readMemory(parser.value(name("memory")));
+  settings.overwrite = parser.isSet(name("overwrite"));
   settings.json = parser.isSet(name("json"));
   return settings;
 }

@@ -10,9 +10,10 @@ class JobDraft;
 /// How a command is to work, whatever its job is.
 struct RunSettings
 {
-  int threads = 0;    ///< 0 leaves it to the job
-  qint64 memory = 0;  ///< bytes; 0 leaves it to the job
-  bool json = false;  ///< results are printed as JSON
+  int threads = 0;         ///< 0 leaves it to the job
+  qint64 memory = 0;       ///< bytes; 0 leaves it to the job
+  bool overwrite = false;  ///< files of an earlier run are replaced, whatever the job says
+  bool json = false;       ///< results are printed as JSON
 };
 
 /// A command that takes a job file or a data file, with options that set members of the job.

@@ -1,6 +1,7 @@
 #include "app/commands/Program.h"
 
 #include "app/commands/CompletionCommand.h"
+#include "app/commands/ConvertCommand.h"
 #include "app/commands/FitCommand.h"
 #include "app/commands/HelpCommand.h"
 #include "app/commands/HelpTopics.h"
@@ -65,6 +66,7 @@ Program::Program()
   _commands.push_back(std::make_unique<XvalidCommand>());
   _commands.push_back(std::make_unique<KrigeCommand>());
   _commands.push_back(std::make_unique<InfoCommand>());
+  _commands.push_back(std::make_unique<ConvertCommand>());
   _commands.push_back(std::make_unique<HelpCommand>(*this));
   _commands.push_back(std::make_unique<CompletionCommand>(*this));
   _commands.push_back(std::make_unique<VersionCommand>());

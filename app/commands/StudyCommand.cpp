@@ -30,6 +30,8 @@ void StudyCommand::_execute(JobDraft &draft, const RunSettings &settings, Consol
     job.threads = settings.threads;
   if (settings.memory > 0)
     job.memory = settings.memory;
+  if (settings.overwrite)
+    job.output.overwrite = true;
   Steps steps = _getSteps(job);
   if (!job.output.report.isEmpty() || !job.output.results.isEmpty())
     steps.insert(Step::REPORT);

@@ -3,10 +3,9 @@
 #include "app/console/Console.h"
 #include "app/console/Interruption.h"
 #include "app/console/Progress.h"
-#include "app/io/CrossValidationCsvWriter.h"
-#include "app/io/GeoTiffWriter.h"
-#include "app/io/GridCsvWriter.h"
-#include "app/io/ModelJson.h"
+#include "app/io/CrossValidationTable.h"
+#include "app/io/GridWriter.h"
+#include "app/io/ModelFile.h"
 #include "app/io/SpatialReference.h"
 #include "app/io/VariogramCsvWriter.h"
 #include "app/plot/CrossValidationPicture.h"
@@ -18,6 +17,7 @@
 #include "app/plot/VariogramPicture.h"
 #include "app/report/Describe.h"
 #include "app/report/ResultJson.h"
+#include "app/report/ResultTable.h"
 #include "app/report/StudyReport.h"
 #include "app/study/DataChecks.h"
 #include "app/study/References.h"
@@ -58,7 +58,10 @@ Picture drawResult(const GridResult &grid, const std::vector<double> &values,
 }  // namespace
 
 StudyRun::StudyRun(const Job &job, const Steps &steps, Console &console)
-    : _steps(steps), _console(console), _context{console, job.threads, job.memory}
+    : _steps(steps),
+      _console(console),
+      _files(job.output.overwrite ? OutputFiles::REPLACE : OutputFiles::REFUSE),
+      _context{console, job.threads, job.memory}
 {
   _result.job = job;
   _result.job.keepOutputsOf(steps);
@@ -96,8 +99,7 @@ void StudyRun::run()
 
 void StudyRun::_reserveOutputs()
 {
-  for (const QString &file : _result.job.output.getFiles())
-    _files.reserve(file);
+  _files.reserve(_result.job.output.getFiles());
 }
 
 void StudyRun::_readData()
@@ -159,6 +161,7 @@ void StudyRun::_fitModel()
 {
   Job &job = _result.job;
   _result.fit = fitModel(job, _result.variography, _result.variableStatistics, _context);
+  _result.fit->model = modelAsWritten(_result.fit->model, job.getNDimensions());
   job.model = _result.fit->model;
   job.hasModel = true;
   _console.print(QObject::tr("  fitted   %1").arg(Describe::model(job)));
@@ -280,16 +283,17 @@ void StudyRun::_writeFiles()
 {
   const JobOutput &output = _result.job.output;
   for (const QString &file : output.grids)
-    _writeGrid(file);
+    writeGrid(_files.getTemporaryPath(file), file,
+              gridTableOf(_result.job, _result.estimation->grid));
   if (!output.variogramTable.isEmpty())
     _files.write(output.variogramTable, variogramCsv(_result.variography, _result.job));
   if (!output.fittedModel.isEmpty())
-    _files.write(
-        output.fittedModel,
-        QJsonDocument(modelToJson(_result.job.model, _result.job.getNDimensions())).toJson());
+    _files.write(output.fittedModel,
+                 modelToBytes(output.fittedModel, _result.job.model, _result.job.getNDimensions()));
   if (!output.crossValidationTable.isEmpty())
-    _files.write(output.crossValidationTable,
-                 crossValidationCsv(_result.crossValidation, _result.samples));
+    writeCrossValidation(_files.getTemporaryPath(output.crossValidationTable),
+                         output.crossValidationTable, _result.crossValidation, _result.samples,
+                         _result.job);
   _endStep(QObject::tr("Writing"));
   _result.warnings = _console.getWarnings();
   if (!output.report.isEmpty())
@@ -300,17 +304,6 @@ void StudyRun::_writeFiles()
   _files.commit();
   for (const QString &file : output.getFiles())
     _console.print(QObject::tr("written: %1").arg(QDir::current().relativeFilePath(file)));
-}
-
-void StudyRun::_writeGrid(const QString &file)
-{
-  const Job &job = _result.job;
-  const QString temporary = _files.getTemporaryPath(file);
-  if (file.endsWith(QLatin1String(".csv"), Qt::CaseInsensitive))
-    writeGridCsv(temporary, file, _result.estimation->grid);
-  else
-    writeGeoTiff(temporary, file, _result.estimation->grid, job.crs, Describe::estimateLabel(job),
-                 Describe::deviationLabel(job));
 }
 
 void StudyRun::_warnOfData()

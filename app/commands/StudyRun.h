@@ -39,7 +39,6 @@ private:
   bool _isToDo(Step step) const { return _steps.count(step) > 0; }
   void _writeFiles();
   void _writePicture(const QString &file, const Picture &picture);
-  void _writeGrid(const QString &file);
   void _warnOfData();
   void _checkDuplicates();
   void _warnOfOutcome();

@@ -91,6 +91,7 @@ bool isIgnored(int number)
 void Interruption::install()
 {
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   if (pipe(signalPipe) != 0)
     return;
   listenTo(SIGINT);

@@ -11,7 +11,8 @@ namespace orvenal {
 /// process ends.
 namespace Interruption {
 
-/// Starts to listen. A write to a closed pipe no longer ends the process.
+/// Starts to listen. A write to a closed pipe, or beyond the largest size of a file, fails as any
+/// other one and no longer ends the process.
 void install();
 
 bool isRequested();

@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include <algorithm>
 #include <charconv>
 
 namespace orvenal {
@@ -20,6 +21,14 @@ void CsvText::append(QByteArray &line, double value)
 QByteArray CsvText::quoted(const QString &text)
 {
   return '"' + QString(text).replace('"', QLatin1String("\"\"")).toUtf8() + '"';
+}
+
+QByteArray CsvText::field(const QString &text)
+{
+  const bool isSpecial = std::any_of(text.begin(), text.end(), [](QChar c) {
+    return c == ',' || c == ';' || c == '"' || c == '\t' || c == '\n' || c == '\r';
+  });
+  return isSpecial || text != text.trimmed() ? quoted(text) : text.toUtf8();
 }
 
 }  // namespace orvenal

@@ -15,6 +15,9 @@ void append(QByteArray &line, double value);
 /// A text in double quotes.
 QByteArray quoted(const QString &text);
 
+/// A text, in double quotes where they are needed: it is read back as it is.
+QByteArray field(const QString &text);
+
 }  // namespace CsvText
 
 }  // namespace orvenal

@@ -3,6 +3,7 @@
 #include "basic/error/NbeUserError.h"
 
 #include <QObject>
+#include <QRegularExpression>
 
 #include <vector>
 
@@ -34,6 +35,17 @@ GeoEasReader::GeoEasReader(const QString &path, const QString &shownName, const 
   _readHeader();
 }
 
+/// Files that this program writes name their mark of undefined values in the title.
+void GeoEasReader::_takeMark()
+{
+  static const QRegularExpression pattern(QStringLiteral("\\(undefined: (\\S+)\\)$"));
+  const QString mark = pattern.match(_title.trimmed()).captured(1);
+  if (mark.isEmpty())
+    return;
+  _format.undefined << mark;
+  _parser = FieldParser(_format, FieldParser::FORTRAN);
+}
+
 QString GeoEasReader::getFormatName() const
 {
   return _grid ? QObject::tr("GEO-EAS, grid") : QObject::tr("GEO-EAS");
@@ -43,6 +55,7 @@ void GeoEasReader::_readHeader()
 {
   if (_records.nextLine())
     _title = textFromBytes(_records.getField(0));
+  _takeMark();
   if (!_records.nextLine())
     fail(QObject::tr("the file ends before the number of variables, which is on the second line"));
   const QString line = shownText(_records.getField(0));

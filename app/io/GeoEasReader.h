@@ -23,7 +23,7 @@ namespace orvenal {
 /// variable of the same name then is "x (field)". Other text on that line is a remark.
 ///
 /// GSLIB takes values outside trimming limits (below -1e21) for missing; here a value is undefined
-/// when it is listed as such.
+/// when it is listed as such, or named by the title as `(undefined: -999)` at its end.
 class GeoEasReader : public TableReader
 {
 public:
@@ -55,6 +55,7 @@ private:
   };
 
   void _readHeader();
+  void _takeMark();
   void _readNames(int nVariables);
   void _readGrid();
   int _getNVariables() const { return getColumns().size() - _nAxes; }

@@ -3,7 +3,7 @@
 #include "app/console/Interruption.h"
 #include "app/io/GdalErrors.h"
 #include "app/io/SpatialReference.h"
-#include "app/study/GridResult.h"
+#include "app/study/GridTable.h"
 #include "basic/base/NbbGlobal.h"
 #include "basic/error/NbeUserError.h"
 
@@ -45,21 +45,24 @@ DatasetPtr create(const QString &path, const NbgGeomGrid &grid, int nBands)
                                    const_cast<char **>(options)));
 }
 
-/// Pixels run along the first axis and rows down the second one; ranks run up the second one first.
-bool writeBand(GDALRasterBand &band, const NbgGeomGrid &grid, const std::vector<double> &values,
-               const QString &name)
+/// Pixels run along the first axis and rows down the second one.
+bool writeBand(GDALRasterBand &band, const GridTable &grid, const GridTable::Column &column)
 {
-  const NbgIntVector3D n = grid.getNodesNumber();
+  const NbgIntVector3D n = grid.geometry.getNodesNumber();
   constexpr double noData = std::numeric_limits<double>::quiet_NaN();
-  band.SetDescription(name.toUtf8().constData());
+  band.SetDescription(column.name.toUtf8().constData());
   bool written = band.SetNoDataValue(noData) == CE_None;
+  if (!column.unit.isEmpty())
+    written = band.SetUnitType(column.unit.toUtf8().constData()) == CE_None && written;
+  if (!column.label.isEmpty())
+    written =
+        band.SetMetadataItem("long_name", column.label.toUtf8().constData()) == CE_None && written;
   std::vector<double> row(std::size_t(n.x()));
   for (int line = 0; line < n.y() && written; ++line) {
     Interruption::check();
-    for (int i = 0; i < n.x(); ++i) {
-      const double value = values[std::size_t(grid.getRankFromIJK(i, n.y() - 1 - line, 0))];
-      row[std::size_t(i)] = NbbGlobal::isDefined(value) ? value : noData;
-    }
+    grid.copyRow(column, n.y() - 1 - line, 0, row);
+    for (double &value : row)
+      value = NbbGlobal::isDefined(value) ? value : noData;
     written = band.RasterIO(GF_Write, 0, line, n.x(), 1, row.data(), n.x(), 1, GDT_Float64, 0, 0) ==
               CE_None;
   }
@@ -79,26 +82,21 @@ std::array<double, 6> rasterTransform(const NbgGeomGrid &grid)
           corner.y(), u.y() * cell.x(), -v.y() * cell.y()};
 }
 
-void writeGeoTiff(const QString &path, const QString &shownName, const GridResult &result,
-                  const QString &crs, const QString &estimateName, const QString &deviationName)
+void writeGeoTiff(const QString &path, const QString &shownName, const GridTable &grid)
 {
   const GdalErrors errors;
-  DatasetPtr dataset = create(path, result.geometry, 2 + int(result.extras.size()));
+  DatasetPtr dataset = create(path, grid.geometry, grid.columns.size());
   if (!dataset)
     failToWrite(shownName, errors);
-  std::array<double, 6> transform = rasterTransform(result.geometry);
+  std::array<double, 6> transform = rasterTransform(grid.geometry);
   QString reason;
   const SpatialReference reference =
-      crs.isEmpty() ? SpatialReference() : SpatialReference::parse(crs, reason);
+      grid.crs.isEmpty() ? SpatialReference() : SpatialReference::parse(grid.crs, reason);
   bool written = dataset->SetGeoTransform(transform.data()) == CE_None;
   if (reference.isValid())
     written = dataset->SetSpatialRef(reference.get()) == CE_None && written;
-  written = written &&
-            writeBand(*dataset->GetRasterBand(1), result.geometry, result.estimate, estimateName) &&
-            writeBand(*dataset->GetRasterBand(2), result.geometry, result.deviation, deviationName);
-  for (std::size_t i = 0; i < result.extras.size() && written; ++i)
-    written = writeBand(*dataset->GetRasterBand(3 + int(i)), result.geometry,
-                        result.extras[i].values, result.extras[i].label);
+  for (int i = 0; i < grid.columns.size() && written; ++i)
+    written = writeBand(*dataset->GetRasterBand(1 + i), grid, grid.columns[i]);
   dataset->FlushCache(true);
   dataset.reset();
   if (!written || errors.hasFailed())

@@ -5,6 +5,7 @@
 #include "app/io/JobObject.h"
 #include "app/io/JobText.h"
 #include "app/io/KrigingReader.h"
+#include "app/io/ModelFile.h"
 #include "app/io/ModelReader.h"
 #include "app/io/NeighborhoodReader.h"
 #include "app/io/OutputReader.h"
@@ -99,7 +100,7 @@ NgmVModel readModelOf(const JobObject &root, const QDir &folder, Job &job)
   if (!QFileInfo(file).isFile())
     object.fail(key("file"), QObject::tr("there is no file \"%1\"").arg(file));
   job.modelFile = file;
-  return readModel(parseModelText(file, readFile(file)), job.getNDimensions(), job.getNVariables());
+  return readModelFile(file, file, job.getNDimensions(), job.getNVariables());
 }
 
 void readFitOf(const JobObject &root, Job &job)

@@ -157,7 +157,7 @@ void authorize(const JobObject &object, NgmVModel &model)
 
 QStringList modelKeys()
 {
-  return {QStringLiteral("nugget"), QStringLiteral("structures")};
+  return {QStringLiteral("nugget"), QStringLiteral("structures"), QStringLiteral("dimensions")};
 }
 
 JobObject parseModelText(const QString &file, const QByteArray &text)
@@ -203,6 +203,11 @@ NgmVModel readModel(const JobObject &object, int nDimensions, int nVariables)
       QStringList{QStringLiteral("type"), QStringLiteral("sill"), QStringLiteral("range"),
                   QStringLiteral("ranges"), QStringLiteral("parameter")} +
       angleKeys();
+  const QString dimensions = QStringLiteral("dimensions");
+  if (object.has(dimensions) && object.integer(dimensions, 2, 3) != nDimensions)
+    object.fail(dimensions, QObject::tr("the model has %1 dimensions, the samples have %2")
+                                .arg(object.integer(dimensions, 2, 3))
+                                .arg(nDimensions));
   NgmVModel model(nVariables);
   model.setContextNDim(nDimensions);
   if (object.has(QStringLiteral("nugget")))

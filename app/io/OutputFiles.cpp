@@ -1,5 +1,6 @@
 #include "app/io/OutputFiles.h"
 
+#include "app/io/TextFile.h"
 #include "basic/error/NbeAssertion.h"
 #include "basic/error/NbeUserError.h"
 
@@ -7,13 +8,15 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QObject>
-#include <QTemporaryFile>
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 namespace orvenal {
@@ -25,25 +28,39 @@ namespace {
   throw NbeUserError(QObject::tr("%1: cannot be written: %2").arg(path, reason));
 }
 
-/// Temporary files are private; give a new file the rights that any program would give it.
-void openRights(QFile &file)
+QString systemReason()
 {
-  const mode_t mask = umask(0);
-  umask(mask);
-  fchmod(file.handle(), 0666 & ~mask);
+  return QString::fromLocal8Bit(std::strerror(errno));
 }
 
-/// The file, and those that its writer keeps beside it under longer names.
-void removeTemporary(const QString &path)
+/// Keeps other runs from putting files into the folders while it lives. A file system that has no
+/// locks goes without.
+class FolderLocks
 {
-  const QFileInfo info(path);
-  const QDir folder = info.absoluteDir();
-  const QStringList all = folder.entryList(QDir::Files | QDir::Hidden);
-  for (const QString &name : all) {
-    if (name.startsWith(info.fileName()))
-      QFile::remove(folder.filePath(name));
+public:
+  /// Always in the same order, or two runs could wait for each other.
+  explicit FolderLocks(QStringList folders)
+  {
+    std::sort(folders.begin(), folders.end());
+    for (const QString &folder : folders) {
+      const int descriptor = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_CLOEXEC);
+      if (descriptor < 0)
+        continue;
+      ::flock(descriptor, LOCK_EX);
+      _descriptors.push_back(descriptor);
+    }
   }
-}
+  ~FolderLocks()
+  {
+    for (const int descriptor : _descriptors)
+      ::close(descriptor);
+  }
+  FolderLocks(const FolderLocks &) = delete;
+  FolderLocks &operator=(const FolderLocks &) = delete;
+
+private:
+  std::vector<int> _descriptors;
+};
 
 }  // namespace
 
@@ -52,21 +69,11 @@ OutputFiles::~OutputFiles()
   discard();
 }
 
-void OutputFiles::reserve(const QString &path)
+void OutputFiles::reserve(const QStringList &paths)
 {
-  const QFileInfo target(path);
-  if (target.isDir())
-    failToWrite(path, QObject::tr("it is a folder"));
-  if (target.exists() && !target.isWritable())
-    failToWrite(path, QObject::tr("the file is protected"));
-  _makeFolder(target.absolutePath());
-  const QMutexLocker locker(&_mutex);
-  QTemporaryFile file(target.absolutePath() + "/." + target.fileName() + ".XXXXXX.part");
-  file.setAutoRemove(false);
-  if (!file.open())
-    failToWrite(path, file.errorString());
-  openRights(file);
-  _files.push_back({path, file.fileName()});
+  _refuseExisting(paths);
+  for (const QString &path : paths)
+    _reserveFile(path);
 }
 
 QString OutputFiles::getTemporaryPath(const QString &path) const
@@ -76,22 +83,31 @@ QString OutputFiles::getTemporaryPath(const QString &path) const
 
 void OutputFiles::write(const QString &path, const QByteArray &content)
 {
-  QFile file(getTemporaryPath(path));
-  if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) ||
-      file.write(content) != content.size() || !file.flush())
-    failToWrite(path, file.errorString());
+  TextFile file(getTemporaryPath(path), path);
+  file.text() = content;
+  file.finish();
 }
 
 void OutputFiles::commit()
 {
+  QStringList folders;
+  for (const Folder &folder : _folders)
+    folders << folder.path;
+  const FolderLocks locks(folders);
+  QStringList paths;
+  for (const File &file : _files)
+    paths << file.path;
+  _refuseExisting(paths);
   const QMutexLocker locker(&_mutex);
   for (File &file : _files) {
     if (std::rename(QFile::encodeName(file.temporary).constData(),
                     QFile::encodeName(file.path).constData()) != 0)
-      failToWrite(file.path, QString::fromLocal8Bit(std::strerror(errno)));
+      failToWrite(file.path, systemReason());
     file.done = true;
   }
   _madeFolders.clear();
+  _remove();
+  _folders.clear();
 }
 
 void OutputFiles::discard()
@@ -99,15 +115,14 @@ void OutputFiles::discard()
   const QMutexLocker locker(&_mutex);
   _remove();
   _files.clear();
+  _folders.clear();
   _madeFolders.clear();
 }
 
 void OutputFiles::_remove() const
 {
-  for (const File &file : _files) {
-    if (!file.done)
-      removeTemporary(file.temporary);
-  }
+  for (const Folder &folder : _folders)
+    QDir(folder.temporary).removeRecursively();
   for (int i = _madeFolders.size() - 1; i >= 0; --i)
     QDir().rmdir(_madeFolders[i]);
 }
@@ -129,18 +144,70 @@ const OutputFiles::File &OutputFiles::_find(const QString &path) const
   NBE_FAIL(QStringLiteral("reserved file"));
 }
 
+void OutputFiles::_refuseExisting(const QStringList &paths) const
+{
+  constexpr int mostNamed = 10;
+  if (_existing == REPLACE)
+    return;
+  QStringList lines;
+  int nMore = 0;
+  for (const QString &path : paths) {
+    const QFileInfo target(path);
+    if (!target.exists() || target.isDir())
+      continue;
+    if (lines.size() < mostNamed)
+      lines << QObject::tr("%1 exists; --overwrite replaces it").arg(path);
+    else
+      ++nMore;
+  }
+  if (nMore > 0)
+    lines << QObject::tr("and %1 more").arg(nMore);
+  if (!lines.isEmpty())
+    throw NbeUserError(lines.join('\n'));
+}
+
+void OutputFiles::_reserveFile(const QString &path)
+{
+  const QFileInfo target(path);
+  if (target.isDir())
+    failToWrite(path, QObject::tr("it is a folder"));
+  if (target.exists() && !target.isWritable())
+    failToWrite(path, QObject::tr("the file is protected"));
+  const QString folder = target.absolutePath();
+  _makeFolder(folder, path);
+  const QMutexLocker locker(&_mutex);
+  QFile file(_hiddenFolder(folder, path) + '/' + target.fileName());
+  if (!file.open(QIODevice::WriteOnly))
+    failToWrite(path, file.errorString());
+  _files.push_back({path, file.fileName()});
+}
+
+QString OutputFiles::_hiddenFolder(const QString &folder, const QString &file)
+{
+  for (const Folder &known : _folders) {
+    if (known.path == folder)
+      return known.temporary;
+  }
+  QByteArray name = QFile::encodeName(folder + "/.orvenal-XXXXXX");
+  if (!::mkdtemp(name.data()))
+    failToWrite(file, systemReason());
+  _folders.push_back({folder, QFile::decodeName(name)});
+  return _folders.back().temporary;
+}
+
 /// Makes the missing folders one by one, so that they can be taken back.
-void OutputFiles::_makeFolder(const QString &folder)
+void OutputFiles::_makeFolder(const QString &folder, const QString &file)
 {
   const QFileInfo info(folder);
   if (info.isDir())
     return;
   if (!info.isRoot())
-    _makeFolder(info.absolutePath());
+    _makeFolder(info.absolutePath(), file);
   const QMutexLocker locker(&_mutex);
-  if (::mkdir(QFile::encodeName(folder).constData(), 0777) != 0 && !QFileInfo(folder).isDir())
-    failToWrite(folder, QString::fromLocal8Bit(std::strerror(errno)));
-  _madeFolders << folder;
+  if (::mkdir(QFile::encodeName(folder).constData(), 0777) == 0)
+    _madeFolders << folder;
+  else if (!QFileInfo(folder).isDir())
+    failToWrite(file, QObject::tr("%1: %2").arg(folder, systemReason()));
 }
 
 }  // namespace orvenal

@@ -1,6 +1,8 @@
 #include "app/io/OutputReader.h"
 
+#include "app/io/GridWriter.h"
 #include "app/io/JobObject.h"
+#include "app/io/ModelFile.h"
 #include "app/study/Job.h"
 
 #include <QDir>
@@ -81,8 +83,8 @@ QStringList readGridFiles(const JobObject &object, const QDir &folder, int nDime
   QStringList files;
   for (const QString &name : object.texts(key("grid"))) {
     const QString path = QStringLiteral("grid[%1]").arg(files.size());
-    files << readOutputFile(object, path, name, folder, {key("csv"), key("tif"), key("tiff")});
-    if (nDimensions > 2 && !files.last().endsWith(QLatin1String(".csv"), Qt::CaseInsensitive))
+    files << readOutputFile(object, path, name, folder, gridEndings());
+    if (nDimensions > 2 && isPlaneFormat(QFileInfo(name).suffix().toLower()))
       object.fail(path, QObject::tr("a GeoTIFF needs a grid of two dimensions"));
   }
   return files;
@@ -186,20 +188,22 @@ void readOutput(const JobObject &root, const QDir &jobFolder, Job &job)
 {
   if (!root.has(key("output")))
     return;
-  const JobObject object = root.object(
-      key("output"), {key("directory"), key("data"), key("grid"), key("maps"), key("fit"),
-                      key("variogram"), key("crossValidation"), key("report"), key("results")});
+  const JobObject object =
+      root.object(key("output"), {key("directory"), key("data"), key("grid"), key("maps"),
+                                  key("fit"), key("variogram"), key("crossValidation"),
+                                  key("report"), key("results"), key("overwrite")});
   const QDir folder(jobFolder.absoluteFilePath(object.text(key("directory"), key("."))));
   JobOutput &output = job.output;
+  output.overwrite = object.flag(key("overwrite"), false);
   readStepFiles(object, "data", true, folder,
                 {{"map", pictureEndings(), &output.dataMap},
                  {"histogram", pictureEndings(), &output.dataHistogram}});
   readKrigingFiles(object, folder, job, output);
   readVariogramFiles(object, folder, job, output);
   readStepFiles(object, "fit", job.fit.has_value(), folder,
-                {{"model", {key("json")}, &output.fittedModel}});
+                {{"model", modelEndings(), &output.fittedModel}});
   readStepFiles(object, "crossValidation", job.crossValidation.has_value(), folder,
-                {{"table", {key("csv")}, &output.crossValidationTable},
+                {{"table", {key("csv"), key("gpkg")}, &output.crossValidationTable},
                  {"picture", pictureEndings(), &output.crossValidationPicture},
                  {"map", pictureEndings(), &output.crossValidationMap}});
   if (object.has(key("report")))

@@ -95,8 +95,13 @@ QString SpatialReference::toText() const
     return QString();
   QString reason;
   const QString code = authorityCode(*_reference);
-  if (!code.isEmpty() && parse(code, reason).isSame(*this))
-    return code;
+  return !code.isEmpty() && parse(code, reason).isSame(*this) ? code : toWkt();
+}
+
+QString SpatialReference::toWkt() const
+{
+  if (!_reference)
+    return QString();
   static const char *const options[] = {"FORMAT=WKT2_2019", nullptr};
   char *text = nullptr;
   const GdalErrors errors;

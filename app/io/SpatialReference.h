@@ -36,6 +36,8 @@ public:
   /// "Amersfoort / RD New"
   QString getName() const;
 
+  /// The whole reference as WKT (version 2:2019); empty for an invalid one.
+  QString toWkt() const;
   /// "EPSG:28992" when it is such a registered one, else its WKT.
   QString toText() const;
 

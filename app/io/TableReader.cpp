@@ -3,6 +3,7 @@
 #include "app/io/CsvReader.h"
 #include "app/io/GdalTable.h"
 #include "app/io/GeoEasReader.h"
+#include "app/io/NetcdfReader.h"
 #include "app/io/Suggestion.h"
 #include "app/io/TableKind.h"
 #include "basic/error/NbeUserError.h"
@@ -16,8 +17,10 @@ std::unique_ptr<TableReader> TableReader::open(const QString &path, const QStrin
 {
   const TableFormat::Kind kind =
       format.kind == TableFormat::AUTO ? findTableKind(path, shownName) : format.kind;
-  if (kind == TableFormat::GDAL)
-    return openGdalTable(path, shownName, format);
+  if (kind == TableFormat::GDAL) {
+    std::unique_ptr<TableReader> grid = NetcdfReader::tryOpen(path, shownName, format);
+    return grid ? std::move(grid) : openGdalTable(path, shownName, format);
+  }
   if (!format.layer.isEmpty())
     throw NbeUserError(QObject::tr("%1: a text table has no layers, and none named \"%2\"")
                            .arg(shownName, format.layer));
@@ -31,7 +34,9 @@ QList<TableLayer> TableReader::listLayers(const QString &path, const QString &sh
 {
   const TableFormat::Kind kind =
       format.kind == TableFormat::AUTO ? findTableKind(path, shownName) : format.kind;
-  return kind == TableFormat::GDAL ? listGdalLayers(path, shownName) : QList<TableLayer>();
+  const bool hasLayers =
+      kind == TableFormat::GDAL && !NetcdfReader::tryOpen(path, shownName, format);
+  return hasLayers ? listGdalLayers(path, shownName) : QList<TableLayer>();
 }
 
 TableReader::TableReader(const QString &shownName) : _shownName(shownName) {}

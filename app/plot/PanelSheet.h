@@ -54,10 +54,10 @@ private:
   std::unique_ptr<QCustomPlot> _plot;
   double _width;
   QCPLayoutGrid *_body;
-  QVector<QCPLayoutGrid *> _rows;  ///< of areas
-  QCPLayoutGrid *_row = nullptr;   ///< the last one
+  QVector<QCPLayoutGrid *> _rows;       ///< of areas
+  QCPLayoutGrid *_row = nullptr;        ///< the last one
   QCPMarginGroup *_rowGroup = nullptr;  ///< its areas have one height
-  QSize _rowSize;                  ///< room that the row's areas take, with their labels
+  QSize _rowSize;                       ///< room that the row's areas take, with their labels
   int _nInRow = 0;
   QVector<QCPMarginGroup *> _groups;  ///< areas above each other begin at one place
 };

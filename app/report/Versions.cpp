@@ -3,6 +3,7 @@
 #include "app/plot/PlotLibrary.h"
 
 #include <gdal.h>
+#include <netcdf.h>
 
 namespace orvenal {
 
@@ -16,6 +17,8 @@ QVector<QPair<QString, QString>> allVersions()
   return {{QStringLiteral("Orvenal"), programVersion()},
           {QStringLiteral("Qt"), QString::fromLatin1(qVersion())},
           {QStringLiteral("GDAL"), QString::fromLatin1(GDALVersionInfo("RELEASE_NAME"))},
+          {QStringLiteral("netCDF"),
+           QString::fromLatin1(nc_inq_libvers()).section(QLatin1Char(' '), 0, 0)},
           {QStringLiteral("QCustomPlot"), QStringLiteral(QCUSTOMPLOT_VERSION_STR)}};
 }
 

@@ -39,6 +39,7 @@ Steps Job::getSteps() const
 void Job::keepOutputsOf(const Steps &steps)
 {
   JobOutput kept;
+  kept.overwrite = output.overwrite;
   if (steps.count(Step::STATISTICS)) {
     kept.dataMap = output.dataMap;
     kept.dataHistogram = output.dataHistogram;

@@ -61,6 +61,7 @@ struct JobOutput
   QString crossValidationMap;
   QString report;
   QString results;
+  bool overwrite = false;  ///< files of an earlier run are replaced
 
   QStringList getFiles() const;
 };

@@ -1,5 +1,6 @@
 #include "app/study/TableSummary.h"
 
+#include <QObject>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -65,13 +66,18 @@ bool isMark(const ColumnTally &tally)
   return tally.minimum < absurd || (isCustomary && tally.second > 0.5 * tally.minimum);
 }
 
+bool hasDigits(const QString &text)
+{
+  static const QRegularExpression digit(QStringLiteral("\\d"));
+  return text.contains(digit);
+}
+
 /// A text among numbers that holds no digits ("n/a"), or is a number that no value can be.
 bool isMark(const QString &text)
 {
-  static const QRegularExpression digit(QStringLiteral("\\d"));
   bool isNumber = false;
   text.toDouble(&isNumber);
-  return isNumber || !text.contains(digit);
+  return isNumber || !hasDigits(text);
 }
 
 ColumnSummary summaryOf(const QString &name, const ColumnTally &tally)
@@ -98,13 +104,18 @@ ColumnSummary summaryOf(const QString &name, const ColumnTally &tally)
   return summary;
 }
 
-/// Whether all texts that were kept are numbers with a decimal comma.
+/// Whether all texts that were kept and hold digits are numbers with a decimal comma.
 bool hasDecimalCommas(const ColumnTally &tally)
 {
   static const QRegularExpression number(QStringLiteral("^[+-]?\\d*,\\d+(?:[eE][+-]?\\d+)?$"));
-  return !tally.texts.isEmpty() &&
-         std::all_of(tally.texts.begin(), tally.texts.end(),
-                     [](const QString &text) { return number.match(text).hasMatch(); });
+  int nNumbers = 0;
+  for (const QString &text : tally.texts) {
+    if (number.match(text).hasMatch())
+      ++nNumbers;
+    else if (hasDigits(text))
+      return false;
+  }
+  return nNumbers > 0;
 }
 
 void tallyRecord(const TableReader &reader, std::vector<ColumnTally> &tallies,
@@ -216,7 +227,7 @@ std::optional<NbgGeomGrid> findGrid(const std::vector<Place> &places, qint64 nDi
 constexpr qint64 mostPlaces = 20000000;
 
 /// Box, coincidences, third axis and grid.
-void summarizePlaces(std::vector<Place> &places, TableSummary &summary)
+void summarizePlaces(std::vector<Place> &places, bool isGuess, TableSummary &summary)
 {
   if (places.empty() || summary.nPlaces > mostPlaces) {
     summary.nDuplicates = places.empty() ? 0 : -1;
@@ -224,7 +235,8 @@ void summarizePlaces(std::vector<Place> &places, TableSummary &summary)
     return;
   }
   constexpr qint64 leastAbove = 10;  // one of so many
-  if (summary.coordinates.z >= 0 && sortPlaces(places).nAbove * leastAbove < summary.nPlaces)
+  if (isGuess && summary.coordinates.z >= 0 &&
+      sortPlaces(places).nAbove * leastAbove < summary.nPlaces)
     summary.coordinates.z = -1;
   if (summary.coordinates.z < 0) {
     for (Place &place : places)
@@ -250,14 +262,25 @@ bool isNumeric(const TableSummary &summary, int column)
   return column >= 0 && summary.columns[column].getType() == ColumnSummary::NUMBERS;
 }
 
-TableSummary summarize(TableReader &reader, bool &hasCommas)
+CoordinateColumns findCoordinates(const TableReader &reader, const QStringList &axes)
+{
+  if (axes.isEmpty())
+    return guessCoordinates(reader.getColumns());
+  CoordinateColumns columns;
+  columns.x = reader.findColumn(axes[0], QObject::tr("coordinate"));
+  columns.y = reader.findColumn(axes[1], QObject::tr("coordinate"));
+  columns.z = axes.size() > 2 ? reader.findColumn(axes[2], QObject::tr("coordinate")) : -1;
+  return columns;
+}
+
+TableSummary summarize(TableReader &reader, const QStringList &axes, bool &hasCommas)
 {
   TableSummary summary;
   summary.format = reader.getFormat();
   summary.formatName = reader.getFormatName();
   summary.reference = reader.getReference();
   const QStringList &names = reader.getColumns();
-  CoordinateColumns guess = guessCoordinates(names);
+  CoordinateColumns guess = findCoordinates(reader, axes);
   std::vector<ColumnTally> tallies(std::size_t(names.size()));
   std::vector<double> numbers(tallies.size());
   std::vector<Place> places;
@@ -279,7 +302,7 @@ TableSummary summarize(TableReader &reader, bool &hasCommas)
   if (!isNumeric(summary, guess.z) || summary.columns[guess.z].nUndefined > 0)
     guess.z = -1;
   summary.coordinates = guess;
-  summarizePlaces(places, summary);
+  summarizePlaces(places, axes.isEmpty(), summary);
   return summary;
 }
 
@@ -302,16 +325,16 @@ int TableSummary::findColumn(const QString &name) const
 }
 
 TableSummary summarizeTable(const QString &path, const QString &shownName,
-                            const TableFormat &format)
+                            const TableFormat &format, const QStringList &axes)
 {
   bool hasCommas = false;
   const std::unique_ptr<TableReader> reader = TableReader::open(path, shownName, format);
-  const TableSummary summary = summarize(*reader, hasCommas);
+  const TableSummary summary = summarize(*reader, axes, hasCommas);
   TableFormat withCommas = reader->getFormat();
   if (!hasCommas || withCommas.decimal == ',' || withCommas.separator == ',')
     return summary;
   withCommas.decimal = ',';
-  return summarize(*TableReader::open(path, shownName, withCommas), hasCommas);
+  return summarize(*TableReader::open(path, shownName, withCommas), axes, hasCommas);
 }
 
 }  // namespace orvenal

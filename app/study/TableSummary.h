@@ -72,7 +72,9 @@ struct TableSummary
 /// Reads a table from end to end. A text table that has its numbers with decimal commas is read as
 /// such when the format says decimal points. Memory: some 60 bytes per record for the places of at
 /// most 20 million records, and nothing else that grows. Damaged tables are NbeUserErrors.
+///
+/// `axes` are the columns of the coordinates, two or three of them; without it they are guessed.
 TableSummary summarizeTable(const QString &path, const QString &shownName,
-                            const TableFormat &format);
+                            const TableFormat &format, const QStringList &axes = QStringList());
 
 }  // namespace orvenal

@@ -83,7 +83,7 @@ public:
   Outcome runIn(const apptest::Folder &folder) const
   {
     folder.write("job.json", QJsonDocument(_job.toObject()).toJson());
-    return runProgram({"run", "job.json"}, folder.path(""));
+    return runProgram({"run", "--overwrite", "job.json"}, folder.path(""));
   }
 
   QByteArray file(const QString &name) const { return apptest::readFile(_folder.path(name)); }

@@ -147,7 +147,7 @@ TEST(Duplicates, AnErrorNamesTheFirstTwoInTheFile)
                "1.5,2,4,e\n0,0,2,f\n");
   folder.write("job.json", R"({"data": {"file": "d.csv", "x": "x", "y": "y", "duplicates": "error"},
     "variable": {"column": "v"}})");
-  const Outcome outcome = runProgram({"run", "job.json"}, folder.path(""));
+  const Outcome outcome = runProgram({"run", "--overwrite", "job.json"}, folder.path(""));
   EXPECT_EQ(outcome.exitCode, 1);
   EXPECT_THAT(outcome.errors, HasSubstr("d.csv: the samples of line 6 and line 7 lie at one place "
                                         "(0, 0); 3 samples lie at the place of an earlier one"));
@@ -193,7 +193,7 @@ TEST(Duplicates, TheWarningSaysWhatBecomesOfThem)
     else
       job = apptest::withValue(job, {"kriging"}, json(c.extra));
     folder.write("job.json", QJsonDocument(job.toObject()).toJson());
-    const Outcome outcome = runProgram({"run", "job.json"}, folder.path(""));
+    const Outcome outcome = runProgram({"run", "--overwrite", "job.json"}, folder.path(""));
     EXPECT_EQ(outcome.exitCode, c.exitCode);
     EXPECT_THAT(outcome.errors, HasSubstr(c.message));
     if (c.exitCode != 0)

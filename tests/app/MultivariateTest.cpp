@@ -192,7 +192,8 @@ TEST(Multivariate, TheExampleKrigesWithTheModelThatItFits)
   job = apptest::withValue(job, {"output", "directory"}, "out");
   const auto run = [&](const QStringList &options) {
     const QByteArray text = QJsonDocument(job.toObject()).toJson();
-    return runProgram(QStringList{"run"} + options + QStringList{folder.write("j.json", text)});
+    return runProgram(QStringList{"run", "--overwrite"} + options +
+                      QStringList{folder.write("j.json", text)});
   };
   const Outcome outcome = run({});
   ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
@@ -255,7 +256,8 @@ TEST(Multivariate, TheFitDoesNotDependOnTheUnitsOfVariables)
       "variable": {"column": "a"}, "covariates": [{"column": "b"}, {"column": "c"}],
       "variogram": {"lag": 100, "lags": 15}, "fit": {"structures": ["Spherical", "Spherical"]},
       "output": {"fit": {"model": "m.json"}}})");
-    const Outcome outcome = runProgram({"fit", "--quiet", "job.json"}, folder.path(""));
+    const Outcome outcome =
+        runProgram({"fit", "--quiet", "--overwrite", "job.json"}, folder.path(""));
     EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
     return readModel(folder.path("m.json"));
   };
@@ -287,7 +289,8 @@ TEST(Multivariate, TheFitDoesNotDependOnTheUnitsOfVariables)
       "neighborhood": {"type": "moving", "radius": 3000, "maximum": 8}})");
     plain.write("job.json", apptest::readFile(folder.path("job.json")));
     for (const apptest::Folder *where : {&plain, &folder}) {
-      const Outcome outcome = runProgram({"run", "--quiet", "job.json"}, where->path(""));
+      const Outcome outcome =
+          runProgram({"run", "--quiet", "--overwrite", "job.json"}, where->path(""));
       ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
     }
     const auto estimates = readEstimates(plain.path("x.csv"));
@@ -320,7 +323,8 @@ TEST(Multivariate, SaysWhichVariablesHaveNoModel)
     folder.write("job.json", R"({"data": {"file": "d.csv", "x": "x", "y": "y"},
       "variable": {"column": "a"}, "covariates": [{"column": "b"}],
       "variogram": {"lag": 1, "lags": 6}, "fit": {}})");
-    const Outcome outcome = runProgram({"fit", "--quiet", "job.json"}, folder.path(""));
+    const Outcome outcome =
+        runProgram({"fit", "--quiet", "--overwrite", "job.json"}, folder.path(""));
     EXPECT_EQ(outcome.exitCode, 1) << c.message;
     EXPECT_THAT(outcome.errors, HasSubstr(c.message));
   }

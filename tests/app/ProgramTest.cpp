@@ -26,7 +26,7 @@ namespace {
 Outcome runJob(const MeuseJob &job, const apptest::Folder &folder,
                const QStringList &options = QStringList())
 {
-  return runProgram(QStringList{"run"} + options + QStringList{job.writeTo(folder)});
+  return runProgram(QStringList{"run", "--overwrite"} + options + QStringList{job.writeTo(folder)});
 }
 
 struct Node
@@ -208,8 +208,10 @@ TEST(Program, WritesAGeoTiffThatSaysTheSame)
   ASSERT_TRUE(raster);
   ASSERT_EQ(raster->GetRasterXSize(), 78);
   ASSERT_EQ(raster->GetRasterYSize(), 104);
-  ASSERT_EQ(raster->GetRasterCount(), 2);
-  EXPECT_STREQ(raster->GetRasterBand(1)->GetDescription(), "Estimate of log zinc [log(mg/kg)]");
+  ASSERT_EQ(raster->GetRasterCount(), 3);
+  EXPECT_STREQ(raster->GetRasterBand(1)->GetDescription(), "estimate");
+  EXPECT_STREQ(raster->GetRasterBand(1)->GetMetadataItem("long_name"),
+               "Estimate of log zinc [log(mg/kg)]");
   EXPECT_TRUE(std::isnan(raster->GetRasterBand(1)->GetNoDataValue()));
   ASSERT_TRUE(raster->GetSpatialRef());
   EXPECT_STREQ(raster->GetSpatialRef()->GetAuthorityCode(nullptr), "28992");
@@ -547,7 +549,8 @@ TEST(Program, LeavesOutLinesAndBalls)
       "model": {"structures": [{"type": "Spherical", "sill": 1, "range": 30}]},
       "neighborhood": {"type": "unique"},
       "output": {"crossValidation": {"table": "x.csv"}}})");
-    const Outcome outcome = runProgram({"run", "--quiet", "job.json"}, folder.path(""));
+    const Outcome outcome =
+        runProgram({"run", "--quiet", "--overwrite", "job.json"}, folder.path(""));
     ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
     CsvReader table(folder.path("x.csv"), "x.csv", TableFormat());
     for (int i = 0; table.next(); ++i)
@@ -582,6 +585,7 @@ TEST(Program, WritesAReportThatNeedsNothingElse)
   job.set("title", "Zinc <in> the \"Meuse\" & more");
   job.remove("model.structures.0.range").set("model.structures.0.ranges", json("[1200, 480]"));
   job.set("model.structures.0.azimuth", 30);
+  job.set("output.data", json("{\"map\": \"samples.png\", \"histogram\": \"histogram.png\"}"));
   ASSERT_EQ(runJob(job, folder).exitCode, 0);
   const QString html = QString::fromUtf8(apptest::readFile(folder.path("out/report.html")));
 
@@ -589,8 +593,10 @@ TEST(Program, WritesAReportThatNeedsNothingElse)
   QList<QByteArray> pictures;
   for (auto match = image.globalMatch(html); match.hasNext();)
     pictures << QByteArray::fromBase64(match.next().captured(1).toLatin1());
-  EXPECT_EQ(pictures, (QList<QByteArray>{apptest::readFile(folder.path("out/estimate.png")),
-                                         apptest::readFile(folder.path("out/deviation.png"))}));
+  QList<QByteArray> written;
+  for (const char *name : {"estimate", "deviation", "samples", "histogram"})
+    written << apptest::readFile(folder.path(QString("out/%1.png").arg(name)));
+  EXPECT_EQ(pictures, written);
 
   QString rest = html;
   rest.remove(image);
@@ -774,7 +780,7 @@ TEST(Program, RunsTwiceAtATimeInOneFolder)
   const QString job = onlyCsv().writeTo(folder);
   QProcess programs[2];
   for (QProcess &program : programs)
-    program.start(ORVENAL_PROGRAM, {"run", "--quiet", job});
+    program.start(ORVENAL_PROGRAM, {"run", "--quiet", "--overwrite", job});
   for (QProcess &program : programs) {
     ASSERT_TRUE(program.waitForFinished(120000));
     EXPECT_EQ(program.exitCode(), 0);

@@ -101,6 +101,7 @@ public:
     set("data.file", ORVENAL_EXAMPLES "/meuse/meuse.csv");
     set("grid.mask.file", ORVENAL_EXAMPLES "/meuse/meuse_grid.csv");
     set("output.directory", "out");
+    set("output.overwrite", true);
   }
 
   MeuseJob &set(const QString &place, const QJsonValue &value)
