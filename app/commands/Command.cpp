@@ -23,6 +23,8 @@ QString optionLabel(const CommandOption &option)
 QString optionLines(const CommandOption &option)
 {
   QString help = option.help;
+  if (!option.choices.isEmpty())
+    help += QObject::tr("; one of %1").arg(option.choices.join(QStringLiteral(", ")));
   if (!option.fallback.isEmpty())
     help += QObject::tr(" (default: %1)").arg(option.fallback);
   if (option.isRepeatable)

@@ -64,6 +64,20 @@ void completeNeighborhood(JobDraft &draft)
     draft.set(key("neighborhood.type"), QStringLiteral("moving"), key("--radius"));
 }
 
+void checkModelAndNeighborhood(const JobDraft &draft)
+{
+  if (!draft.isOfData())
+    return;
+  if (!draft.has(key("model")) && !draft.has(key("fit")))
+    throw UsageError(
+        QObject::tr("the model is missing; --fit fits one, --structure and --nugget "
+                    "or --model give one"));
+  if (!draft.has(key("neighborhood")))
+    throw UsageError(
+        QObject::tr("the neighborhood is missing; --unique uses all samples, --radius "
+                    "and --maximum the nearest ones"));
+}
+
 void completeMask(JobDraft &draft)
 {
   if (!draft.isGiven(key("grid.mask")))

@@ -14,6 +14,9 @@ void completeFit(JobDraft &draft);
 /// A neighborhood of which options give numbers is a moving one.
 void completeNeighborhood(JobDraft &draft);
 
+/// Kriging from options needs a model and a neighborhood; a UsageError says how to give them.
+void checkModelAndNeighborhood(const JobDraft &draft);
+
 /// A mask that an option gives has the samples' names of coordinates.
 void completeMask(JobDraft &draft);
 

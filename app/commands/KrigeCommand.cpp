@@ -53,6 +53,7 @@ void KrigeCommand::_complete(JobDraft &draft) const
   completeFit(draft);
   if (draft.isOfData() && !draft.has(QStringLiteral("grid.cell")))
     throw UsageError(QObject::tr("--cell is missing; it is the size of the grid's cells"));
+  checkModelAndNeighborhood(draft);
 }
 
 Steps KrigeCommand::_getSteps(const Job &job) const

@@ -43,6 +43,7 @@ void XvalidCommand::_complete(JobDraft &draft) const
 {
   completeFit(draft);
   draft.setDefault(QStringLiteral("crossValidation"), QJsonObject());
+  checkModelAndNeighborhood(draft);
 }
 
 Steps XvalidCommand::_getSteps(const Job &job) const

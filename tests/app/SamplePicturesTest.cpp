@@ -130,8 +130,8 @@ TEST(SampleMapPicture, DrawsAnyNumberOfSamplesAnywhere)
       EXPECT_LT(picture.width(), 2000);
       EXPECT_LT(picture.height(), 2000);
       std::set<QRgb> colors;
-      for (int y = 100; y < picture.height(); ++y) {
-        for (int x = 0; x < picture.width() / 2; ++x)
+      for (int y = 100; y < picture.height(); y += 3) {
+        for (int x = 0; x < picture.width() / 2; x += 3)
           colors.insert(picture.pixel(x, y));
       }
       EXPECT_GT(colors.size(), 20u);
