@@ -178,7 +178,7 @@ double GdalRasterReader::getNumber(int column) const
 
 QString GdalRasterReader::getText(int column) const
 {
-  return _isUndefined(column) && column > 1
+  return column > 1 && _isUndefined(column)
              ? QString()
              : QString::number(column < 2 ? _getCoordinate(column) : _getValue(column));
 }

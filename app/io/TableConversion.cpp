@@ -91,7 +91,7 @@ void TableConversion::_findNumbersThatAreTexts(std::vector<bool> &isText) const
   const auto reader = _openInput();
   while (reader->next()) {
     for (int i = 0; i < _summary.columns.size(); ++i) {
-      if (!isText[std::size_t(i)] && hasZerosInFront(reader->getText(i)))
+      if (!isText[std::size_t(i)] && !_isAxis(i) && hasZerosInFront(reader->getText(i)))
         isText[std::size_t(i)] = true;
     }
   }

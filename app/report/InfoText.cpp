@@ -1,6 +1,7 @@
 #include "app/report/InfoText.h"
 
 #include "app/console/Progress.h"
+#include "app/console/TextTable.h"
 #include "app/io/ModelJson.h"
 #include "app/io/SpatialReference.h"
 #include "app/report/Describe.h"
@@ -29,22 +30,9 @@ const QString gap = QStringLiteral("  ");
 using Facts = QVector<QPair<QString, QString>>;
 
 /// Text broken at blanks; lines behind the first one begin at `indent`.
-QString wrapped(const QString &text, int indent)
+QString hanging(const QString &text, int indent)
 {
-  QString result;
-  int used = indent;
-  for (const QString &word : text.split(QLatin1Char(' '))) {
-    if (used > indent && used + 1 + word.size() > lineWidth) {
-      result += '\n' + QString(indent, ' ');
-      used = indent;
-    } else if (used > indent) {
-      result += ' ';
-      ++used;
-    }
-    result += word;
-    used += word.size();
-  }
-  return result;
+  return wrapped(text, lineWidth - indent).join('\n' + QString(indent, ' '));
 }
 
 /// One line per fact, the names in a column of their own.
@@ -56,7 +44,7 @@ QString factLines(const Facts &facts)
   QStringList lines;
   for (const auto &fact : facts)
     lines << gap + fact.first.leftJustified(width) + gap +
-                 wrapped(fact.second, width + 2 * gap.size());
+                 hanging(fact.second, width + 2 * gap.size());
   return lines.join('\n');
 }
 
@@ -250,7 +238,7 @@ QString notes(const TableSummary &summary)
   }
   QString text;
   for (const QString &line : lines)
-    text += '\n' + gap + wrapped(line, gap.size());
+    text += '\n' + gap + hanging(line, gap.size());
   return text.isEmpty() ? text : '\n' + text;
 }
 

@@ -156,7 +156,7 @@ TEST(Options, AreNamedByTheirErrors)
       {krige + model + QStringList{"--cell", "40", "--radius", "-3", "--maximum", "4"},
        "--radius: -3 is too small"},
       {krige + QStringList{"--structure", "Spherical 1"}, "--structure: expected type, sill"},
-      {krige + QStringList{"--structure", "Sferical 1 20", "--cell", "40"},
+      {krige + nearest + QStringList{"--structure", "Sferical 1 20", "--cell", "40"},
        "--structure: \"Sferical\" is not known; did you mean \"Spherical\"?"},
       {krige + model + nearest + QStringList{"--cell", "40", "--unique"},
        "--radius: has no meaning in a unique neighborhood"},
