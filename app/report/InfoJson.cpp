@@ -92,6 +92,25 @@ QJsonArray coordinatesJson(const TableSummary &summary)
   return list;
 }
 
+const char *nameOf(Step step)
+{
+  switch (step) {
+    case Step::STATISTICS:
+      return "statistics";
+    case Step::VARIOGRAM:
+      return "variogram";
+    case Step::FIT:
+      return "fit";
+    case Step::CROSS_VALIDATION:
+      return "crossValidation";
+    case Step::KRIGING:
+      return "kriging";
+    case Step::REPORT:
+      return "report";
+  }
+  return "";
+}
+
 }  // namespace
 
 QJsonObject InfoJson::table(const TableSummary &summary, const QString &shown)
@@ -141,11 +160,9 @@ QJsonObject InfoJson::job(const Job &job, const QString &shown)
   QJsonArray variables = {job.variable.name};
   for (const JobVariable &covariate : job.covariates)
     variables.append(covariate.name);
-  // In the order of Step.
-  static const char *const names[] = {"variogram", "fit", "crossValidation", "kriging", "report"};
   QJsonArray steps;
   for (const Step step : job.getSteps())
-    steps.append(keyed(names[int(step)]));
+    steps.append(keyed(nameOf(step)));
   QJsonObject object = begin("job", shown);
   object.insert(keyed("title"), job.title);
   object.insert(keyed("data"), job.data.shown);

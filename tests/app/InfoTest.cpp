@@ -176,6 +176,7 @@ TEST(Info, DescribesModelsAndJobs)
   const QString job = apptest::MeuseJob().writeTo(folder);
   EXPECT_THAT(infoOf({job}), AllOf(HasSubstr("a job"), HasSubstr("variable"), HasSubstr("grid")));
   EXPECT_EQ(jsonOf({job})["kind"].toString(), "job");
+  EXPECT_EQ(jsonOf({job})["steps"], apptest::json("[\"statistics\", \"kriging\", \"report\"]"));
 }
 
 TEST(Info, SaysWhatItCannotDescribe)
