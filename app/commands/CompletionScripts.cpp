@@ -58,11 +58,11 @@ QString zshOption(const CommandOption &option)
   help.replace(QLatin1String("["), QLatin1String("\\["))
       .replace(QLatin1String("]"), QLatin1String("\\]"))
       .replace(':', QLatin1String("\\:"));
-  QString spec = QStringLiteral("%1--%2%3[%4]")
-                     .arg(option.isRepeatable ? QStringLiteral("*") : QString(), option.name,
-                          option.value.isEmpty() ? QString() : QStringLiteral("="), help);
+  QString entry = QStringLiteral("%1--%2%3[%4]")
+                      .arg(option.isRepeatable ? QStringLiteral("*") : QString(), option.name,
+                           option.value.isEmpty() ? QString() : QStringLiteral("="), help);
   if (option.value.isEmpty())
-    return quoted(spec);
+    return quoted(entry);
   QStringList choices;
   for (QString choice : option.choices)
     choices << choice.replace(' ', QLatin1String("\\ "))
@@ -71,7 +71,7 @@ QString zshOption(const CommandOption &option)
   const QString action = option.isFile()     ? QStringLiteral("_files")
                          : choices.isEmpty() ? QStringLiteral(" ")
                                              : '(' + choices.join(' ') + ')';
-  return quoted(QStringLiteral("%1:%2:%3").arg(spec, option.value.toLower(), action));
+  return quoted(QStringLiteral("%1:%2:%3").arg(entry, option.value.toLower(), action));
 }
 
 QString zshCase(const Command &command)

@@ -165,6 +165,10 @@ void StudyRun::_fitModel()
   job.model = _result.fit->model;
   job.hasModel = true;
   _console.print(QObject::tr("  fitted   %1").arg(Describe::model(job)));
+  if (job.model.getNStructures() == 0)
+    _console.warn(
+        QObject::tr("the fit found a nugget effect and no structure: as far as the "
+                    "variograms tell, near samples are no more alike than distant ones"));
   if (!_result.fit->hasConverged)
     _console.warn(QObject::tr("the fit of the model stopped before it converged"));
   _endStep(QObject::tr("Fit of the model"));

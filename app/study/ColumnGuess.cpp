@@ -70,14 +70,6 @@ bool isIdentifier(const QString &name)
   return pattern.match(name).hasMatch();
 }
 
-/// Numbers, and besides them at most texts that look as if they stood for undefined values.
-bool holdsNumbers(const ColumnSummary &column)
-{
-  return column.getType() == ColumnSummary::NUMBERS ||
-         (column.getType() == ColumnSummary::MIXED && !column.marks.isEmpty() &&
-          column.nNumbers > column.nTexts);
-}
-
 }  // namespace
 
 CoordinateColumns guessCoordinates(const QStringList &columns)
@@ -99,6 +91,13 @@ CoordinateColumns guessCoordinates(const QStringList &columns)
       found.z = indexOf(bareNames, height);
   }
   return found;
+}
+
+bool holdsNumbers(const ColumnSummary &column)
+{
+  return column.getType() == ColumnSummary::NUMBERS ||
+         (column.getType() == ColumnSummary::MIXED && !column.marks.isEmpty() &&
+          column.nNumbers > column.nTexts);
 }
 
 int guessVariable(const TableSummary &summary)

@@ -4,6 +4,7 @@
 
 namespace orvenal {
 
+struct ColumnSummary;
 struct TableSummary;
 
 /// Columns of a table whose names are those of coordinates; -1 where none is.
@@ -23,6 +24,9 @@ struct CoordinateColumns
 /// lon and lat, Rechtswert ..., with a unit behind or not; z, elevation or depth for the third one.
 /// X and y always come from one pair of names.
 CoordinateColumns guessCoordinates(const QStringList &columns);
+
+/// Numbers, and besides them at most texts that look as if they stood for undefined values.
+bool holdsNumbers(const ColumnSummary &column);
 
 /// The column that is most likely the variable of a study: the first one of numbers that is no
 /// coordinate, no running number or code and not constant; -1 when there is none.

@@ -1,5 +1,6 @@
 #include "app/study/JobProposal.h"
 
+#include "app/console/TextTable.h"
 #include "app/io/SpatialReference.h"
 #include "app/io/Suggestion.h"
 #include "app/io/UsageError.h"
@@ -71,17 +72,8 @@ QString list(const std::vector<double> &values)
 QString comment(const QString &text, int indent)
 {
   constexpr int width = 96;
-  QString lines;
-  QString line;
-  const QString start = QString(indent, ' ') + QStringLiteral("//");
-  for (const QString &word : text.simplified().split(' ')) {
-    if (!line.isEmpty() && start.size() + line.size() + 1 + word.size() > width) {
-      lines += start + line + '\n';
-      line.clear();
-    }
-    line += ' ' + word;
-  }
-  return lines + start + line + '\n';
+  const QString start = QString(indent, ' ') + QStringLiteral("// ");
+  return start + wrapped(text, width - start.size()).join('\n' + start) + '\n';
 }
 
 /// The greatest number of two digits that is not below the value.
@@ -257,10 +249,15 @@ QString otherColumns(const Findings &findings)
     const ColumnSummary &column = findings.column(i);
     const bool isUsed =
         i == findings.x || i == findings.y || i == findings.z || i == findings.variable;
-    if (!isUsed && column.getType() == ColumnSummary::NUMBERS)
-      others << QObject::tr("%1 (%2 to %3)")
-                    .arg(column.name.simplified(), Describe::number(column.minimum),
-                         Describe::number(column.maximum));
+    if (isUsed || !holdsNumbers(column))
+      continue;
+    const QString marks =
+        column.marks.isEmpty()
+            ? QString()
+            : QObject::tr("; \"undefined\" then has to list %1").arg(quotedList(column.marks));
+    others << QObject::tr("%1 (%2 to %3%4)")
+                  .arg(column.name.simplified(), Describe::number(column.minimum),
+                       Describe::number(column.maximum), marks);
   }
   return others.isEmpty()
              ? QObject::tr("There is no other column of numbers.")

@@ -139,3 +139,15 @@ TEST(Init, TakesNoCoordinateForTheVariable)
   EXPECT_EQ(job.variable.column, "Wasserstand");
   EXPECT_TRUE(job.data.format.undefined.contains("k.A."));
 }
+
+TEST(Init, NamesColumnsThatHoldNumbersAndMarks)
+{
+  const auto row = [](int x, int y, int value) {
+    return text(x) + ',' + text(y) + ',' + text(value) + ',' +
+           (value == 1 ? QByteArray("n.b.") : text(value + 3));
+  };
+  const apptest::Folder folder;
+  proposeAndRun(folder, table("x,y,zinc,lead", row));
+  EXPECT_THAT(apptest::readFile(folder.path("job.json")).simplified().toStdString(),
+              HasSubstr("lead (5 to 20; \"undefined\" then has to list \"n.b.\")"));
+}
