@@ -1,5 +1,5 @@
-#include "app/io/JobReader.h"
-#include "app/io/UsageError.h"
+#include "app/base/UsageError.h"
+#include "app/job/JobReader.h"
 
 #include <cstdint>
 

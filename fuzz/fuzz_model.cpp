@@ -1,6 +1,6 @@
-#include "app/io/JobObject.h"
-#include "app/io/ModelReader.h"
-#include "app/io/UsageError.h"
+#include "app/base/UsageError.h"
+#include "app/job/JobObject.h"
+#include "app/job/ModelReader.h"
 #include "geos/vmodel/NgmVModel.h"
 
 #include <cstdint>

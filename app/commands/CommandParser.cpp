@@ -1,8 +1,8 @@
 #include "app/commands/CommandParser.h"
 
+#include "app/base/Suggestion.h"
+#include "app/base/UsageError.h"
 #include "app/commands/Command.h"
-#include "app/io/Suggestion.h"
-#include "app/io/UsageError.h"
 
 #include <QObject>
 

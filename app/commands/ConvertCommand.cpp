@@ -1,12 +1,12 @@
 #include "app/commands/ConvertCommand.h"
 
+#include "app/base/UsageError.h"
 #include "app/commands/CommandParser.h"
 #include "app/console/Console.h"
-#include "app/io/ModelFile.h"
 #include "app/io/OutputFiles.h"
 #include "app/io/SpatialReference.h"
-#include "app/io/TableConversion.h"
-#include "app/io/UsageError.h"
+#include "app/job/ModelFile.h"
+#include "app/study/TableConversion.h"
 #include "geos/vmodel/NgmVModel.h"
 
 #include <QCommandLineParser>

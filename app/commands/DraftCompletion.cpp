@@ -1,10 +1,10 @@
 #include "app/commands/DraftCompletion.h"
 
+#include "app/base/Suggestion.h"
+#include "app/base/UsageError.h"
 #include "app/commands/JobDraft.h"
-#include "app/io/JobObject.h"
-#include "app/io/Suggestion.h"
 #include "app/io/TableReader.h"
-#include "app/io/UsageError.h"
+#include "app/job/JobObject.h"
 #include "app/study/GridLayout.h"
 
 #include <QJsonArray>

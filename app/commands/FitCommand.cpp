@@ -1,7 +1,7 @@
 #include "app/commands/FitCommand.h"
 
 #include "app/commands/JobDraft.h"
-#include "app/io/JobError.h"
+#include "app/job/JobError.h"
 
 #include <QJsonObject>
 #include <QObject>

@@ -1,11 +1,11 @@
 #include "app/commands/HelpCommand.h"
 
+#include "app/base/UsageError.h"
 #include "app/commands/CommandParser.h"
 #include "app/commands/HelpTopics.h"
 #include "app/commands/ManPage.h"
 #include "app/commands/Program.h"
 #include "app/console/Console.h"
-#include "app/io/UsageError.h"
 
 #include <QObject>
 

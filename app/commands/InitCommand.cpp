@@ -1,10 +1,10 @@
 #include "app/commands/InitCommand.h"
 
+#include "app/base/UsageError.h"
 #include "app/commands/CommandParser.h"
 #include "app/commands/JobOptions.h"
 #include "app/console/Console.h"
 #include "app/io/OutputFiles.h"
-#include "app/io/UsageError.h"
 #include "app/study/JobProposal.h"
 
 #include <QDir>

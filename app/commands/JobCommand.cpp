@@ -1,10 +1,10 @@
 #include "app/commands/JobCommand.h"
 
+#include "app/base/UsageError.h"
 #include "app/commands/CommandParser.h"
 #include "app/commands/JobDraft.h"
 #include "app/console/Console.h"
-#include "app/io/JobReader.h"
-#include "app/io/UsageError.h"
+#include "app/job/JobReader.h"
 #include "geos/base/NgcACalculator.h"
 
 #include <QObject>

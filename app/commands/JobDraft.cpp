@@ -1,11 +1,11 @@
 #include "app/commands/JobDraft.h"
 
 #include "app/commands/JobOptions.h"
-#include "app/io/DataReader.h"
-#include "app/io/JobError.h"
-#include "app/io/JobObject.h"
-#include "app/io/JobReader.h"
-#include "app/io/JsonPath.h"
+#include "app/job/DataReader.h"
+#include "app/job/JobError.h"
+#include "app/job/JobObject.h"
+#include "app/job/JobReader.h"
+#include "app/job/JsonPath.h"
 
 #include <QDir>
 #include <QFileInfo>

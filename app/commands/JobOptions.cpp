@@ -1,10 +1,10 @@
 #include "app/commands/JobOptions.h"
 
+#include "app/base/UsageError.h"
 #include "app/commands/JobDraft.h"
-#include "app/io/KrigingReader.h"
-#include "app/io/ModelReader.h"
-#include "app/io/UsageError.h"
-#include "app/io/VariogramReader.h"
+#include "app/job/KrigingReader.h"
+#include "app/job/ModelReader.h"
+#include "app/job/VariogramReader.h"
 #include "app/study/Column.h"
 
 #include <QCommandLineParser>

@@ -1,9 +1,9 @@
 #include "app/commands/JobReference.h"
 
+#include "app/base/Suggestion.h"
+#include "app/base/UsageError.h"
 #include "app/console/TextLayout.h"
-#include "app/io/JobSchema.h"
-#include "app/io/Suggestion.h"
-#include "app/io/UsageError.h"
+#include "app/job/JobSchema.h"
 
 #include <QObject>
 #include <QRegularExpression>

@@ -2,7 +2,7 @@
 
 #include "app/commands/DraftCompletion.h"
 #include "app/commands/JobDraft.h"
-#include "app/io/JobError.h"
+#include "app/job/JobError.h"
 
 #include <QObject>
 

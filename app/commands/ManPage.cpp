@@ -1,9 +1,9 @@
 #include "app/commands/ManPage.h"
 
+#include "app/base/ProgramVersion.h"
 #include "app/commands/Command.h"
 #include "app/commands/Program.h"
 #include "app/console/TextTable.h"
-#include "app/report/Versions.h"
 
 #include <QDateTime>
 #include <QObject>

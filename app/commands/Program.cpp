@@ -1,5 +1,7 @@
 #include "app/commands/Program.h"
 
+#include "app/base/Suggestion.h"
+#include "app/base/UsageError.h"
 #include "app/commands/CompletionCommand.h"
 #include "app/commands/ConvertCommand.h"
 #include "app/commands/FitCommand.h"
@@ -16,8 +18,6 @@
 #include "app/commands/XvalidCommand.h"
 #include "app/console/Console.h"
 #include "app/console/Interruption.h"
-#include "app/io/Suggestion.h"
-#include "app/io/UsageError.h"
 #include "basic/error/NbeException.h"
 #include "basic/error/NbeGuard.h"
 

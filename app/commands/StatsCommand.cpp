@@ -1,9 +1,9 @@
 #include "app/commands/StatsCommand.h"
 
+#include "app/base/NumberText.h"
+#include "app/base/UsageError.h"
 #include "app/commands/JobDraft.h"
 #include "app/console/Console.h"
-#include "app/console/Progress.h"
-#include "app/io/UsageError.h"
 #include "app/report/ResultJson.h"
 #include "app/report/StatisticsText.h"
 #include "app/study/RunContext.h"
@@ -87,7 +87,7 @@ void StatsCommand::_execute(JobDraft &draft, const RunSettings &settings, Consol
                            settings.memory > 0 ? settings.memory : job.memory};
   const TableStatistics statistics = computeTableStatistics(job.data, variables, context);
   console.print(
-      QObject::tr("%1: %2 samples\n").arg(job.data.shown, Progress::grouped(statistics.nRecords)));
+      QObject::tr("%1: %2 samples\n").arg(job.data.shown, groupedText(statistics.nRecords)));
   console.print(statisticsText(statistics, Console::getWidth()));
   if (settings.json)
     console.answer(

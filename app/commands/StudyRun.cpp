@@ -1,13 +1,11 @@
 #include "app/commands/StudyRun.h"
 
+#include "app/base/NumberText.h"
 #include "app/console/Console.h"
 #include "app/console/Interruption.h"
-#include "app/console/Progress.h"
-#include "app/io/CrossValidationTable.h"
 #include "app/io/GridWriter.h"
-#include "app/io/ModelFile.h"
 #include "app/io/SpatialReference.h"
-#include "app/io/VariogramCsvWriter.h"
+#include "app/job/ModelFile.h"
 #include "app/plot/CrossValidationPicture.h"
 #include "app/plot/HistogramPicture.h"
 #include "app/plot/MapPicture.h"
@@ -15,10 +13,12 @@
 #include "app/plot/SectionsPicture.h"
 #include "app/plot/VariogramMapPicture.h"
 #include "app/plot/VariogramPicture.h"
+#include "app/report/CrossValidationTable.h"
 #include "app/report/Describe.h"
 #include "app/report/ResultJson.h"
 #include "app/report/ResultTable.h"
 #include "app/report/StudyReport.h"
+#include "app/report/VariogramCsvWriter.h"
 #include "app/study/DataChecks.h"
 #include "app/study/References.h"
 #include "app/study/Statistics.h"
@@ -111,7 +111,7 @@ void StudyRun::_readData()
   _samples = makeProvider(_result.samples);
   _console.print(
       QObject::tr("  samples  %1 of %2 in %3")
-          .arg(Progress::grouped(_result.samples.getCount()), job.variable.name, job.data.shown));
+          .arg(groupedText(_result.samples.getCount()), job.variable.name, job.data.shown));
   if (_result.samples.nMerged > 0)
     _console.print(QObject::tr("  merged   %1").arg(describeDuplicates(job, _result.samples)));
   if (_isToDo(Step::KRIGING)) {
@@ -197,9 +197,9 @@ void StudyRun::_crossValidate()
 {
   _result.crossValidation = crossValidate(_result.job, _result.samples, _context);
   if (_result.crossValidation.nFailures > 0)
-    _console.warn(QObject::tr("%1 samples failed in the cross-validation. %2")
-                      .arg(Progress::grouped(_result.crossValidation.nFailures),
-                           _result.crossValidation.failures));
+    _console.warn(
+        QObject::tr("%1 samples failed in the cross-validation. %2")
+            .arg(groupedText(_result.crossValidation.nFailures), _result.crossValidation.failures));
   _endStep(QObject::tr("Cross-validation"));
 }
 
@@ -315,8 +315,8 @@ void StudyRun::_warnOfData()
   const Job &job = _result.job;
   const Samples &samples = _result.samples;
   if (samples.nUndefined > 0)
-    _console.report(QObject::tr("  %1 of the samples have no value")
-                        .arg(Progress::grouped(samples.nUndefined)));
+    _console.report(
+        QObject::tr("  %1 of the samples have no value").arg(groupedText(samples.nUndefined)));
   if (const QString note = DataChecks::looksLikeDegrees(job, samples); !note.isEmpty())
     _console.report(QObject::tr("  note: ") + note);
   if (_isToDo(Step::KRIGING)) {
@@ -325,7 +325,7 @@ void StudyRun::_warnOfData()
   }
   if (_result.nMaskOutside > 0)
     _console.warn(QObject::tr("%1 points of %2 are outside the grid")
-                      .arg(Progress::grouped(_result.nMaskOutside), job.mask->shown));
+                      .arg(groupedText(_result.nMaskOutside), job.mask->shown));
   QString reason;
   if (!job.crs.isEmpty() && SpatialReference::parse(job.crs, reason).isGeographic())
     _console.warn(
@@ -367,10 +367,10 @@ void StudyRun::_warnOfOutcome()
   const qint64 nMissing = estimation.grid.getNSelected() - estimation.grid.getNEstimated();
   if (estimation.nFailures > 0)
     _console.warn(QObject::tr("%1 nodes failed. %2")
-                      .arg(Progress::grouped(estimation.nFailures), estimation.failures));
+                      .arg(groupedText(estimation.nFailures), estimation.failures));
   if (nMissing > estimation.nFailures)
     _console.warn(QObject::tr("%1 nodes have too few samples around them and are left undefined")
-                      .arg(Progress::grouped(nMissing - estimation.nFailures)));
+                      .arg(groupedText(nMissing - estimation.nFailures)));
 }
 
 void StudyRun::_endStep(const QString &name)

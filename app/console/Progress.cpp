@@ -1,5 +1,6 @@
 #include "app/console/Progress.h"
 
+#include "app/base/NumberText.h"
 #include "app/console/Console.h"
 #include "app/console/Interruption.h"
 #include "basic/calc/NbcAProgress.h"
@@ -44,8 +45,9 @@ void Progress::update(double fraction)
     _console.showTransient(barLine(_action, fraction, seconds, _nUnits, _units));
   } else if (seconds >= _nextLine) {
     _nextLine = seconds + secondsBetweenLines;
-    _console.report(QObject::tr("%1: %2% after %3")
-                        .arg(_action, QString::number(int(100. * fraction)), duration(seconds)));
+    _console.report(
+        QObject::tr("%1: %2% after %3")
+            .arg(_action, QString::number(int(100. * fraction)), durationText(seconds)));
   }
 }
 
@@ -55,10 +57,11 @@ void Progress::finish(bool isSideStep)
   _console.showTransient(QString());
   if (isSideStep && seconds < secondsToFirstLine)
     return;
-  const QString rate = seconds > 0. ? grouped(std::llround(double(_nUnits) / seconds)) : QString();
-  _console.report(
-      QObject::tr("%1: %2 %3 in %4").arg(_action, grouped(_nUnits), _units, duration(seconds)) +
-      (rate.isEmpty() ? QString() : QObject::tr(" (%1 %2/s)").arg(rate, _units)));
+  const QString rate =
+      seconds > 0. ? groupedText(std::llround(double(_nUnits) / seconds)) : QString();
+  _console.report(QObject::tr("%1: %2 %3 in %4")
+                      .arg(_action, groupedText(_nUnits), _units, durationText(seconds)) +
+                  (rate.isEmpty() ? QString() : QObject::tr(" (%1 %2/s)").arg(rate, _units)));
 }
 
 QString Progress::barLine(const QString &action, double fraction, double seconds, qint64 nUnits,
@@ -72,30 +75,10 @@ QString Progress::barLine(const QString &action, double fraction, double seconds
   if (part <= 0. || seconds <= 0.)
     return line;
   const double rate = part * double(nUnits) / seconds;
-  line += QObject::tr("  %1 %2/s").arg(grouped(std::llround(rate)), units);
+  line += QObject::tr("  %1 %2/s").arg(groupedText(std::llround(rate)), units);
   if (part < 1.)
-    line += QObject::tr("  %1 left").arg(duration(std::ceil(seconds * (1. - part) / part)));
+    line += QObject::tr("  %1 left").arg(durationText(std::ceil(seconds * (1. - part) / part)));
   return line;
-}
-
-QString Progress::duration(double seconds)
-{
-  if (seconds < 60.)
-    return QObject::tr("%1 s").arg(seconds, 0, 'g', 2);
-  const qint64 whole = std::llround(seconds);
-  const auto twoDigits = [](qint64 n) { return QString::number(n).rightJustified(2, '0'); };
-  const QString minutes = whole < 3600
-                              ? QString::number(whole / 60)
-                              : QString::number(whole / 3600) + ':' + twoDigits(whole / 60 % 60);
-  return minutes + ':' + twoDigits(whole % 60);
-}
-
-QString Progress::grouped(qint64 number)
-{
-  QString digits = QString::number(number);
-  for (int place = digits.size() - 3; place > (number < 0 ? 1 : 0); place -= 3)
-    digits.insert(place, ',');
-  return digits;
 }
 
 void runCalculator(NbcAProgress &calculator, Progress &progress)

@@ -26,12 +26,6 @@ public:
   static QString barLine(const QString &action, double fraction, double seconds, qint64 nUnits,
                          const QString &units);
 
-  /// "0.045 s", "12 s", "2:05" (minutes and seconds), "1:02:05".
-  static QString duration(double seconds);
-
-  /// 1234567 as "1,234,567".
-  static QString grouped(qint64 number);
-
 private:
   Console &_console;
   QString _action;

@@ -1,10 +1,10 @@
 #include "app/io/GdalTable.h"
 
+#include "app/base/Suggestion.h"
 #include "app/io/GdalDataset.h"
 #include "app/io/GdalErrors.h"
 #include "app/io/GdalRasterReader.h"
 #include "app/io/GdalTableReader.h"
-#include "app/io/Suggestion.h"
 #include "basic/error/NbeUserError.h"
 
 #include <QObject>

@@ -2,9 +2,9 @@
 
 #include "app/io/CsvText.h"
 #include "app/io/GeoEasText.h"
+#include "app/io/GridTable.h"
 #include "app/io/TableWriter.h"
 #include "app/io/TextFile.h"
-#include "app/study/GridTable.h"
 
 namespace orvenal {
 

@@ -1,7 +1,7 @@
 #include "app/io/GeoEasTableWriter.h"
 
+#include "app/base/Suggestion.h"
 #include "app/io/GeoEasText.h"
-#include "app/io/Suggestion.h"
 #include "basic/error/NbeUserError.h"
 
 #include <QObject>

@@ -2,8 +2,8 @@
 
 #include "app/console/Interruption.h"
 #include "app/io/GdalErrors.h"
+#include "app/io/GridTable.h"
 #include "app/io/SpatialReference.h"
-#include "app/study/GridTable.h"
 #include "basic/base/NbbGlobal.h"
 #include "basic/error/NbeUserError.h"
 

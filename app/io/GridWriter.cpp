@@ -2,9 +2,9 @@
 
 #include "app/io/GeoEasGridWriter.h"
 #include "app/io/GeoTiffWriter.h"
+#include "app/io/GridTable.h"
 #include "app/io/NetcdfWriter.h"
 #include "app/io/TableWriter.h"
-#include "app/study/GridTable.h"
 
 #include <QFileInfo>
 

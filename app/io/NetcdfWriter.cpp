@@ -1,9 +1,9 @@
 #include "app/io/NetcdfWriter.h"
 
+#include "app/base/ProgramVersion.h"
 #include "app/console/Interruption.h"
+#include "app/io/GridTable.h"
 #include "app/io/SpatialReference.h"
-#include "app/report/Versions.h"
-#include "app/study/GridTable.h"
 #include "basic/base/NbbGlobal.h"
 #include "basic/error/NbeUserError.h"
 

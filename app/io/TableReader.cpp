@@ -1,10 +1,10 @@
 #include "app/io/TableReader.h"
 
+#include "app/base/Suggestion.h"
 #include "app/io/CsvReader.h"
 #include "app/io/GdalTable.h"
 #include "app/io/GeoEasReader.h"
 #include "app/io/NetcdfReader.h"
-#include "app/io/Suggestion.h"
 #include "app/io/TableKind.h"
 #include "basic/error/NbeUserError.h"
 

@@ -1,6 +1,6 @@
 #include "app/plot/HistogramPicture.h"
 
-#include "app/console/Progress.h"
+#include "app/base/NumberText.h"
 #include "app/plot/PanelSheet.h"
 #include "app/study/Histogram.h"
 #include "basic/base/NbbGlobal.h"
@@ -231,7 +231,7 @@ void addStatistics(PanelSheet &sheet, const Distribution &distribution,
       QObject::tr("upper quartile"), QObject::tr("maximum"),        QObject::tr("skewness")};
   const bool isConstant = !(statistics.getMaximum() > statistics.getMinimum());
   const QStringList values = {
-      Progress::grouped(statistics.getNDefined()),
+      groupedText(statistics.getNDefined()),
       shown(statistics.getMean(), distribution),
       shown(statistics.getStandardDeviation(), distribution),
       shown(statistics.getMinimum(), distribution),
@@ -246,19 +246,17 @@ void addStatistics(PanelSheet &sheet, const Distribution &distribution,
 QString remarkOf(const Distribution &distribution, const NbcStatMono &statistics)
 {
   const Histogram &histogram = distribution.histogram;
-  QStringList remarks = {
-      QObject::tr("Values: %1.").arg(Progress::grouped(statistics.getNDefined()))};
+  QStringList remarks = {QObject::tr("Values: %1.").arg(groupedText(statistics.getNDefined()))};
   const qint64 nUndefined = statistics.getNTotal() - statistics.getNDefined();
   if (nUndefined > 0)
-    remarks << QObject::tr("Undefined: %1.").arg(Progress::grouped(nUndefined));
+    remarks << QObject::tr("Undefined: %1.").arg(groupedText(nUndefined));
   remarks << QObject::tr("Left: mean (solid) and median (dashed).");
   if (histogram.nBelow > 0)
     remarks << QObject::tr("Orange: %1 below %2.")
-                   .arg(Progress::grouped(histogram.nBelow), shown(histogram.first, distribution));
+                   .arg(groupedText(histogram.nBelow), shown(histogram.first, distribution));
   if (histogram.nAbove > 0)
     remarks << QObject::tr("Orange: %1 above %2.")
-                   .arg(Progress::grouped(histogram.nAbove),
-                        shown(histogram.getUpper(), distribution));
+                   .arg(groupedText(histogram.nAbove), shown(histogram.getUpper(), distribution));
   remarks << QObject::tr(
       "Right: Gaussian values lie on a straight line; dashed: through the "
       "quartiles.");

@@ -1,6 +1,6 @@
 #include "app/plot/MapPicture.h"
 
-#include "app/console/Progress.h"
+#include "app/base/NumberText.h"
 #include "app/plot/ColorScales.h"
 #include "app/plot/MapLayers.h"
 #include "app/plot/MapRaster.h"
@@ -45,7 +45,7 @@ QSizeF areaFor(double width, double height)
 
 QString legendOf(const Samples &samples, bool isColored)
 {
-  const QString count = Progress::grouped(samples.getCount());
+  const QString count = groupedText(samples.getCount());
   if (samples.getCount() == 0)
     return QString();
   if (std::size_t(samples.getCount()) > SampleMarks::most)

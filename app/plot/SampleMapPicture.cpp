@@ -1,6 +1,6 @@
 #include "app/plot/SampleMapPicture.h"
 
-#include "app/console/Progress.h"
+#include "app/base/NumberText.h"
 #include "app/plot/ColorScales.h"
 #include "app/plot/PanelSheet.h"
 #include "app/plot/SampleMarks.h"
@@ -179,8 +179,8 @@ Picture drawSampleMap(const Samples &samples, const SampleMapStyle &style)
   const QString open = samples.nUndefined == 0 ? QString()
                        : areDots               ? QObject::tr("Grey: %1 without a value.")
                                                : QObject::tr("Open circles: %1 without a value.");
-  scene.remark = joined({QObject::tr("Samples: %1.").arg(Progress::grouped(samples.getCount())),
-                         open.isEmpty() ? open : open.arg(Progress::grouped(samples.nUndefined)),
+  scene.remark = joined({QObject::tr("Samples: %1.").arg(groupedText(samples.getCount())),
+                         open.isEmpty() ? open : open.arg(groupedText(samples.nUndefined)),
                          thinningRemark(scene.marks.size()), remarkOf(range),
                          style.grid ? QObject::tr("Dashed: the grid.") : QString()});
   return draw(scene);
@@ -208,9 +208,9 @@ Picture drawErrorMap(const Samples &samples, const std::vector<double> &standard
   }
   scene.remark =
       joined({QObject::tr("Standardized errors; samples: %1.")
-                  .arg(Progress::grouped(qint64(scene.marks.size()))),
+                  .arg(groupedText(qint64(scene.marks.size()))),
               QObject::tr("Triangles: %1 beyond %2, upward where the estimate is too high.")
-                  .arg(Progress::grouped(nMarked), QString::number(largestUsualError)),
+                  .arg(groupedText(nMarked), QString::number(largestUsualError)),
               thinningRemark(scene.marks.size()),
               style.grid ? QObject::tr("Dashed: the grid.") : QString()});
   return draw(scene);

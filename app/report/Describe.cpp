@@ -1,6 +1,6 @@
 #include "app/report/Describe.h"
 
-#include "app/console/Progress.h"
+#include "app/base/NumberText.h"
 #include "app/console/TextTable.h"
 #include "app/report/StudyResult.h"
 #include "app/study/Compass.h"
@@ -34,7 +34,7 @@ void addEllipsoid(const NgmNeighborhoodMoving &moving, const Job &job,
   const int n = job.getNDimensions();
   const bool isRound = radii.x() == radii.y() && (n < 3 || radii.x() == radii.z());
   if (isRound) {
-    rows.append({QObject::tr("Search radius"), Describe::length(radii.x(), job.lengthUnit)});
+    rows.append({QObject::tr("Search radius"), lengthText(radii.x(), job.lengthUnit)});
     return;
   }
   const NbgRotation &rotation = moving.getEllipseRotation();
@@ -42,7 +42,7 @@ void addEllipsoid(const NgmNeighborhoodMoving &moving, const Job &job,
   const char *const names[] = {"U", "V", "W"};
   for (int axis = 0; axis < n; ++axis)
     rows.append({QObject::tr("Search radius along %1").arg(QLatin1String(names[axis])),
-                 QObject::tr("%1, %2").arg(Describe::length(radii[axis], job.lengthUnit),
+                 QObject::tr("%1, %2").arg(lengthText(radii[axis], job.lengthUnit),
                                            Compass::describe(axes[axis], n))});
   for (int axis = 0; axis < 3; ++axis)
     rows.append({QObject::tr("%1 (east, north, up)").arg(QLatin1String(names[axis])),
@@ -56,7 +56,7 @@ QString structureWithSill(const NgmVModel &model, int index)
   return model.getNVariables() > 1
              ? label
              : QObject::tr("%1 of sill %2")
-                   .arg(label, Describe::number(model.getCoregionalisationMatrix(index)(0, 0)));
+                   .arg(label, numberText(model.getCoregionalisationMatrix(index)(0, 0)));
 }
 
 QString setName(const VariogramSet &set, const Job &job)
@@ -73,7 +73,7 @@ void addSillRows(const QString &structure, const NgmMatrix &sills, const Job &jo
   for (int i = 0; i < sills.getNRows(); ++i) {
     QStringList row = {i == 0 ? structure : QString(), job.getVariable(i).name};
     for (int j = 0; j < sills.getNColumns(); ++j)
-      row << Describe::number(sills(i, j));
+      row << numberText(sills(i, j));
     rows << row;
   }
 }
@@ -124,16 +124,6 @@ QString krigingKind(const Job &job)
 
 }  // namespace
 
-QString Describe::number(double value)
-{
-  return NbbGlobal::isDefined(value) ? QString::number(value, 'g', 6) : NbbGlobal::STR_NA;
-}
-
-QString Describe::length(double value, const QString &unit)
-{
-  return unit.isEmpty() ? number(value) : number(value) + ' ' + unit;
-}
-
 QString Describe::vector(const NbgVector3D &direction)
 {
   const auto component = [](double value) {
@@ -154,12 +144,12 @@ QStringList Describe::statisticsRow(const NbcStatMono &statistics)
 {
   return {QString::number(statistics.getNDefined()),
           QString::number(statistics.getNTotal() - statistics.getNDefined()),
-          number(statistics.getMinimum()),
-          number(statistics.getMean()),
-          number(statistics.getMaximum()),
-          number(statistics.getStandardDeviation()),
-          number(statistics.getSkewness()),
-          number(statistics.getKurtosis())};
+          numberText(statistics.getMinimum()),
+          numberText(statistics.getMean()),
+          numberText(statistics.getMaximum()),
+          numberText(statistics.getStandardDeviation()),
+          numberText(statistics.getSkewness()),
+          numberText(statistics.getKurtosis())};
 }
 
 QString Describe::sampleLabel(const Job &job)
@@ -189,10 +179,10 @@ QString Describe::grid(const Job &job)
   const NbgIntVector3D n = job.grid.getNodesNumber();
   const NbgVector3D cell = job.grid.getCellSize();
   QStringList nodes = {QString::number(n.x()), QString::number(n.y())};
-  QStringList sizes = {number(cell.x()), number(cell.y())};
+  QStringList sizes = {numberText(cell.x()), numberText(cell.y())};
   if (!job.grid.is2D()) {
     nodes << QString::number(n.z());
-    sizes << number(cell.z());
+    sizes << numberText(cell.z());
   }
   QString text = QObject::tr("%1 nodes, cells of %2").arg(times(nodes), times(sizes));
   if (!job.lengthUnit.isEmpty())
@@ -209,13 +199,13 @@ QString Describe::model(const Job &job)
   if (job.model.hasNugget())
     parts << (job.getNVariables() > 1
                   ? QObject::tr("nugget")
-                  : QObject::tr("nugget %1").arg(number(job.model.getNugget(0, 0))));
+                  : QObject::tr("nugget %1").arg(numberText(job.model.getNugget(0, 0))));
   for (int index = 0; index < job.model.getNStructures(); ++index) {
     const NbgVector3D ranges = job.model.getStructure(index).getPracticalRanges();
     QStringList distinct;
     for (int axis = 0; axis < job.getNDimensions(); ++axis) {
-      if (!distinct.contains(number(ranges[axis])))
-        distinct << number(ranges[axis]);
+      if (!distinct.contains(numberText(ranges[axis])))
+        distinct << numberText(ranges[axis]);
     }
     parts << QObject::tr("%1, range %2").arg(structureWithSill(job.model, index), times(distinct)) +
                  (job.lengthUnit.isEmpty() ? QString() : ' ' + job.lengthUnit);
@@ -308,8 +298,8 @@ QList<QStringList> variogramRows(const Variography &variography, const Job &job)
     for (const VariogramCurve &curve : set.curves) {
       for (int lag = 0; lag < curve.distances.size(); ++lag) {
         rows << QStringList{name, lag == 0 ? curve.name : QString(),
-                            Describe::number(curve.distances[lag]),
-                            QString::number(curve.pairs[lag]), Describe::number(curve.values[lag])};
+                            numberText(curve.distances[lag]), QString::number(curve.pairs[lag]),
+                            numberText(curve.values[lag])};
         name.clear();
       }
     }
@@ -333,12 +323,12 @@ QVector<QPair<QString, QString>> crossValidationRows(const StudyResult &result)
   const XValRes &means = validation.means;
   return {{QObject::tr("Samples"), QString::number(result.samples.getCount())},
           {QObject::tr("Estimated, with a value"), QString::number(validation.getNEstimated())},
-          {QObject::tr("Mean error"), Describe::number(means.error)},
-          {QObject::tr("Root mean squared error"), Describe::number(means.rootSquaredError)},
-          {QObject::tr("Mean standardized error"), Describe::number(means.standardizedError)},
+          {QObject::tr("Mean error"), numberText(means.error)},
+          {QObject::tr("Root mean squared error"), numberText(means.rootSquaredError)},
+          {QObject::tr("Mean standardized error"), numberText(means.standardizedError)},
           {QObject::tr("Root mean squared standardized error"),
-           Describe::number(means.rootSquaredStandardizedError)},
-          {QObject::tr("Mean standard deviation"), Describe::number(means.standardDeviation)}};
+           numberText(means.rootSquaredStandardizedError)},
+          {QObject::tr("Mean standard deviation"), numberText(means.standardDeviation)}};
 }
 
 QString textCrossValidation(const StudyResult &result)

@@ -21,12 +21,6 @@ struct Variography;
 /// Parts of a study in words and numbers, the same for the terminal and the report.
 namespace Describe {
 
-/// Six significant digits, or the text for an undefined value.
-QString number(double value);
-
-/// Like number(), with the unit behind it when there is one.
-QString length(double value, const QString &unit);
-
 /// A direction by its components east, north and up.
 QString vector(const NbgVector3D &direction);
 

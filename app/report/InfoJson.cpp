@@ -1,7 +1,7 @@
 #include "app/report/InfoJson.h"
 
-#include "app/io/ModelJson.h"
 #include "app/io/SpatialReference.h"
+#include "app/job/ModelJson.h"
 #include "app/study/Job.h"
 #include "app/study/TableSummary.h"
 #include "geos/vmodel/NgmVModel.h"

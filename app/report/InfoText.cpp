@@ -1,9 +1,9 @@
 #include "app/report/InfoText.h"
 
-#include "app/console/Progress.h"
+#include "app/base/NumberText.h"
 #include "app/console/TextTable.h"
-#include "app/io/ModelJson.h"
 #include "app/io/SpatialReference.h"
+#include "app/job/ModelJson.h"
 #include "app/report/Describe.h"
 #include "app/study/Job.h"
 #include "app/study/TableSummary.h"
@@ -176,8 +176,8 @@ QString gridText(const TableSummary &summary)
   }
   const qint64 nTaken = summary.nPlaces - summary.nDuplicates;
   return QObject::tr("%1 nodes (%2 of %3 taken), cells of %4, first node %5")
-      .arg(times(nodeTexts), Progress::grouped(nTaken), Progress::grouped(grid.getGridSize()),
-           times(cells), origin.join(QStringLiteral(", ")));
+      .arg(times(nodeTexts), groupedText(nTaken), groupedText(grid.getGridSize()), times(cells),
+           origin.join(QStringLiteral(", ")));
 }
 
 QString referenceText(const QString &wkt)
@@ -212,10 +212,10 @@ void addPlaces(const TableSummary &summary, Facts &facts)
                   number(summary.upper[std::size_t(axis)], 10))});
   }
   if (summary.nDuplicates >= 0)
-    facts.append({QObject::tr("duplicates"),
-                  summary.nDuplicates == 0 ? QObject::tr("none")
-                                           : QObject::tr("%1 at the place of another record")
-                                                 .arg(Progress::grouped(summary.nDuplicates))});
+    facts.append({QObject::tr("duplicates"), summary.nDuplicates == 0
+                                                 ? QObject::tr("none")
+                                                 : QObject::tr("%1 at the place of another record")
+                                                       .arg(groupedText(summary.nDuplicates))});
   if (summary.grid)
     facts.append({QObject::tr("grid"), gridText(summary)});
 }
@@ -233,8 +233,7 @@ QString notes(const TableSummary &summary)
                    .arg(column.marks.join(QStringLiteral("\", \"")), column.name);
     else if (column.getType() == ColumnSummary::MIXED)
       lines << QObject::tr("\"%1\" holds %2 texts, such as \"%3\", among its numbers.")
-                   .arg(column.name, Progress::grouped(column.nTexts),
-                        shortened(column.example, 24));
+                   .arg(column.name, groupedText(column.nTexts), shortened(column.example, 24));
   }
   QString text;
   for (const QString &line : lines)
@@ -261,7 +260,7 @@ QString InfoText::table(const TableSummary &summary, const QString &shown)
   if (!summary.format.layer.isEmpty())
     facts.append({QObject::tr("layer"), summary.format.layer});
   facts.append({QObject::tr("reference"), referenceText(summary.reference)});
-  facts.append({QObject::tr("records"), Progress::grouped(summary.nRecords)});
+  facts.append({QObject::tr("records"), groupedText(summary.nRecords)});
   addPlaces(summary, facts);
   return shown + '\n' + factLines(facts) + QStringLiteral("\n\n") + fittingColumnTable(summary) +
          notes(summary);
@@ -274,7 +273,7 @@ QString InfoText::layers(const QList<TableLayer> &layers, const QString &shown)
   rows << QStringList{QObject::tr("layer"), QObject::tr("geometry"), QObject::tr("records")};
   for (const TableLayer &layer : layers)
     rows << QStringList{layer.name, layer.geometry,
-                        layer.nRecords < 0 ? QString() : Progress::grouped(layer.nRecords)};
+                        layer.nRecords < 0 ? QString() : groupedText(layer.nRecords)};
   return QObject::tr("%1: %2 layers; one of them: orvenal info --layer NAME ...\n\n")
              .arg(shown, QString::number(layers.size())) +
          alignedRows(rows, nLeft);

@@ -1,6 +1,6 @@
 #include "app/report/ResultJson.h"
 
-#include "app/io/ModelJson.h"
+#include "app/job/ModelJson.h"
 #include "app/report/Describe.h"
 #include "app/report/StudyResult.h"
 #include "app/report/Versions.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/study/GridTable.h"
+#include "app/io/GridTable.h"
 
 namespace orvenal {
 

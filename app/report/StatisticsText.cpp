@@ -1,5 +1,6 @@
 #include "app/report/StatisticsText.h"
 
+#include "app/base/NumberText.h"
 #include "app/console/TextTable.h"
 #include "app/report/Describe.h"
 #include "app/report/ResultJson.h"
@@ -18,14 +19,14 @@ QStringList columnOf(const TableStatistics::Variable &variable)
   return {variable.label,
           QString::number(statistics.getNDefined()),
           QString::number(statistics.getNTotal() - statistics.getNDefined()),
-          Describe::number(statistics.getMinimum()),
-          Describe::number(variable.lowerQuartile),
-          Describe::number(variable.median),
-          Describe::number(statistics.getMean()),
-          Describe::number(variable.upperQuartile),
-          Describe::number(statistics.getMaximum()),
-          Describe::number(statistics.getStandardDeviation()),
-          Describe::number(statistics.getSkewness())};
+          numberText(statistics.getMinimum()),
+          numberText(variable.lowerQuartile),
+          numberText(variable.median),
+          numberText(statistics.getMean()),
+          numberText(variable.upperQuartile),
+          numberText(statistics.getMaximum()),
+          numberText(statistics.getStandardDeviation()),
+          numberText(statistics.getSkewness())};
 }
 
 QList<QStringList> statisticsRows(const TableStatistics &statistics)
@@ -61,7 +62,7 @@ QList<QStringList> correlationRows(const TableStatistics &statistics)
   for (std::size_t i = 0; i < statistics.correlations.size(); ++i) {
     QStringList row = {statistics.variables[int(i)].label};
     for (const double rho : statistics.correlations[i])
-      row << Describe::number(rho);
+      row << numberText(rho);
     rows << row;
   }
   return rows;

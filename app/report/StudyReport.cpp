@@ -1,6 +1,6 @@
 #include "app/report/StudyReport.h"
 
-#include "app/console/Progress.h"
+#include "app/base/NumberText.h"
 #include "app/io/SpatialReference.h"
 #include "app/plot/Picture.h"
 #include "app/plot/SampleMapPicture.h"
@@ -218,7 +218,7 @@ QString variograms(const StudyResult &result)
          figure(result.variogramCloud, QObject::tr("Variogram cloud")) +
          QStringLiteral("</div>\n") + headedTable(variogramRows(variography, result.job)) +
          paragraph(QObject::tr("Lag %1. Lags without pairs are left out.")
-                       .arg(Describe::length(variography.lag, result.job.lengthUnit)),
+                       .arg(lengthText(variography.lag, result.job.lengthUnit)),
                    QStringLiteral("lead"));
 }
 
@@ -249,16 +249,15 @@ void addStructure(const NgmVModel &model, int index, const Job &job, NbbHtmlTabl
   QString name = structure.getType().getLabel();
   if (structure.getNAuxiliaryParameters() > 0)
     name += QObject::tr(", %1 %2").arg(structure.getAuxiliaryName(0),
-                                       Describe::number(structure.getAuxiliaryValue(0)));
+                                       numberText(structure.getAuxiliaryValue(0)));
   const int nDimensions = job.getNDimensions();
   const int nAxes = structure.isIsotropic() ? nDimensions : 3;
   for (int axis = 0; axis < nAxes; ++axis) {
     QStringList row = {axis == 0 ? name : QString()};
     if (job.getNVariables() == 1)
-      row << (axis == 0 ? Describe::number(model.getCoregionalisationMatrix(index)(0, 0))
-                        : QString());
+      row << (axis == 0 ? numberText(model.getCoregionalisationMatrix(index)(0, 0)) : QString());
     row << QLatin1String(names[axis])
-        << (axis < nDimensions ? Describe::length(ranges[axis], job.lengthUnit) : QString())
+        << (axis < nDimensions ? lengthText(ranges[axis], job.lengthUnit) : QString())
         << Compass::describe(axes[axis], axis < 2 ? nDimensions : 3)
         << Describe::vector(axes[axis]);
     table.addRow(row);
@@ -276,8 +275,8 @@ QString structures(const NgmVModel &model, const Job &job)
   NbbHtmlTable table;
   table.setColumnHeader(header);
   if (hasSills && model.hasNugget())
-    table.addRow({QObject::tr("Nugget"), Describe::number(model.getNugget(0, 0)), QString(),
-                  QString(), QString(), QString()});
+    table.addRow({QObject::tr("Nugget"), numberText(model.getNugget(0, 0)), QString(), QString(),
+                  QString(), QString()});
   for (int index = 0; index < model.getNStructures(); ++index)
     addStructure(model, index, job, table);
   return scrolling(table);
@@ -286,7 +285,7 @@ QString structures(const NgmVModel &model, const Job &job)
 QString sills(const NgmVModel &model, const Job &job)
 {
   if (job.getNVariables() == 1)
-    return paragraph(QObject::tr("Total sill %1.").arg(Describe::number(model.getC0IJ(0, 0))),
+    return paragraph(QObject::tr("Total sill %1.").arg(numberText(model.getC0IJ(0, 0))),
                      QStringLiteral("lead"));
   return NbbHtml::title(QObject::tr("Matrices of sills"), 3) + '\n' + headedTable(sillRows(job)) +
          paragraph(QObject::tr("A linear model of coregionalization: each structure has a matrix "
@@ -301,7 +300,7 @@ QString model(const StudyResult &result)
   QString fit;
   if (result.fit)
     fit = paragraph(QObject::tr("Fitted to the experimental variograms; misfit %1.")
-                        .arg(Describe::number(result.fit->score)));
+                        .arg(numberText(result.fit->score)));
   return fit + structures(model, result.job) + sills(model, result.job) +
          paragraph(QObject::tr("Ranges are practical ranges: the distance at which a structure "
                                "reaches its sill, or 95% of it when it never does. Azimuths run "
@@ -375,18 +374,18 @@ QString run(const StudyResult &result)
   if (result.estimation)
     rows.append({QObject::tr("Threads"), QString::number(result.estimation->threads)});
   for (const auto &step : result.seconds)
-    rows.append({step.first, Progress::duration(step.second)});
+    rows.append({step.first, durationText(step.second)});
   return rowsTable(rows);
 }
 
 QString lead(const StudyResult &result)
 {
-  const QString nSamples = Progress::grouped(result.samples.getCount() - result.samples.nUndefined);
+  const QString nSamples = groupedText(result.samples.getCount() - result.samples.nUndefined);
   if (!result.estimation)
     return QObject::tr("%1 in %2 samples.").arg(result.job.variable.name, nSamples);
   return QObject::tr("%1 of %2: %3 nodes from %4 samples.")
       .arg(Describe::method(result.job), result.job.variable.name,
-           Progress::grouped(result.estimation->grid.getNEstimated()), nSamples);
+           groupedText(result.estimation->grid.getNEstimated()), nSamples);
 }
 
 }  // namespace

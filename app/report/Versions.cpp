@@ -1,16 +1,12 @@
 #include "app/report/Versions.h"
 
+#include "app/base/ProgramVersion.h"
 #include "app/plot/PlotLibrary.h"
 
 #include <gdal.h>
 #include <netcdf.h>
 
 namespace orvenal {
-
-QString programVersion()
-{
-  return QStringLiteral(ORVENAL_VERSION);
-}
 
 QVector<QPair<QString, QString>> allVersions()
 {

@@ -6,9 +6,6 @@
 
 namespace orvenal {
 
-/// The program's own version, "0.1.0".
-QString programVersion();
-
 /// Names and versions of the program and of what it is built on.
 QVector<QPair<QString, QString>> allVersions();
 

@@ -1,6 +1,6 @@
 #include "app/study/Duplicates.h"
 
-#include "app/console/Progress.h"
+#include "app/base/NumberText.h"
 #include "app/io/TableReader.h"
 #include "app/study/Coregionalization.h"
 #include "app/study/Job.h"
@@ -225,7 +225,7 @@ QString textDuplicates(const Samples &samples)
 {
   return samples.nDuplicates == 1 ? QObject::tr("1 sample lies at the place of an earlier one")
                                   : QObject::tr("%1 samples lie at the place of an earlier one")
-                                        .arg(Progress::grouped(samples.nDuplicates));
+                                        .arg(groupedText(samples.nDuplicates));
 }
 
 QString describeDuplicates(const Job &job, const Samples &samples)
@@ -234,9 +234,9 @@ QString describeDuplicates(const Job &job, const Samples &samples)
     return (job.duplicates == DuplicatePolicy::AVERAGE
                 ? QObject::tr("%1 samples at %2 places: one at each, with their means")
                 : QObject::tr("%1 samples at %2 places: one at each, with the first values"))
-        .arg(Progress::grouped(samples.nMerged), Progress::grouped(samples.nMergedPlaces));
+        .arg(groupedText(samples.nMerged), groupedText(samples.nMergedPlaces));
   if (samples.nDuplicates > 0)
-    return QObject::tr("%1, all kept").arg(Progress::grouped(samples.nDuplicates));
+    return QObject::tr("%1, all kept").arg(groupedText(samples.nDuplicates));
   return QObject::tr("none");
 }
 

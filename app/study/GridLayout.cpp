@@ -1,7 +1,7 @@
 #include "app/study/GridLayout.h"
 
+#include "app/base/UsageError.h"
 #include "app/io/TableReader.h"
-#include "app/io/UsageError.h"
 #include "app/study/Job.h"
 #include "basic/base/NbbGlobal.h"
 

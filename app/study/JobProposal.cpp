@@ -1,10 +1,10 @@
 #include "app/study/JobProposal.h"
 
+#include "app/base/NumberText.h"
+#include "app/base/Suggestion.h"
+#include "app/base/UsageError.h"
 #include "app/console/TextTable.h"
 #include "app/io/SpatialReference.h"
-#include "app/io/Suggestion.h"
-#include "app/io/UsageError.h"
-#include "app/report/Describe.h"
 #include "app/study/GridLayout.h"
 #include "app/study/Job.h"
 #include "app/study/RunContext.h"
@@ -256,8 +256,8 @@ QString otherColumns(const Findings &findings)
             ? QString()
             : QObject::tr("; \"undefined\" then has to list %1").arg(quotedList(column.marks));
     others << QObject::tr("%1 (%2 to %3%4)")
-                  .arg(column.name.simplified(), Describe::number(column.minimum),
-                       Describe::number(column.maximum), marks);
+                  .arg(column.name.simplified(), numberText(column.minimum),
+                       numberText(column.maximum), marks);
   }
   return others.isEmpty()
              ? QObject::tr("There is no other column of numbers.")
@@ -272,7 +272,7 @@ QString variablePart(const Findings &findings)
   if (statistics.getSkewness() > manifestSkewness && statistics.getMinimum() > 0.)
     text += comment(QObject::tr("The values are above 0 and skewed (skewness %1): \"transform\": "
                                 "\"log\" kriges their logarithms, which suit kriging better.")
-                        .arg(Describe::number(statistics.getSkewness())),
+                        .arg(numberText(statistics.getSkewness())),
                     2);
   return text + QStringLiteral("  \"variable\": { \"column\": %1 },\n")
                     .arg(quoted(findings.column(findings.variable).name));

@@ -1,9 +1,9 @@
-#include "app/io/Conventions.h"
+#include "app/job/Conventions.h"
 
 #include "TestFiles.h"
+#include "app/base/UsageError.h"
 #include "app/io/CsvReader.h"
-#include "app/io/JobReader.h"
-#include "app/io/UsageError.h"
+#include "app/job/JobReader.h"
 #include "basic/geom/NbgRotation.h"
 #include "geos/vmodel/NgmAVStruct.h"
 

@@ -1,6 +1,6 @@
 #include "TestFiles.h"
 #include "app/io/CsvReader.h"
-#include "app/io/JobReader.h"
+#include "app/job/JobReader.h"
 #include "app/study/Samples.h"
 #include "basic/base/NbbGlobal.h"
 

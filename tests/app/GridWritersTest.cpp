@@ -1,7 +1,7 @@
 #include "TestFiles.h"
+#include "app/io/GridTable.h"
 #include "app/io/GridWriter.h"
 #include "app/study/Compass.h"
-#include "app/study/GridTable.h"
 #include "basic/base/NbbGlobal.h"
 #include "basic/error/NbeUserError.h"
 

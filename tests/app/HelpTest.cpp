@@ -1,10 +1,10 @@
 #include "app/commands/HelpTopics.h"
 
 #include "TestFiles.h"
+#include "app/base/UsageError.h"
 #include "app/commands/JobReference.h"
 #include "app/console/TextLayout.h"
-#include "app/io/JobSchema.h"
-#include "app/io/UsageError.h"
+#include "app/job/JobSchema.h"
 
 #include <QProcess>
 

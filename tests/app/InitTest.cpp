@@ -1,5 +1,5 @@
 #include "TestFiles.h"
-#include "app/io/JobReader.h"
+#include "app/job/JobReader.h"
 
 #include <gmock/gmock.h>
 

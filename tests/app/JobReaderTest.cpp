@@ -1,7 +1,7 @@
-#include "app/io/JobReader.h"
+#include "app/job/JobReader.h"
 
 #include "TestFiles.h"
-#include "app/io/UsageError.h"
+#include "app/base/UsageError.h"
 #include "app/study/Compass.h"
 #include "geos/vmodel/NgmAVStruct.h"
 #include "support/Random.h"

@@ -1,10 +1,10 @@
-#include "app/io/JobSchema.h"
+#include "app/job/JobSchema.h"
 
 #include "TestFiles.h"
-#include "app/io/JobReader.h"
-#include "app/io/ModelReader.h"
-#include "app/io/UsageError.h"
-#include "app/io/VariogramReader.h"
+#include "app/base/UsageError.h"
+#include "app/job/JobReader.h"
+#include "app/job/ModelReader.h"
+#include "app/job/VariogramReader.h"
 
 #include <QDirIterator>
 #include <QProcess>

@@ -1,8 +1,8 @@
-#include "app/io/JobText.h"
+#include "app/job/JobText.h"
 
 #include "TestFiles.h"
-#include "app/io/JobReader.h"
-#include "app/io/UsageError.h"
+#include "app/base/UsageError.h"
+#include "app/job/JobReader.h"
 
 #include <gmock/gmock.h>
 

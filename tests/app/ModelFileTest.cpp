@@ -1,7 +1,7 @@
-#include "app/io/ModelFile.h"
+#include "app/job/ModelFile.h"
 
 #include "TestFiles.h"
-#include "app/io/UsageError.h"
+#include "app/base/UsageError.h"
 #include "geos/vmodel/NgmVModel.h"
 #include "support/SerializationFuzz.h"
 

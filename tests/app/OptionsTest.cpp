@@ -1,9 +1,9 @@
 #include "TestFiles.h"
+#include "app/base/UsageError.h"
 #include "app/commands/Command.h"
 #include "app/commands/Program.h"
 #include "app/io/CsvReader.h"
-#include "app/io/JsonPath.h"
-#include "app/io/UsageError.h"
+#include "app/job/JsonPath.h"
 
 #include <QProcess>
 

@@ -1,3 +1,4 @@
+#include "app/base/NumberText.h"
 #include "app/console/Progress.h"
 
 #include <gtest/gtest.h>
@@ -16,12 +17,12 @@ TEST(Progress, ShowsRateAndTimeLeft)
 
 TEST(Progress, WritesDurationsAndCounts)
 {
-  EXPECT_EQ(Progress::duration(0.), "0 s");
-  EXPECT_EQ(Progress::duration(0.0456), "0.046 s");
-  EXPECT_EQ(Progress::duration(12.3), "12 s");
-  EXPECT_EQ(Progress::duration(65.2), "1:05");
-  EXPECT_EQ(Progress::duration(3725.), "1:02:05");
-  EXPECT_EQ(Progress::grouped(0), "0");
-  EXPECT_EQ(Progress::grouped(-1234567), "-1,234,567");
-  EXPECT_EQ(Progress::grouped(999), "999");
+  EXPECT_EQ(orvenal::durationText(0.), "0 s");
+  EXPECT_EQ(orvenal::durationText(0.0456), "0.046 s");
+  EXPECT_EQ(orvenal::durationText(12.3), "12 s");
+  EXPECT_EQ(orvenal::durationText(65.2), "1:05");
+  EXPECT_EQ(orvenal::durationText(3725.), "1:02:05");
+  EXPECT_EQ(orvenal::groupedText(0), "0");
+  EXPECT_EQ(orvenal::groupedText(-1234567), "-1,234,567");
+  EXPECT_EQ(orvenal::groupedText(999), "999");
 }

@@ -1,4 +1,4 @@
-#include "app/study/GridTable.h"
+#include "app/io/GridTable.h"
 
 #include "basic/base/NbbGlobal.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/io/Conventions.h"
+#include "app/job/Conventions.h"
 
 #include <QJsonObject>
 #include <QList>

@@ -1,8 +1,8 @@
-#include "app/io/DataReader.h"
+#include "app/job/DataReader.h"
 
-#include "app/io/JobObject.h"
-#include "app/io/KrigingReader.h"
 #include "app/io/SpatialReference.h"
+#include "app/job/JobObject.h"
+#include "app/job/KrigingReader.h"
 
 #include <QDir>
 #include <QFileInfo>

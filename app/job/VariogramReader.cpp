@@ -1,6 +1,6 @@
-#include "app/io/VariogramReader.h"
+#include "app/job/VariogramReader.h"
 
-#include "app/io/JobObject.h"
+#include "app/job/JobObject.h"
 #include "app/study/Compass.h"
 
 #include <QObject>

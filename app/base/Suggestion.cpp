@@ -1,4 +1,4 @@
-#include "app/io/Suggestion.h"
+#include "app/base/Suggestion.h"
 
 #include <QObject>
 

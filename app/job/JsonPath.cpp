@@ -1,6 +1,6 @@
-#include "app/io/JsonPath.h"
+#include "app/job/JsonPath.h"
 
-#include "app/io/UsageError.h"
+#include "app/base/UsageError.h"
 
 #include <QJsonArray>
 #include <QJsonObject>

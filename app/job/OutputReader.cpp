@@ -1,8 +1,8 @@
-#include "app/io/OutputReader.h"
+#include "app/job/OutputReader.h"
 
 #include "app/io/GridWriter.h"
-#include "app/io/JobObject.h"
-#include "app/io/ModelFile.h"
+#include "app/job/JobObject.h"
+#include "app/job/ModelFile.h"
 #include "app/study/Job.h"
 
 #include <QDir>

@@ -1,6 +1,6 @@
-#include "app/io/JobText.h"
+#include "app/job/JobText.h"
 
-#include "app/io/UsageError.h"
+#include "app/base/UsageError.h"
 
 #include <QHash>
 #include <QJsonArray>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/io/UsageError.h"
+#include "app/base/UsageError.h"
 
 namespace orvenal {
 

@@ -1,4 +1,4 @@
-#include "app/io/CrossValidationTable.h"
+#include "app/report/CrossValidationTable.h"
 
 #include "app/io/TableWriter.h"
 #include "app/study/CrossValidation.h"

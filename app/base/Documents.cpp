@@ -1,4 +1,4 @@
-#include "app/io/Documents.h"
+#include "app/base/Documents.h"
 
 #include "basic/error/NbeAssertion.h"
 

@@ -1,8 +1,8 @@
-#include "app/io/ModelReader.h"
+#include "app/job/ModelReader.h"
 
-#include "app/io/AxesReader.h"
-#include "app/io/JobObject.h"
-#include "app/io/Suggestion.h"
+#include "app/base/Suggestion.h"
+#include "app/job/AxesReader.h"
+#include "app/job/JobObject.h"
 #include "app/study/Coregionalization.h"
 #include "app/study/ModelFit.h"
 #include "basic/base/NbbGlobal.h"

@@ -1,9 +1,9 @@
-#include "app/io/ModelFile.h"
+#include "app/job/ModelFile.h"
 
-#include "app/io/JobObject.h"
-#include "app/io/JobText.h"
-#include "app/io/ModelJson.h"
-#include "app/io/ModelReader.h"
+#include "app/job/JobObject.h"
+#include "app/job/JobText.h"
+#include "app/job/ModelJson.h"
+#include "app/job/ModelReader.h"
 #include "basic/error/NbeUserError.h"
 #include "geos/vmodel/NgmVModel.h"
 

@@ -1,4 +1,4 @@
-#include "app/io/ModelJson.h"
+#include "app/job/ModelJson.h"
 
 #include "app/study/Compass.h"
 #include "basic/geom/NbgRotationConventionGeologist.h"

@@ -1,7 +1,7 @@
-#include "app/io/KrigingReader.h"
+#include "app/job/KrigingReader.h"
 
-#include "app/io/JobObject.h"
-#include "app/io/Suggestion.h"
+#include "app/base/Suggestion.h"
+#include "app/job/JobObject.h"
 
 #include <QObject>
 

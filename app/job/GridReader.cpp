@@ -1,7 +1,7 @@
-#include "app/io/GridReader.h"
+#include "app/job/GridReader.h"
 
-#include "app/io/DataReader.h"
-#include "app/io/JobObject.h"
+#include "app/job/DataReader.h"
+#include "app/job/JobObject.h"
 #include "app/study/Compass.h"
 
 #include <QDir>

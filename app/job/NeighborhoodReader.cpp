@@ -1,7 +1,7 @@
-#include "app/io/NeighborhoodReader.h"
+#include "app/job/NeighborhoodReader.h"
 
-#include "app/io/AxesReader.h"
-#include "app/io/JobObject.h"
+#include "app/job/AxesReader.h"
+#include "app/job/JobObject.h"
 #include "geos/interpol/NgmNeighborhoodMoving.h"
 
 #include <QObject>

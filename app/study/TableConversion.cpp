@@ -1,9 +1,9 @@
-#include "app/io/TableConversion.h"
+#include "app/study/TableConversion.h"
 
+#include "app/base/Suggestion.h"
 #include "app/console/Console.h"
+#include "app/io/GridTable.h"
 #include "app/io/GridWriter.h"
-#include "app/io/Suggestion.h"
-#include "app/study/GridTable.h"
 #include "basic/error/NbeUserError.h"
 
 #include <QFileInfo>

@@ -1,4 +1,4 @@
-#include "app/io/VariogramCsvWriter.h"
+#include "app/report/VariogramCsvWriter.h"
 
 #include "app/io/CsvText.h"
 #include "app/study/Compass.h"

@@ -1,9 +1,9 @@
-#include "app/io/JobObject.h"
+#include "app/job/JobObject.h"
 
-#include "app/io/JobError.h"
-#include "app/io/JobText.h"
-#include "app/io/Suggestion.h"
-#include "app/io/UsageError.h"
+#include "app/base/Suggestion.h"
+#include "app/base/UsageError.h"
+#include "app/job/JobError.h"
+#include "app/job/JobText.h"
 #include "basic/error/NbeAssertion.h"
 
 #include <QJsonArray>

@@ -1,7 +1,7 @@
-#include "app/io/JobSchema.h"
+#include "app/job/JobSchema.h"
 
-#include "app/io/Documents.h"
-#include "app/io/JobText.h"
+#include "app/base/Documents.h"
+#include "app/job/JobText.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
