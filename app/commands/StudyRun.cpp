@@ -20,6 +20,7 @@
 #include "app/report/StudyReport.h"
 #include "app/report/VariogramCsvWriter.h"
 #include "app/study/DataChecks.h"
+#include "app/study/FitWarnings.h"
 #include "app/study/References.h"
 #include "app/study/Statistics.h"
 #include "app/study/VariogramMap.h"
@@ -164,12 +165,8 @@ void StudyRun::_fitModel()
   job.model = _result.fit->model;
   job.hasModel = true;
   _console.print(QObject::tr("  fitted   %1").arg(Describe::model(job)));
-  if (job.model.getNStructures() == 0)
-    _console.warn(
-        QObject::tr("the fit found a nugget effect and no structure: as far as the "
-                    "variograms tell, near samples are no more alike than distant ones"));
-  if (!_result.fit->hasConverged)
-    _console.warn(QObject::tr("the fit of the model stopped before it converged"));
+  for (const QString &warning : fitWarnings(job, _result.variography, *_result.fit))
+    _console.warn(warning);
   _endStep(QObject::tr("Fit of the model"));
 }
 
