@@ -8,6 +8,7 @@
 #include "app/io/TableKind.h"
 #include "basic/error/NbeUserError.h"
 
+#include <QFileInfo>
 #include <QObject>
 
 namespace orvenal {
@@ -37,6 +38,21 @@ QList<TableLayer> TableReader::listLayers(const QString &path, const QString &sh
   const bool hasLayers =
       kind == TableFormat::GDAL && !NetcdfReader::tryOpen(path, shownName, format);
   return hasLayers ? listGdalLayers(path, shownName) : QList<TableLayer>();
+}
+
+QStringList TableReader::listFiles(const QString &path, const QString &shownName,
+                                   const TableFormat &format)
+{
+  const TableFormat::Kind kind =
+      format.kind == TableFormat::AUTO ? findTableKind(path, shownName) : format.kind;
+  QStringList files = {QFileInfo(path).absoluteFilePath()};
+  if (kind != TableFormat::GDAL || NetcdfReader::tryOpen(path, shownName, format))
+    return files;
+  for (const QString &file : listGdalFiles(path, shownName)) {
+    if (!files.contains(file))
+      files << file;
+  }
+  return files;
 }
 
 TableReader::TableReader(const QString &shownName) : _shownName(shownName) {}

@@ -52,6 +52,11 @@ public:
   static QList<TableLayer> listLayers(const QString &path, const QString &shownName,
                                       const TableFormat &format);
 
+  /// The files that make up a table, absolute: that of the path first, then those beside it that
+  /// belong to its format (.shx, .dbf and .prj of a Shapefile).
+  static QStringList listFiles(const QString &path, const QString &shownName,
+                               const TableFormat &format);
+
   virtual ~TableReader();
   TableReader(const TableReader &) = delete;
   TableReader &operator=(const TableReader &) = delete;

@@ -187,10 +187,14 @@ QString Describe::grid(const Job &job)
   QString text = QObject::tr("%1 nodes, cells of %2").arg(times(nodes), times(sizes));
   if (!job.lengthUnit.isEmpty())
     text += ' ' + job.lengthUnit;
-  if (!job.grid.getRotation().isIdentity())
-    text += QObject::tr(", rows towards %1")
-                .arg(Compass::describe(job.grid.getRotation().getAxisY(), 2));
-  return text;
+  return text + turn(job.grid);
+}
+
+QString Describe::turn(const NbgGeomGrid &grid)
+{
+  if (grid.getRotation().isIdentity())
+    return QString();
+  return QObject::tr(", rows towards %1").arg(Compass::describe(grid.getRotation().getAxisY(), 2));
 }
 
 QString Describe::model(const Job &job)

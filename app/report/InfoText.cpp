@@ -177,8 +177,9 @@ QString gridText(const TableSummary &summary)
   }
   const qint64 nTaken = summary.nPlaces - summary.nDuplicates;
   return QObject::tr("%1 nodes (%2 of %3 taken), cells of %4, first node %5")
-      .arg(times(nodeTexts), groupedText(nTaken), groupedText(grid.getGridSize()), times(cells),
-           origin.join(QStringLiteral(", ")));
+             .arg(times(nodeTexts), groupedText(nTaken), groupedText(grid.getGridSize()),
+                  times(cells), origin.join(QStringLiteral(", "))) +
+         Describe::turn(grid);
 }
 
 QString referenceText(const QString &wkt)

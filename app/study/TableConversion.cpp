@@ -183,8 +183,8 @@ void TableConversion::_writeGrid(const QString &path)
   _requireAxes();
   if (!_summary.grid)
     throw NbeUserError(
-        QObject::tr("%1: the points do not lie on the nodes of a grid along the axes, "
-                    "which a .%2 file needs")
+        QObject::tr("%1: the points do not lie on the nodes of a grid, along the axes or "
+                    "turned, which a .%2 file needs")
             .arg(_request.input, _ending));
   GridTable grid;
   grid.geometry = *_summary.grid;
