@@ -43,9 +43,11 @@ bool isUnlimited(int file, int dimension)
   return std::find(unlimited.begin(), unlimited.end(), dimension) != unlimited.end();
 }
 
-bool areFinite(const std::vector<double> &places)
+/// How many places there are before one that is not finite.
+std::size_t countFinite(const std::vector<double> &places)
 {
-  return std::all_of(places.begin(), places.end(), [](double x) { return std::isfinite(x); });
+  const auto isFinite = [](double x) { return std::isfinite(x); };
+  return std::size_t(std::find_if_not(places.begin(), places.end(), isFinite) - places.begin());
 }
 
 QString nameOf(int file, int variable)
@@ -179,7 +181,8 @@ bool NetcdfReader::_readAxis(int dimension, std::vector<double> &places) const
       dimensionsOf(_file, variable) != std::vector<int>{dimension})
     return false;
   places.resize(length);
-  return nc_get_var_double(_file, variable, places.data()) == NC_NOERR && areFinite(places);
+  return nc_get_var_double(_file, variable, places.data()) == NC_NOERR &&
+         countFinite(places) == length;
 }
 
 bool NetcdfReader::_readReference()
@@ -243,8 +246,10 @@ void NetcdfReader::_readRow()
   }
   for (int axis = 0; axis < 2 && _turned[0] >= 0; ++axis) {
     _read(_turned[axis], _axes[axis].data());
-    if (!areFinite(_axes[axis]))
-      fail(axis, QObject::tr("a place of row %1 is not a finite number").arg(_j + 1));
+    _i = countFinite(_axes[axis]);
+    if (_i < _axes[axis].size())
+      fail(axis, QObject::tr("the place is not a finite number"));
+    _i = 0;
   }
 }
 

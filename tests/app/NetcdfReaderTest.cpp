@@ -125,7 +125,7 @@ TEST(NetcdfReader, NamesTheRowOfAPlaceThatIsNone)
     reader->next();
     FAIL();
   } catch (const NbeUserError &error) {
-    EXPECT_EQ(error.getMessage(),
-              "grid.nc, node (1, 2, 1): y: a place of row 2 is not a finite number");
+    EXPECT_EQ(error.getMessage().toStdString(),
+              "grid.nc, node (2, 2, 1): column 2 (\"y\"): the place is not a finite number");
   }
 }
