@@ -82,6 +82,11 @@ void TableReader::fail(const QString &message) const
   _failAt(_getPlace(), message);
 }
 
+void TableReader::failEmpty(const QString &shownName)
+{
+  throw NbeUserError(QObject::tr("%1: no rows below the header").arg(shownName));
+}
+
 void TableReader::_failAt(const QString &place, const QString &message) const
 {
   throw NbeUserError(_shownName + QStringLiteral(", ") + place + QStringLiteral(": ") + message);

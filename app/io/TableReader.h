@@ -89,6 +89,9 @@ public:
   /// The coordinate reference system that the file names, as WKT; empty when it names none.
   virtual QString getReference() const;
 
+  /// Throws the error of a table without records.
+  [[noreturn]] static void failEmpty(const QString &shownName);
+
   /// Throws the error of a field of the current record, or of the record.
   [[noreturn]] void fail(int column, const QString &message) const;
   [[noreturn]] void fail(const QString &message) const;

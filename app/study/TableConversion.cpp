@@ -127,6 +127,8 @@ bool TableConversion::_isAxis(int column) const
 
 void TableConversion::_requireAxes() const
 {
+  if (_summary.nRecords == 0)
+    TableReader::failEmpty(_request.input);
   QStringList names;
   for (const ColumnSummary &column : _summary.columns)
     names << column.name;

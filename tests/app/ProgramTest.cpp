@@ -655,7 +655,7 @@ TEST(Program, RefusesWrongUse)
       {{"run", "a.json", "b.json"}, "one file at a time"},
       {{"run", "--thread", "2", "a.json"},
        "there is no option --thread; did you mean \"--threads\"?"},
-      {{"run", "/nowhere/job.json"}, "/nowhere/job.json: cannot be read"},
+      {{"run", "/nowhere/job.json"}, "there is no file \"/nowhere/job.json\""},
       {{"run", "--threads", "two", ORVENAL_EXAMPLES "/meuse/job.json"}, "--threads: expected"},
       {{"run", "--memory", "0 MB", ORVENAL_EXAMPLES "/meuse/job.json"}, "--memory: expected"},
   };
