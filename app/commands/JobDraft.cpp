@@ -97,7 +97,8 @@ QJsonValue JobDraft::get(const QString &path) const
 bool JobDraft::isGiven(const QString &path) const
 {
   for (auto origin = _origins.begin(); origin != _origins.end(); ++origin) {
-    if (isWithin(origin.key(), path) && has(origin.key()))
+    const bool isPart = isWithin(origin.key(), path);
+    if (has(isPart ? origin.key() : path) && (isPart || isWithin(path, origin.key())))
       return true;
   }
   return false;

@@ -106,6 +106,20 @@ void readFitOf(const JobObject &root, Job &job)
   job.fit = readFit(root.object(name, fitKeys()));
 }
 
+/// What kriging asks of the neighborhood.
+void checkSearch(const JobObject &root, const Job &job)
+{
+  const bool isLocal = job.kriging.localAzimuth || job.kriging.localFactor;
+  if (isLocal && !job.neighborhood)
+    root.fail(key("kriging.local"), QObject::tr("needs a moving neighborhood"));
+  const bool hasLines = job.neighborhood && !job.neighborhood->line.isEmpty();
+  for (const ExtraOutput &extra : job.kriging.extras) {
+    if (extra.key == key("lines") && !hasLines)
+      root.fail(key("kriging.extra"),
+                QObject::tr("\"%1\" needs \"%2\"").arg(extra.key, key("neighborhood.lines")));
+  }
+}
+
 /// Variant of kriging and neighborhood, for the grid and for cross-validation.
 void readKrigingParts(const JobObject &root, const QDir &folder, Job &job)
 {
@@ -132,8 +146,9 @@ void readKrigingParts(const JobObject &root, const QDir &folder, Job &job)
     readFaults(object, folder, job);
   }
   checkGridColumns(root, job);
-  job.neighborhood =
-      readNeighborhood(root.object(key("neighborhood"), neighborhoodKeys()), job.getNDimensions());
+  job.neighborhood = readNeighborhood(root.object(key("neighborhood"), neighborhoodKeys()),
+                                      job.getNDimensions(), job.getNVariables());
+  checkSearch(root, job);
 }
 
 /// What is to be done: variograms, cross-validation, kriging, or nothing but statistics.
