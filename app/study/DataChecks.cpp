@@ -48,7 +48,7 @@ bool liesLikeARegion(const NbgBox &box)
 {
   constexpr double smallest = 1e-4;
   constexpr double largest = 8.;
-  constexpr double share = 0.1;
+  constexpr double share = 0.15;
   const double size = std::hypot(box.getSize().x(), box.getSize().y());
   const double distance = std::hypot(box.getCenter().x(), box.getCenter().y());
   return size > smallest && size < largest && size < share * distance;

@@ -149,7 +149,9 @@ TEST(Convert, FindsTheGridOfPointsThatAreTurned)
     QString from = "g.csv";
     for (const QString &to : QStringList{"g.nc", "1.csv", "g.tif", "2.gpkg", "3.nc", "4.csv"}) {
       SCOPED_TRACE(to.toStdString());
-      expectDone(convert(folder, {"--overwrite", from, to}));
+      const Outcome outcome = convert(folder, {"--overwrite", from, to});
+      ASSERT_EQ(outcome.exitCode, 0);
+      EXPECT_EQ(outcome.errors, "");  // GDAL remarks that such a grid has no axes
       const Table found = readTable(folder.path(to), {"x", "y"}, {"v"});
       ASSERT_EQ(found.size(), expected.size());
       for (auto a = found.begin(), b = expected.begin(); a != found.end(); ++a, ++b) {

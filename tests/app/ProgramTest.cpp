@@ -657,6 +657,7 @@ TEST(Program, RefusesWrongUse)
        "there is no option --thread; did you mean \"--threads\"?"},
       {{"run", "/nowhere/job.json"}, "there is no file \"/nowhere/job.json\""},
       {{"run", "--threads", "two", ORVENAL_EXAMPLES "/meuse/job.json"}, "--threads: expected"},
+      {{"run", "--memory", "500", ORVENAL_EXAMPLES "/meuse/job.json"}, "--memory: expected a size"},
       {{"run", "--memory", "0 MB", ORVENAL_EXAMPLES "/meuse/job.json"}, "--memory: expected"},
   };
   for (const Case &c : cases) {
