@@ -648,7 +648,8 @@ TEST(Program, RefusesWrongUse)
   const Case cases[] = {
       {{}, "a command is missing"},
       {{"rnu"}, "there is no command \"rnu\"; did you mean \"run\"?"},
-      {{"help", "rnu"}, "there is no command"},
+      {{"help", "conventoins"},
+       "no command or topic \"conventoins\"; did you mean \"conventions\""},
       {{"help", "run", "run"}, "one command or topic at a time"},
       {{"version", "x"}, "no argument is expected"},
       {{"run"}, "the job file is missing"},
