@@ -18,7 +18,12 @@ Picture::~Picture() = default;
 
 QImage Picture::toImage() const
 {
-  return _plot->toPixmap(_size.width(), _size.height(), pixelsPerUnit).toImage();
+  QImage image = _plot->toPixmap(_size.width(), _size.height(), pixelsPerUnit).toImage();
+  // Printed, letters have their size in points.
+  const int perMeter = qRound(pixelsPerUnit * _plot->logicalDpiX() / 0.0254);
+  image.setDotsPerMeterX(perMeter);
+  image.setDotsPerMeterY(perMeter);
+  return image;
 }
 
 QByteArray Picture::toPng() const
