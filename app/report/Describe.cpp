@@ -96,6 +96,32 @@ QString kindOfDrift(const KrigingRequest &request)
   return drifts.join(QObject::tr(" and "));
 }
 
+/// Of what the estimates are.
+QString supportOf(const KrigingRequest &request)
+{
+  if (!request.block)
+    return QObject::tr("points: values at the nodes");
+  QStringList points;
+  for (int axis = 0; axis < 3; ++axis) {
+    if (axis < 2 || (*request.block)[axis] > 1)
+      points << QString::number((*request.block)[axis]);
+  }
+  return QObject::tr("blocks: means of the cells, each discretized by %1 points")
+      .arg(times(points));
+}
+
+QString filteredParts(const KrigingRequest &request)
+{
+  QStringList parts;
+  if (request.filterNugget)
+    parts << QObject::tr("nugget");
+  for (const int structure : request.filteredStructures)
+    parts << QObject::tr("structure %1").arg(structure + 1);
+  if (request.filterDrift)
+    parts << QObject::tr("drift");
+  return parts.join(QStringLiteral(", "));
+}
+
 /// "Ordinary block cokriging with zinc and lead"
 QString krigingKind(const Job &job)
 {
@@ -131,6 +157,12 @@ QString Describe::vector(const NbgVector3D &direction)
   };
   return QObject::tr("(%1, %2, %3)")
       .arg(component(direction.x()), component(direction.y()), component(direction.z()));
+}
+
+QString Describe::coordinate(double value)
+{
+  constexpr int digits = 12;
+  return QString::number(value, 'g', digits);
 }
 
 QStringList Describe::statisticsHeader()
@@ -211,6 +243,51 @@ QString Describe::model(const Job &job)
                  (job.lengthUnit.isEmpty() ? QString() : ' ' + job.lengthUnit);
   }
   return parts.join(QStringLiteral(" + "));
+}
+
+QVector<QPair<QString, QString>> Describe::kriging(const Job &job)
+{
+  const KrigingRequest &request = job.kriging;
+  QVector<QPair<QString, QString>> rows = {{QObject::tr("Kind"), krigingKind(job)}};
+  const auto add = [&](const QString &name, const QString &value) {
+    if (!value.isEmpty())
+      rows.append({name, value});
+  };
+  if (job.hasGrid)
+    add(QObject::tr("Support"), supportOf(request));
+  QStringList means;
+  for (const double mean : request.means)
+    means << numberText(mean);
+  add(QObject::tr("Known means"), means.join(QStringLiteral(", ")));
+  add(QObject::tr("Local means"), columnNames(request.localMeans));
+  add(QObject::tr("Drift"), kindOfDrift(request));
+  if (request.constantError)
+    add(QObject::tr("Standard deviation of measurement errors"),
+        numberText(*request.constantError));
+  if (request.measurementError)
+    add(QObject::tr("Standard deviation of measurement errors"),
+        columnNames({*request.measurementError}));
+  add(QObject::tr("Collocated"), columnNames(request.collocated));
+  if (job.faults)
+    add(QObject::tr("Faults"),
+        QObject::tr("%1; nodes inside closed ones are %2")
+            .arg(job.faults->shown, job.estimatesInsideFaults ? QObject::tr("estimated")
+                                                              : QObject::tr("left undefined")));
+  if (request.localAzimuth)
+    add(QObject::tr("Local azimuth of model and neighborhood"),
+        columnNames({*request.localAzimuth}));
+  if (request.localFactor)
+    add(QObject::tr("Local factor of the ranges"), columnNames({*request.localFactor}));
+  if (request.productionVolume > 0.) {
+    add(QObject::tr("Volume of a production"), numberText(request.productionVolume));
+    add(QObject::tr("Theoretical mean"), numberText(request.theoreticalMean));
+  }
+  add(QObject::tr("Left out of the estimate"), filteredParts(request));
+  QStringList extras;
+  for (const ExtraOutput &extra : request.extras)
+    extras << extra.label;
+  add(QObject::tr("Further results"), extras.join(QStringLiteral(", ")));
+  return rows;
 }
 
 QVector<QPair<QString, QString>> Describe::neighborhood(const Job &job)
@@ -317,18 +394,18 @@ QString textVariograms(const Variography &variography, const Job &job)
   return alignedColumns(rows, rows.first().size());
 }
 
-QVector<QPair<QString, QString>> crossValidationRows(const StudyResult &result)
+QVector<QPair<QString, QString>> crossValidationRows(const StudyResult &result, const QString &unit)
 {
   const CrossValidation &validation = result.crossValidation;
   const XValRes &means = validation.means;
   return {{QObject::tr("Samples"), QString::number(result.samples.getCount())},
           {QObject::tr("Estimated, with a value"), QString::number(validation.getNEstimated())},
-          {QObject::tr("Mean error"), numberText(means.error)},
-          {QObject::tr("Root mean squared error"), numberText(means.rootSquaredError)},
+          {QObject::tr("Mean error"), lengthText(means.error, unit)},
+          {QObject::tr("Root mean squared error"), lengthText(means.rootSquaredError, unit)},
           {QObject::tr("Mean standardized error"), numberText(means.standardizedError)},
           {QObject::tr("Root mean squared standardized error"),
            numberText(means.rootSquaredStandardizedError)},
-          {QObject::tr("Mean standard deviation"), numberText(means.standardDeviation)}};
+          {QObject::tr("Mean standard deviation"), lengthText(means.standardDeviation, unit)}};
 }
 
 QString textCrossValidation(const StudyResult &result)
