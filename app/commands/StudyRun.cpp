@@ -247,7 +247,9 @@ void StudyRun::_drawVariograms()
     _writePicture(job.output.variogramPicture, picture);
   }
   _drawVariogramMap(style);
-  _endStep(QObject::tr("Picture of the variograms"));
+  _endStep(job.output.variogramMap.isEmpty() && job.output.variogramCloud.isEmpty()
+               ? QObject::tr("Picture of the variograms")
+               : QObject::tr("Variogram map and cloud, pictures"));
 }
 
 void StudyRun::_drawMaps()

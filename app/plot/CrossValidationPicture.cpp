@@ -67,7 +67,7 @@ void drawScatter(QCPAxisRect &rect, const Pairs &pairs, const QString &valueLabe
 {
   QCPAxis *x = rect.axis(QCPAxis::atBottom);
   QCPAxis *y = rect.axis(QCPAxis::atLeft);
-  setUp(rect, QObject::tr("Estimate"), valueLabel);
+  setUp(rect, QObject::tr("Estimate of %1").arg(valueLabel), valueLabel);
   const QCPRange range = commonRange(pairs);
   for (QCPAxis *axis : {x, y}) {
     axis->setRange(range);

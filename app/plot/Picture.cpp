@@ -52,6 +52,8 @@ QByteArray Picture::toSvg() const
   painter.setMode(QCPPainter::pmNoCaching);
   _plot->toPainter(&painter, _size.width(), _size.height());
   painter.end();
+  // Where the font is missing, one with letters of the same widths stands in.
+  bytes.replace("font-family=\"DejaVu Sans\"", "font-family=\"DejaVu Sans, Verdana, sans-serif\"");
   return bytes;
 }
 

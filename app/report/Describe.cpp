@@ -86,13 +86,15 @@ QString columnNames(const QList<Column> &columns)
   return names.join(QStringLiteral(", "));
 }
 
+/// "linear drift and external drift (sqrt dist)"
 QString kindOfDrift(const KrigingRequest &request)
 {
   QStringList drifts;
   if (request.driftDegree > 0)
-    drifts << (request.driftDegree == 1 ? QObject::tr("linear") : QObject::tr("quadratic"));
+    drifts << (request.driftDegree == 1 ? QObject::tr("linear drift")
+                                        : QObject::tr("quadratic drift"));
   if (!request.externalDrifts.isEmpty())
-    drifts << QObject::tr("external (%1)").arg(columnNames(request.externalDrifts));
+    drifts << QObject::tr("external drift (%1)").arg(columnNames(request.externalDrifts));
   return drifts.join(QObject::tr(" and "));
 }
 
@@ -127,7 +129,9 @@ QString krigingKind(const Job &job)
 {
   const KrigingRequest &request = job.kriging;
   static const char *const modes[] = {"Ordinary", "Simple", "Universal", "Rescaled"};
-  QStringList words = {QObject::tr(modes[request.mode])};
+  QStringList words;
+  if (request.mode != KrigingRequest::DRIFT || request.driftDegree > 0)
+    words << QObject::tr(modes[request.mode]);
   if (request.block)
     words << QObject::tr("block");
   if (!request.collocated.isEmpty())
@@ -139,8 +143,9 @@ QString krigingKind(const Job &job)
   if (!names.isEmpty())
     words << QObject::tr("with %1").arg(names.join(QStringLiteral(", ")));
   QString text = words.join(' ');
+  text[0] = text[0].toUpper();
   if (request.mode == KrigingRequest::DRIFT)
-    text += QObject::tr(" with %1 drift").arg(kindOfDrift(request));
+    text += QObject::tr(" with %1").arg(kindOfDrift(request));
   if (request.measurementError || request.constantError)
     text += QObject::tr(", measurement errors");
   if (request.isFiltering())
@@ -319,7 +324,9 @@ QVector<QPair<QString, QString>> Describe::outcome(const StudyResult &result)
   return {{QObject::tr("Nodes of the grid"), QString::number(grid.geometry.getGridSize())},
           {QObject::tr("Nodes in the mask"), QString::number(nSelected)},
           {QObject::tr("Nodes estimated"), QString::number(nEstimated)},
-          {QObject::tr("Too few samples around the node"),
+          {result.job.faults && !result.job.estimatesInsideFaults
+               ? QObject::tr("Too few samples around the node, or inside a closed fault")
+               : QObject::tr("Too few samples around the node"),
            QString::number(nSelected - nEstimated - nFailures)},
           {QObject::tr("Systems that could not be solved"), QString::number(nFailures)}};
 }
@@ -362,6 +369,34 @@ QList<QStringList> sillRows(const Job &job)
 QString textSills(const Job &job)
 {
   return alignedColumns(sillRows(job), 2 + job.getNVariables());
+}
+
+QVector<QPair<QString, QString>> variogramParameters(const Variography &variography, const Job &job)
+{
+  const VariogramRequest request = job.variogram.value_or(VariogramRequest());
+  QVector<QPair<QString, QString>> rows = {
+      {QObject::tr("Lag"),
+       QObject::tr("%1, with pairs within %2 of it")
+           .arg(lengthText(variography.lag, job.lengthUnit),
+                lengthText(request.lagTolerance * variography.lag, job.lengthUnit))}};
+  const QVector<VariogramCurve> &curves = variography.sets.first().curves;
+  for (int i = 0; i < curves.size(); ++i) {
+    if (curves[i].isOmnidirectional)
+      continue;
+    constexpr double halfTurn = 180.;
+    const double tolerance =
+        i < request.directions.size()
+            ? request.directions[i].tolerance
+            : request.regularTolerance.value_or(0.5 * halfTurn / std::max(1, request.nRegular));
+    rows.append(
+        {curves[i].name, QObject::tr("%1, with pairs within %2%3 of it")
+                             .arg(Compass::describe(curves[i].direction, job.getNDimensions()),
+                                  numberText(tolerance), QChar(0xB0))});
+  }
+  if (request.width)
+    rows.append({QObject::tr("Width"), QObject::tr("pairs within %1 of the axis of a direction")
+                                           .arg(lengthText(*request.width, job.lengthUnit))});
+  return rows;
 }
 
 QList<QStringList> variogramRows(const Variography &variography, const Job &job)

@@ -71,6 +71,10 @@ QList<QStringList> sillRows(const Job &job);
 /// The same as a text table.
 QString textSills(const Job &job);
 
+/// Names and values: the lag, directions with their tolerances, and the width.
+QVector<QPair<QString, QString>> variogramParameters(const Variography &variography,
+                                                     const Job &job);
+
 /// Header and rows of the variograms: direction, distance, pairs, value; the variables in front
 /// when there are several.
 QList<QStringList> variogramRows(const Variography &variography, const Job &job);

@@ -40,6 +40,7 @@ figcaption::before { counter-increment: figure; content: "Figure " counter(figur
 table { border-collapse: collapse; font-size: .9rem; font-variant-numeric: tabular-nums; }
 th, td { padding: .25rem .6rem; border: 1px solid #dbe3ec; vertical-align: top; }
 th { font-weight: 600; }
+.scroll th[scope="row"] { position: sticky; left: 0; }
 pre { overflow-x: auto; background: #f4f7fa; border: 1px solid #dbe3ec; padding: .75rem;
   font: .8rem/1.4 "DejaVu Sans Mono", monospace; }
 .warning { border-left: 4px solid #b35900; background: #fff6ec; padding: .4rem .75rem; }
@@ -59,7 +60,7 @@ pre { overflow-x: auto; background: #f4f7fa; border: 1px solid #dbe3ec; padding:
   figure, table, tr { break-inside: avoid; }
   #variograms table { break-inside: auto; }
   figure img { max-height: 115mm; width: auto; }
-  .sections figure img { max-height: 240mm; }
+  .sections figure img { max-height: 190mm; }
   .maps figure { flex-basis: 40%; }
   .maps img { width: 100%; }
   .scroll { overflow: visible; }

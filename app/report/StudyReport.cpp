@@ -230,10 +230,9 @@ QString variograms(const StudyResult &result)
                 QObject::tr("Variogram cloud: all pairs of samples by distance and half squared "
                             "difference"),
                 QObject::tr("Cells in the colours of their numbers of pairs")) +
-         QStringLiteral("</div>\n") + headedTable(variogramRows(variography, result.job)) +
-         paragraph(QObject::tr("Lag %1. Lags without pairs are left out.")
-                       .arg(lengthText(variography.lag, result.job.lengthUnit)),
-                   QStringLiteral("lead"));
+         QStringLiteral("</div>\n") + rowsTable(variogramParameters(variography, result.job)) +
+         headedTable(variogramRows(variography, result.job)) +
+         paragraph(QObject::tr("Lags without pairs are left out."), QStringLiteral("lead"));
 }
 
 QString leftOut(const Job &job)
