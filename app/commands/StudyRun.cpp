@@ -236,7 +236,9 @@ void StudyRun::_drawVariograms()
     _result.variogramPicture = _savePicture(job.output.variogramPicture, picture);
   }
   _drawVariogramMap(style);
-  _endStep(QObject::tr("Picture of the variograms"));
+  _endStep(job.output.variogramMap.isEmpty() && job.output.variogramCloud.isEmpty()
+               ? QObject::tr("Picture of the variograms")
+               : QObject::tr("Variogram map and cloud, pictures"));
 }
 
 void StudyRun::_drawMaps()
