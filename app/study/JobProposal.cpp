@@ -97,16 +97,6 @@ QStringList namesOf(const TableSummary &summary)
 }
 
 /// Names that are all numbers are values: the line of names is missing.
-bool hasNames(const TableSummary &summary)
-{
-  const QStringList names = namesOf(summary);
-  return std::any_of(names.begin(), names.end(), [](const QString &name) {
-    bool isNumber = false;
-    name.toDouble(&isNumber);
-    return !isNumber;
-  });
-}
-
 int findWish(const QString &wish, const char *option, int guess, const Findings &findings)
 {
   if (wish.isEmpty())
@@ -132,11 +122,8 @@ int findWish(const QString &wish, const char *option, int guess, const Findings 
               .arg(findings.shown, names[index], findings.column(index).example.simplified()));
   }
   throw UsageError(QObject::tr("%1: no two columns are named like coordinates; name them with --x "
-                               "and --y; columns: %2%3")
-                       .arg(findings.shown, quotedList(names),
-                            hasNames(findings.summary)
-                                ? QString()
-                                : QObject::tr(" (is there a line of names above the values?)")));
+                               "and --y; columns: %2")
+                       .arg(findings.shown, quotedList(names)));
 }
 
 void findColumns(const JobWishes &wishes, Findings &findings)
