@@ -8,6 +8,7 @@
 #include "app/job/JobObject.h"
 #include "app/job/JobReader.h"
 #include "app/job/JsonPath.h"
+#include "app/job/ModelFile.h"
 
 #include <QDir>
 #include <QFile>
@@ -53,6 +54,15 @@ bool isTable(const QString &path)
           .arg(path));
 }
 
+[[noreturn]] void failModel(const QString &path)
+{
+  throw UsageError(
+      QObject::tr(
+          "%1 is a variogram model, not a job; a job names it as model.file, a data file is "
+          "kriged with it by --model")
+          .arg(path));
+}
+
 }  // namespace
 
 bool isJobFile(const QString &file)
@@ -68,8 +78,12 @@ JobDraft JobDraft::ofJob(const QString &path)
     const QJsonObject root = parseJobRoot(path, text);
     if (root.contains(QStringLiteral("features")))
       failTable(path);
+    if (root.contains(QStringLiteral("structures")))
+      failModel(path);
     return JobDraft(path, text, root);
   } catch (const UsageError &) {
+    if (isBinaryModel(path))
+      failModel(path);
     if (isTable(path))
       failTable(path);
     throw;

@@ -208,6 +208,8 @@ void OutputFiles::_makeFolder(const QString &folder, const QString &file)
   const QMutexLocker locker(&_mutex);
   if (::mkdir(QFile::encodeName(folder).constData(), 0777) == 0)
     _madeFolders << folder;
+  else if (info.exists() && !info.isDir())
+    failToWrite(file, QObject::tr("%1 is no folder").arg(shownPath(folder)));
   else if (!QFileInfo(folder).isDir())
     failToWrite(file, QObject::tr("%1: %2").arg(shownPath(folder), systemReason()));
 }

@@ -227,10 +227,10 @@ TEST(JobReader, NamesThePlaceOfWhatIsWrong)
       {"output.report", "r.pdf", {"output.report: \"r.pdf\" should end with .html"}},
       {"output.grid",
        json("[\"k.csv\", \"./k.csv\"]"),
-       {"output: ", "k.csv\" would be written twice"}},
+       {"output.grid[1]: ", "k.csv\" would be written twice"}},
       {"output.grid.0",
        ORVENAL_EXAMPLES "/meuse/../meuse/meuse.csv",
-       {"output: ", "is an input of the job"}},
+       {"output.grid[0]: ", "is an input of the job"}},
       {"threads", 0, {"threads: 0 is not between 1 and 1024"}},
       {"memory", "lots", {"memory: expected a size"}},
   };

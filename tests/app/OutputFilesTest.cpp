@@ -48,6 +48,11 @@ TEST(OutputFiles, RefusesPlacesThatCannotBeWritten)
           << qPrintable(error.getMessage());
     }
   }
+  try {
+    files.reserve({folder.path("file/inside.csv")});
+  } catch (const NbeUserError &error) {
+    EXPECT_TRUE(error.getMessage().endsWith("file is no folder")) << qPrintable(error.getMessage());
+  }
   files.discard();
   EXPECT_EQ(folder.list(), (QStringList{"file", "taken.csv"}));
   OutputFiles longest;
