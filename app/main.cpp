@@ -1,15 +1,19 @@
 #include "app/commands/Program.h"
 #include "app/console/Console.h"
 #include "app/console/Interruption.h"
+#include "app/io/GdalMessages.h"
 #include "app/io/NetcdfWriter.h"
 
 #include <QApplication>
 
+#include <fcntl.h>
 #include <langinfo.h>
 #include <malloc.h>
+#include <unistd.h>
 
 #include <clocale>
 #include <cstdio>
+#include <cstdlib>
 
 namespace {
 
@@ -38,10 +42,21 @@ void keepFreedMemory()
   mallopt(M_TRIM_THRESHOLD, 1 << 30);
 }
 
+/// A file that the program opens would take the place of a standard stream that is closed, and what
+/// is printed would go into it.
+void openStandardStreams()
+{
+  for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
+    if (fcntl(descriptor, F_GETFD) < 0 && open("/dev/null", O_RDWR) < 0)
+      std::abort();
+  }
+}
+
 }  // namespace
 
 int main(int argc, char **argv)
 {
+  openStandardStreams();
   qputenv("QT_QPA_PLATFORM", "offscreen");  // pictures are drawn without a display
   keepFreedMemory();
   requireUtf8();
@@ -49,6 +64,7 @@ int main(int argc, char **argv)
   const QApplication application(argc, argv);
   std::setlocale(LC_NUMERIC, "C");
   orvenal::Interruption::install();
+  orvenal::logGdalMessages();
   orvenal::prepareNetcdf();
   orvenal::Console console;
   return orvenal::Program().run(application.arguments().mid(1), console);

@@ -56,7 +56,7 @@ JobWishes readWishes(const QCommandLineParser &parser)
 
 void write(const QString &path, const QString &text, bool overwrite)
 {
-  if (QFileInfo::exists(path) && !overwrite)
+  if (QFileInfo(path).isFile() && !overwrite)
     throw NbeUserError(
         QObject::tr("%1 exists; --overwrite replaces it, -o names another file").arg(path));
   OutputFiles files(overwrite ? OutputFiles::REPLACE : OutputFiles::REFUSE);

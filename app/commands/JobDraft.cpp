@@ -1,6 +1,8 @@
 #include "app/commands/JobDraft.h"
 
+#include "app/base/UsageError.h"
 #include "app/commands/JobOptions.h"
+#include "app/io/TableReader.h"
 #include "app/job/DataReader.h"
 #include "app/job/JobError.h"
 #include "app/job/JobObject.h"
@@ -8,6 +10,7 @@
 #include "app/job/JsonPath.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -26,6 +29,30 @@ QJsonValue toValue(const QString &text)
   return list.size() == 1 ? list.first() : QJsonValue(text);
 }
 
+/// Whether a file that is no job holds a table, of several columns if it is a text.
+bool isTable(const QString &path)
+{
+  QFile file(path);
+  if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+    return false;
+  const QByteArray head = file.read(1024).trimmed();
+  if (head.startsWith('{') || head.startsWith('/'))
+    return false;
+  try {
+    return TableReader::listLayers(path, path, TableFormat()).size() > 1 ||
+           TableReader::open(path, path, TableFormat())->getColumns().size() > 1;
+  } catch (const NbeUserError &) {
+    return false;
+  }
+}
+
+[[noreturn]] void failTable(const QString &path)
+{
+  throw UsageError(
+      QObject::tr("%1 looks like a table, not a job; for a job to start with: orvenal init %1")
+          .arg(path));
+}
+
 }  // namespace
 
 bool isJobFile(const QString &file)
@@ -36,19 +63,29 @@ bool isJobFile(const QString &file)
 
 JobDraft JobDraft::ofJob(const QString &path)
 {
-  return JobDraft(path, readJobRoot(path), false);
+  try {
+    const QByteArray text = readJobText(path);
+    const QJsonObject root = parseJobRoot(path, text);
+    if (root.contains(QStringLiteral("features")))
+      failTable(path);
+    return JobDraft(path, text, root);
+  } catch (const UsageError &) {
+    if (isTable(path))
+      failTable(path);
+    throw;
+  }
 }
 
 JobDraft JobDraft::ofData(const QString &path)
 {
-  JobDraft draft(QStringLiteral("job.json"), QJsonObject(), true);
+  JobDraft draft(QStringLiteral("job.json"), QByteArray(), QJsonObject());
   draft.setDefault(QStringLiteral("title"), QFileInfo(path).completeBaseName());
   draft.setDefault(QStringLiteral("data.file"), path);
   return draft;
 }
 
-JobDraft::JobDraft(const QString &path, const QJsonObject &root, bool isOfData)
-    : _path(path), _root(root), _isOfData(isOfData)
+JobDraft::JobDraft(const QString &path, const QByteArray &text, const QJsonObject &root)
+    : _path(path), _text(text), _root(root)
 {
 }
 
@@ -60,7 +97,8 @@ QJsonValue JobDraft::get(const QString &path) const
 bool JobDraft::isGiven(const QString &path) const
 {
   for (auto origin = _origins.begin(); origin != _origins.end(); ++origin) {
-    if (isWithin(origin.key(), path) && has(origin.key()))
+    const bool isPart = isWithin(origin.key(), path);
+    if (has(isPart ? origin.key() : path) && (isPart || isWithin(path, origin.key())))
       return true;
   }
   return false;
@@ -113,7 +151,7 @@ void JobDraft::keepOutputs(const QStringList &keys)
 
 QString JobDraft::toJobPath(const QString &file) const
 {
-  const bool isRelative = _isOfData && !has(QStringLiteral("output.directory"));
+  const bool isRelative = isOfData() && !has(QStringLiteral("output.directory"));
   return isRelative ? file : QDir::current().absoluteFilePath(file);
 }
 
@@ -141,7 +179,7 @@ Job JobDraft::readData() const
 Job JobDraft::read() const
 {
   if (!_isChanged)
-    return readJob(_path);
+    return parseJob(_path, _text);
   try {
     return parseJob(_path, getText());
   } catch (const JobError &error) {
@@ -159,11 +197,11 @@ void JobDraft::_fail(const JobError &error) const
   const QString option = _findOption(error.getPath());
   if (option.isEmpty())
     throw error;
-  if (_isOfData && error.getPath() == QLatin1String("data.file"))
+  if (isOfData() && error.getPath() == QLatin1String("data.file"))
     throw UsageError(error.getReason());
   throw UsageError(
       QStringLiteral("%1: %2").arg(option, error.getReason()) +
-      (_isOfData ? QString() : QStringLiteral(" (%1: %2)").arg(_path, error.getPath())));
+      (isOfData() ? QString() : QStringLiteral(" (%1: %2)").arg(_path, error.getPath())));
 }
 
 QString JobDraft::_findOption(const QString &path) const
@@ -176,7 +214,7 @@ QString JobDraft::_findOption(const QString &path) const
     if (isWithin(origin.key(), path) && origin.value().startsWith(QLatin1String("--set")))
       return origin.value();  // it has made what is wrong
   }
-  if (!_isOfData)
+  if (!isOfData())
     return QString();
   for (const JobOption &option : jobOptions()) {
     if (isWithin(path, option.path) || isWithin(option.path, path))

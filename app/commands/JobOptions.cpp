@@ -129,7 +129,10 @@ const Row table[] = {
      "all samples are used everywhere", nullptr,
      "neighborhood.radius neighborhood.radii neighborhood.azimuth neighborhood.dip "
      "neighborhood.pitch neighborhood.maximum neighborhood.minimum neighborhood.sectors "
-     "neighborhood.split neighborhood.perSector"},
+     "neighborhood.split neighborhood.perSector neighborhood.shape neighborhood.distances "
+     "neighborhood.gap neighborhood.nearest neighborhood.emptySectors "
+     "neighborhood.emptySectorsInARow neighborhood.lines neighborhood.highValues "
+     "neighborhood.lowValues neighborhood.variables neighborhood.passes"},
 
     {JobOption::KRIGING, "mode", "NAME", JobOption::TEXT, "kriging.mode",
      "what is known of the mean", "ordinary", nullptr},
@@ -144,7 +147,7 @@ const Row table[] = {
     {JobOption::CROSS_VALIDATION, "leave-out", "WHAT", JobOption::TEXT, "crossValidation.leaveOut",
      "what is not used around a sample", "sample", nullptr},
     {JobOption::CROSS_VALIDATION, "line", "COLUMN", JobOption::TEXT, "crossValidation.line",
-     "column with the numbers of lines", nullptr, nullptr},
+     "column that tells the lines of samples", nullptr, nullptr},
     {JobOption::CROSS_VALIDATION, "ball-radius", "LENGTH", JobOption::NUMBER,
      "crossValidation.radius", "radius of the ball that is left out", nullptr, nullptr},
     {JobOption::CROSS_VALIDATION, "xvalid-table", "FILE", JobOption::FILE,

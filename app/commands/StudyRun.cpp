@@ -1,10 +1,10 @@
 #include "app/commands/StudyRun.h"
 
 #include "app/base/NumberText.h"
+#include "app/base/PathText.h"
 #include "app/console/Console.h"
 #include "app/console/Interruption.h"
 #include "app/io/GridWriter.h"
-#include "app/io/SpatialReference.h"
 #include "app/job/ModelFile.h"
 #include "app/plot/CrossValidationPicture.h"
 #include "app/plot/HistogramPicture.h"
@@ -20,6 +20,7 @@
 #include "app/report/StudyReport.h"
 #include "app/report/VariogramCsvWriter.h"
 #include "app/study/DataChecks.h"
+#include "app/study/FitWarnings.h"
 #include "app/study/References.h"
 #include "app/study/Statistics.h"
 #include "app/study/VariogramMap.h"
@@ -27,7 +28,6 @@
 #include "basic/provider/NbpMemoryProviderPointsW.h"
 #include "geos/data/NgdDataSetPoints.h"
 
-#include <QDir>
 #include <QJsonDocument>
 #include <QObject>
 
@@ -140,13 +140,11 @@ void StudyRun::_drawSamples()
   if (output.dataMap.isEmpty() && output.dataHistogram.isEmpty() && output.report.isEmpty())
     return;
   const Picture map = drawSampleMap(_result.samples, sampleMapStyle(job, job.variable.getLabel()));
-  _result.dataMap = map.toPng();
-  _writePicture(output.dataMap, map);
+  _result.dataMap = _savePicture(output.dataMap, map);
   Interruption::check();
   const Picture histogram = drawHistogram(_result.samples.value, _result.sampleStatistics,
                                           job.title, job.variable.getLabel());
-  _result.dataHistogram = histogram.toPng();
-  _writePicture(output.dataHistogram, histogram);
+  _result.dataHistogram = _savePicture(output.dataHistogram, histogram);
   _endStep(QObject::tr("Pictures of the samples"));
 }
 
@@ -165,12 +163,8 @@ void StudyRun::_fitModel()
   job.model = _result.fit->model;
   job.hasModel = true;
   _console.print(QObject::tr("  fitted   %1").arg(Describe::model(job)));
-  if (job.model.getNStructures() == 0)
-    _console.warn(
-        QObject::tr("the fit found a nugget effect and no structure: as far as the "
-                    "variograms tell, near samples are no more alike than distant ones"));
-  if (!_result.fit->hasConverged)
-    _console.warn(QObject::tr("the fit of the model stopped before it converged"));
+  for (const QString &warning : fitWarnings(job, _result.variography, *_result.fit))
+    _console.warn(warning);
   _endStep(QObject::tr("Fit of the model"));
 }
 
@@ -181,15 +175,13 @@ void StudyRun::_drawVariogramMap(const VariogramStyle &style)
   if (!job.output.variogramMap.isEmpty()) {
     const Picture picture =
         drawVariogramMap(computeVariogramMap(job, _result.samples, _samples, _context), style);
-    _result.variogramMap = picture.toPng();
-    _writePicture(job.output.variogramMap, picture);
+    _result.variogramMap = _savePicture(job.output.variogramMap, picture);
   }
   if (!job.output.variogramCloud.isEmpty()) {
     const Picture picture = drawVariogramCloud(
         computeVariogramCloud(job, _result.samples, _samples, _result.variableStatistics, _context),
         style);
-    _result.variogramCloud = picture.toPng();
-    _writePicture(job.output.variogramCloud, picture);
+    _result.variogramCloud = _savePicture(job.output.variogramCloud, picture);
   }
 }
 
@@ -212,13 +204,11 @@ void StudyRun::_drawCrossValidation()
     return;
   const Picture picture = drawCrossValidation(_result.crossValidation, _result.samples.value,
                                               job.title, job.variable.getLabel());
-  _result.crossValidationPicture = picture.toPng();
-  _writePicture(job.output.crossValidationPicture, picture);
+  _result.crossValidationPicture = _savePicture(job.output.crossValidationPicture, picture);
   const Picture map = drawErrorMap(
       _result.samples, _result.crossValidation.standardizedError,
       sampleMapStyle(job, QObject::tr("Standardized error of %1").arg(job.variable.name)));
-  _result.crossValidationMap = map.toPng();
-  _writePicture(job.output.crossValidationMap, map);
+  _result.crossValidationMap = _savePicture(job.output.crossValidationMap, map);
   _endStep(QObject::tr("Pictures of the cross-validation"));
 }
 
@@ -243,8 +233,7 @@ void StudyRun::_drawVariograms()
   style.model = job.hasModel && _result.variography.isVariogram ? &job.model : nullptr;
   if (!job.output.variogramPicture.isEmpty() || !job.output.report.isEmpty()) {
     const Picture picture = drawVariograms(_result.variography, style);
-    _result.variogramPicture = picture.toPng();
-    _writePicture(job.output.variogramPicture, picture);
+    _result.variogramPicture = _savePicture(job.output.variogramPicture, picture);
   }
   _drawVariogramMap(style);
   _endStep(job.output.variogramMap.isEmpty() && job.output.variogramCloud.isEmpty()
@@ -267,29 +256,33 @@ void StudyRun::_drawMaps()
   style.valueLabel = Describe::estimateLabel(job);
   style.coloredSamples = true;
   const Picture estimate = drawResult(grid, grid.estimate, _result, style);
-  _result.estimateMap = estimate.toPng();
-  _writePicture(job.output.estimateMap, estimate);
+  _result.estimateMap = _savePicture(job.output.estimateMap, estimate);
   Interruption::check();
   style.valueLabel = Describe::deviationLabel(job);
   style.isDeviation = true;
   style.coloredSamples = false;
   const Picture deviation = drawResult(grid, grid.deviation, _result, style);
-  _result.deviationMap = deviation.toPng();
-  _writePicture(job.output.deviationMap, deviation);
+  _result.deviationMap = _savePicture(job.output.deviationMap, deviation);
   _endStep(QObject::tr("Maps"));
 }
 
-void StudyRun::_writePicture(const QString &file, const Picture &picture)
+/// Writes a picture where it is wanted. Encoding it takes longer than all else: it is done once for
+/// file and report.
+QByteArray StudyRun::_savePicture(const QString &file, const Picture &picture)
 {
+  const bool isSvg = file.endsWith(QLatin1String(".svg"), Qt::CaseInsensitive);
+  const bool needsPng = !_result.job.output.report.isEmpty() || (!file.isEmpty() && !isSvg);
+  const QByteArray png = needsPng ? picture.toPng() : QByteArray();
   if (!file.isEmpty())
-    _files.write(file, picture.toBytes(file));
+    _files.write(file, isSvg ? picture.toSvg() : png);
+  return png;
 }
 
 void StudyRun::_writeFiles()
 {
   const JobOutput &output = _result.job.output;
   for (const QString &file : output.grids)
-    writeGrid(_files.getTemporaryPath(file), file,
+    writeGrid(_files.getTemporaryPath(file), shownPath(file),
               gridTableOf(_result.job, _result.estimation->grid));
   if (!output.variogramTable.isEmpty())
     _files.write(output.variogramTable, variogramCsv(_result.variography, _result.job));
@@ -298,8 +291,8 @@ void StudyRun::_writeFiles()
                  modelToBytes(output.fittedModel, _result.job.model, _result.job.getNDimensions()));
   if (!output.crossValidationTable.isEmpty())
     writeCrossValidation(_files.getTemporaryPath(output.crossValidationTable),
-                         output.crossValidationTable, _result.crossValidation, _result.samples,
-                         _result.job);
+                         shownPath(output.crossValidationTable), _result.crossValidation,
+                         _result.samples, _result.job);
   _endStep(QObject::tr("Writing"));
   _result.warnings = _console.getWarnings();
   if (!output.report.isEmpty())
@@ -309,7 +302,7 @@ void StudyRun::_writeFiles()
   Interruption::check();
   _files.commit();
   for (const QString &file : output.getFiles())
-    _console.print(QObject::tr("written: %1").arg(QDir::current().relativeFilePath(file)));
+    _console.print(QObject::tr("written: %1").arg(shownPath(file)));
 }
 
 void StudyRun::_warnOfData()
@@ -319,8 +312,8 @@ void StudyRun::_warnOfData()
   if (samples.nUndefined > 0)
     _console.report(
         QObject::tr("  %1 of the samples have no value").arg(groupedText(samples.nUndefined)));
-  if (const QString note = DataChecks::looksLikeDegrees(job, samples); !note.isEmpty())
-    _console.report(QObject::tr("  note: ") + note);
+  if (const QString degrees = DataChecks::seemsToBeDegrees(job, samples); !degrees.isEmpty())
+    _console.warn(degrees);
   if (_isToDo(Step::KRIGING)) {
     if (const QString miss = DataChecks::gridMissesSamples(job, samples); !miss.isEmpty())
       _console.warn(miss);
@@ -328,11 +321,6 @@ void StudyRun::_warnOfData()
   if (_result.nMaskOutside > 0)
     _console.warn(QObject::tr("%1 points of %2 are outside the grid")
                       .arg(groupedText(_result.nMaskOutside), job.mask->shown));
-  QString reason;
-  if (!job.crs.isEmpty() && SpatialReference::parse(job.crs, reason).isGeographic())
-    _console.warn(
-        QObject::tr("the coordinates are degrees: a degree of longitude is shorter than "
-                    "one of latitude, and distances are measured as if they were equal"));
 }
 
 /// Samples at one place have equal rows in the systems of kriging, unless something tells them

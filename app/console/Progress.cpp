@@ -23,7 +23,10 @@ constexpr unsigned long pollMilliseconds = 50;
 /// One line names all: the parts by which a failure text is built end with line breaks.
 void throwFailure(const NbcAProgress &calculator)
 {
-  throw NbeError(calculator.getErrorType(), calculator.getErrorMessage().trimmed());
+  QString message = calculator.getErrorMessage().trimmed();
+  if (calculator.getErrorType() == NbeError::MEMORY)
+    message += QObject::tr("\n--memory, or \"memory\" in the job, gives it more");
+  throw NbeError(calculator.getErrorType(), message);
 }
 
 }  // namespace

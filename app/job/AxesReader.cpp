@@ -16,6 +16,16 @@ double readAngle(const JobObject &object, const QString &key)
   return object.has(key) ? object.number(key) : 0.;
 }
 
+void refuseInclination(const JobObject &object, int nDimensions)
+{
+  if (nDimensions > 2)
+    return;
+  for (const QString &key : {QStringLiteral("dip"), QStringLiteral("pitch")}) {
+    if (object.has(key))
+      object.fail(key, QObject::tr("has a meaning in three dimensions only"));
+  }
+}
+
 }  // namespace
 
 QStringList angleKeys()
@@ -23,14 +33,18 @@ QStringList angleKeys()
   return {QStringLiteral("azimuth"), QStringLiteral("dip"), QStringLiteral("pitch")};
 }
 
+NbgRotation readTurn(const JobObject &object, int nDimensions)
+{
+  refuseInclination(object, nDimensions);
+  const double azimuth = Compass::toAzimuth(readAngle(object, QStringLiteral("azimuth")),
+                                            object.getConventions().angles);
+  return Compass::frame(azimuth, readAngle(object, QStringLiteral("dip")),
+                        readAngle(object, QStringLiteral("pitch")));
+}
+
 NbgRotation readFrame(const JobObject &object, int nDimensions, bool needed)
 {
-  if (nDimensions < 3) {
-    for (const QString &key : {QStringLiteral("dip"), QStringLiteral("pitch")}) {
-      if (object.has(key))
-        object.fail(key, QObject::tr("has a meaning in three dimensions only"));
-    }
-  }
+  refuseInclination(object, nDimensions);
   const bool isAzimuth = object.getConventions().angles == AngleConvention::AZIMUTH;
   if (needed && !object.has(QStringLiteral("azimuth")))
     object.fail(QStringLiteral("azimuth"),
@@ -42,10 +56,7 @@ NbgRotation readFrame(const JobObject &object, int nDimensions, bool needed)
   const QStringList keys = angleKeys();
   if (std::none_of(keys.begin(), keys.end(), [&](const QString &key) { return object.has(key); }))
     return NbgRotation();
-  const double azimuth = Compass::toAzimuth(readAngle(object, QStringLiteral("azimuth")),
-                                            object.getConventions().angles);
-  return Compass::frame(azimuth, readAngle(object, QStringLiteral("dip")),
-                        readAngle(object, QStringLiteral("pitch")));
+  return readTurn(object, nDimensions);
 }
 
 NbgVector3D readLengths(const JobObject &object, const QString &single, const QString &list,

@@ -19,6 +19,9 @@ QStringList angleKeys();
 /// has to be given.
 NbgRotation readFrame(const JobObject &object, int nDimensions, bool needed);
 
+/// The same, angles that are not given being 0: the frame of what has axes though it is round.
+NbgRotation readTurn(const JobObject &object, int nDimensions);
+
 /// Lengths along the axes U, V and W: one number for all of them under `single`, or a list with one
 /// per dimension under `list`. In two dimensions the third length is the larger of the others.
 NbgVector3D readLengths(const JobObject &object, const QString &single, const QString &list,

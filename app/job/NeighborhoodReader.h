@@ -1,10 +1,10 @@
 #pragma once
 
+#include "app/study/NeighborhoodRequest.h"
+
 #include <QStringList>
 
 #include <optional>
-
-class NgmNeighborhoodMoving;
 
 namespace orvenal {
 
@@ -14,7 +14,7 @@ class JobObject;
 QStringList neighborhoodKeys();
 
 /// The moving neighborhood; empty for the unique one.
-std::optional<NgmNeighborhoodMoving> readNeighborhood(const JobObject &neighborhood,
-                                                      int nDimensions);
+std::optional<NeighborhoodRequest> readNeighborhood(const JobObject &neighborhood, int nDimensions,
+                                                    int nVariables);
 
 }  // namespace orvenal

@@ -57,9 +57,4 @@ QByteArray Picture::toSvg() const
   return bytes;
 }
 
-QByteArray Picture::toBytes(const QString &file) const
-{
-  return file.endsWith(QLatin1String(".svg"), Qt::CaseInsensitive) ? toSvg() : toPng();
-}
-
 }  // namespace orvenal

@@ -56,6 +56,88 @@ QString shortLabel(const QString &label)
   return shortened(label, widest);
 }
 
+QString capText(const NgcECutoffMode &mode, double threshold, const NbgVector3D &radii,
+                const Job &job)
+{
+  const QString what = mode == NgcECutoffMode::CUTOFF_REPLACE  ? QObject::tr("capped to %1")
+                       : mode == NgcECutoffMode::CUTOFF_REMOVE ? QObject::tr("left out beyond %1")
+                                                               : QObject::tr("ignored beyond %1");
+  const QString text = what.arg(numberText(threshold));
+  if (radii == NbgVector3D())
+    return text;
+  QStringList lengths;
+  for (int axis = 0; axis < job.getNDimensions(); ++axis)
+    lengths << lengthText(radii[axis], job.lengthUnit);
+  lengths.removeDuplicates();
+  return text + QObject::tr(", farther than %1 from the node").arg(times(lengths));
+}
+
+void addLineRules(const NeighborhoodRequest &request, QVector<QPair<QString, QString>> &rows)
+{
+  const NgmNeighborhoodMoving &moving = request.moving;
+  const auto add = [&rows](bool isOn, const QString &name, int value) {
+    if (isOn)
+      rows.append({name, QString::number(value)});
+  };
+  if (!request.line.isEmpty())
+    rows.append({QObject::tr("Lines"), QObject::tr("column \"%1\"").arg(request.line)});
+  add(moving.isRuleMaximumPerCode(), QObject::tr("Samples of a line, at most"),
+      moving.getMaximumPerCode());
+  add(moving.isRuleOptimumPerCode(), QObject::tr("Samples of a line, before others give more"),
+      moving.getOptimumPerCode());
+  add(moving.isRuleMinimumCodeNb(), QObject::tr("Lines, at least"), moving.getMinimumCodeNb());
+  add(moving.isRuleMaximumCodeNb(), QObject::tr("Lines, at most"), moving.getMaximumCodeNb());
+}
+
+void addRules(const Job &job, QVector<QPair<QString, QString>> &rows)
+{
+  const NgmNeighborhoodMoving &moving = job.neighborhood->moving;
+  if (moving.isRectangular())
+    rows.append({QObject::tr("Shape"), QObject::tr("the box around the ellipsoid")});
+  if (moving.isRuleAnisotropicDistances())
+    rows.append(
+        {QObject::tr("Nearest samples"), QObject::tr("by distances in units of the radii")});
+  if (moving.isRuleMinimumGap())
+    rows.append({QObject::tr("Distance between samples, at least"),
+                 lengthText(moving.getMinimumGap(), job.lengthUnit)});
+  if (moving.isRuleMaximumDistanceWithoutAnySample())
+    rows.append({QObject::tr("Distance of the nearest sample, at most"),
+                 lengthText(moving.getMaximumDistanceWithoutAnySample(), job.lengthUnit)});
+  if (moving.isRuleMaximumEmptySectors())
+    rows.append({moving.isRuleMaximumEmptySectorsConsecutive()
+                     ? QObject::tr("Empty sectors in a row, at most")
+                     : QObject::tr("Empty sectors, at most"),
+                 QString::number(moving.getMaximumEmptySectors())});
+  addLineRules(*job.neighborhood, rows);
+  if (moving.isRuleCutLarge())
+    rows.append({QObject::tr("High values"),
+                 capText(moving.getCutLargeMode(), moving.getCutLargeThreshold(),
+                         moving.getCutLargeDistance(), job)});
+  if (moving.isRuleCutSmall())
+    rows.append(
+        {QObject::tr("Low values"), capText(moving.getCutSmallMode(), moving.getCutSmallThreshold(),
+                                            moving.getCutSmallDistance(), job)});
+  if (moving.isRuleHeterotopicSearch() || moving.isRuleIsotopicSearch())
+    rows.append({QObject::tr("Variables"), moving.isRuleIsotopicSearch()
+                                               ? QObject::tr("samples that have all of them")
+                                               : QObject::tr("each of them in every sector")});
+}
+
+void addPasses(const Job &job, QVector<QPair<QString, QString>> &rows)
+{
+  double factor = 1.;
+  int number = 2;
+  for (const NgmNeighborhoodNestedParam &pass : job.neighborhood->passes) {
+    factor *= pass.factor.x();
+    QStringList parts = {QObject::tr("radii times %1").arg(numberText(factor))};
+    if (pass.minimum >= 0)
+      parts << QObject::tr("at least %1 samples").arg(pass.minimum);
+    if (pass.maximumPerSector >= 0)
+      parts << QObject::tr("at most %1 in each sector").arg(pass.maximumPerSector);
+    rows.append({QObject::tr("Pass %1").arg(number++), parts.join(QStringLiteral(", "))});
+  }
+}
+
 /// "Spherical of sill 0.59"; see sillRows() for the sills of several variables.
 QString structureWithSill(const NgmVModel &model, int index)
 {
@@ -231,10 +313,14 @@ QString Describe::grid(const Job &job)
   QString text = QObject::tr("%1 nodes, cells of %2").arg(times(nodes), times(sizes));
   if (!job.lengthUnit.isEmpty())
     text += ' ' + job.lengthUnit;
-  if (!job.grid.getRotation().isIdentity())
-    text += QObject::tr(", rows towards %1")
-                .arg(Compass::describe(job.grid.getRotation().getAxisY(), 2));
-  return text;
+  return text + turn(job.grid);
+}
+
+QString Describe::turn(const NbgGeomGrid &grid)
+{
+  if (grid.getRotation().isIdentity())
+    return QString();
+  return QObject::tr(", rows towards %1").arg(Compass::describe(grid.getRotation().getAxisY(), 2));
 }
 
 QString Describe::model(const Job &job)
@@ -306,7 +392,7 @@ QVector<QPair<QString, QString>> Describe::neighborhood(const Job &job)
 {
   if (!job.neighborhood)
     return {{QObject::tr("Type"), QObject::tr("unique: every node uses all samples")}};
-  const NgmNeighborhoodMoving &moving = *job.neighborhood;
+  const NgmNeighborhoodMoving &moving = job.neighborhood->moving;
   QVector<QPair<QString, QString>> rows = {
       {QObject::tr("Type"), QObject::tr("moving: each node uses the samples nearest to it")}};
   addEllipsoid(moving, job, rows);
@@ -319,6 +405,8 @@ QVector<QPair<QString, QString>> Describe::neighborhood(const Job &job)
              .arg(QString::number(moving.getSectorsNumber()),
                   moving.isSplitSectors() ? QObject::tr(", split at the node's level") : QString(),
                   QString::number(moving.getMaximumNumberPerSector()))});
+  addRules(job, rows);
+  addPasses(job, rows);
   return rows;
 }
 

@@ -39,6 +39,9 @@ QString deviationLabel(const Job &job);
 QString method(const Job &job);
 QString grid(const Job &job);
 
+/// ", rows towards azimuth 30°", or nothing for a grid along the axes.
+QString turn(const NbgGeomGrid &grid);
+
 /// "nugget 0.05 + Spherical of sill 0.59, range 897 m"; without sills for several variables.
 QString model(const Job &job);
 

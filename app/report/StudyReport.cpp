@@ -11,6 +11,7 @@
 #include "basic/base/NbbHtml.h"
 #include "basic/base/NbbHtmlTable.h"
 #include "basic/base/NbbSysInfo.h"
+#include "basic/error/NbeUserError.h"
 #include "basic/geom/NbgBox.h"
 #include "geos/vmodel/NgmAVStruct.h"
 
@@ -436,16 +437,30 @@ void addInput(const QString &shown, const QString &path, NbbHtmlTable &table)
                {{}, {}, html});
 }
 
+/// A row for each file of a table.
+void addTable(const JobTable &input, NbbHtmlTable &table)
+{
+  QStringList files = {input.file};
+  try {
+    files = TableReader::listFiles(input.file, input.shown, input.format);
+  } catch (const NbeUserError &) {
+    // It has gone since it was read.
+  }
+  const QString folder = input.shown.left(input.shown.lastIndexOf('/') + 1);
+  for (const QString &file : files)
+    addInput(folder + QFileInfo(file).fileName(), file, table);
+}
+
 /// What it takes to repeat the study: the program, the inputs to the byte, and the job.
 QString repetition(const StudyResult &result)
 {
   const Job &job = result.job;
   NbbHtmlTable inputs;
   inputs.setColumnHeader({QObject::tr("Input"), QObject::tr("Size"), QObject::tr("SHA-256")});
-  addInput(job.data.shown, job.data.file, inputs);
+  addTable(job.data, inputs);
   for (const std::optional<JobTable> &table : {job.mask, job.gridValues, job.faults}) {
     if (table)
-      addInput(table->shown, table->file, inputs);
+      addTable(*table, inputs);
   }
   if (!job.modelFile.isEmpty())
     addInput(QFileInfo(job.modelFile).fileName(), job.modelFile, inputs);

@@ -4,6 +4,9 @@
 
 #include <QRegularExpression>
 
+#include <algorithm>
+#include <iterator>
+
 namespace orvenal {
 
 namespace {
@@ -25,8 +28,8 @@ QString bareName(const QString &name)
 /// Pairs of names in order of preference: a table with x, y, lon and lat is placed by x and y.
 struct Pair
 {
-  const char *x;
-  const char *y;
+  const char *const x;
+  const char *const y;
   bool isGeographic;
 };
 const Pair pairs[] = {{"x", "y", false},
@@ -49,7 +52,11 @@ const Pair pairs[] = {{"x", "y", false},
                       {"lng", "lat", true},
                       {"decimallongitude", "decimallatitude", true},
                       {"l\u00E4nge", "breite", true},
-                      {"laenge", "breite", true}};
+                      {"laenge", "breite", true},
+                      {"longitud", "latitud", true},
+                      {"longitudine", "latitudine", true},
+                      {"l\u00E4ngengrad", "breitengrad", true},
+                      {"lengtegraad", "breedtegraad", true}};
 const char *const heights[] = {"z",       "elevation", "elev",      "altitude", "alt", "height",
                                "rl",      "zcentre",   "zcenter",   "zc",       "zm",  "cota",
                                "hauteur", "hoehe",     "h\u00F6he", "depth"};
@@ -57,6 +64,16 @@ const char *const heights[] = {"z",       "elevation", "elev",      "altitude", 
 int indexOf(const QStringList &bareNames, const char *name)
 {
   return bareNames.indexOf(QString::fromUtf8(name));
+}
+
+/// Whether one of the words of a name is that of longitudes (or latitudes): "lon_dd", "GPS lat".
+bool hasGeographicWord(const QString &name, const char *const(Pair::*side))
+{
+  static const QRegularExpression other(QStringLiteral("[^\\p{L}]+"));
+  const QStringList words = name.toLower().split(other);
+  return std::any_of(std::begin(pairs), std::end(pairs), [&](const Pair &pair) {
+    return pair.isGeographic && words.contains(QString::fromUtf8(pair.*side));
+  });
 }
 
 /// Running numbers, codes and the like, by their names.
@@ -68,6 +85,20 @@ bool isIdentifier(const QString &name)
           "sample|station|hole|holeid|bhid|line|year|date|time|from|to)($|[^\\p{L}])"),
       QRegularExpression::CaseInsensitiveOption);
   return pattern.match(name).hasMatch();
+}
+
+/// A coordinate by its name, of another system than the one that is used. Letters alone, but those
+/// of the fields of a layer, may be elements (N).
+bool isPlace(const QString &name)
+{
+  static const QRegularExpression field(QStringLiteral("^[xyz] \\(field\\)$"));
+  const QString bare = bareName(name);
+  const auto isThis = [&bare](const char *known) { return bare == QString::fromUtf8(known); };
+  if (field.match(name).hasMatch() || std::any_of(std::begin(heights), std::end(heights), isThis))
+    return true;
+  return bare.size() > 1 && std::any_of(std::begin(pairs), std::end(pairs), [&](const Pair &pair) {
+           return isThis(pair.x) || isThis(pair.y);
+         });
 }
 
 }  // namespace
@@ -93,6 +124,12 @@ CoordinateColumns guessCoordinates(const QStringList &columns)
   return found;
 }
 
+bool areNamedLikeDegrees(const QString &x, const QString &y)
+{
+  return (hasGeographicWord(x, &Pair::x) && hasGeographicWord(y, &Pair::y)) ||
+         (hasGeographicWord(x, &Pair::y) && hasGeographicWord(y, &Pair::x));
+}
+
 bool holdsNumbers(const ColumnSummary &column)
 {
   return column.getType() == ColumnSummary::NUMBERS ||
@@ -102,18 +139,36 @@ bool holdsNumbers(const ColumnSummary &column)
 
 int guessVariable(const TableSummary &summary)
 {
+  enum Rank { MEASURED, PLACE, IDENTIFIER, NOTHING };
   const CoordinateColumns &taken = summary.coordinates;
-  int withAnyName = -1;
+  int best = -1;
+  Rank bestRank = NOTHING;
   for (int i = 0; i < summary.columns.size(); ++i) {
     const ColumnSummary &column = summary.columns[i];
     const bool isTaken = i == taken.x || i == taken.y || i == taken.z;
     if (isTaken || !holdsNumbers(column) || column.minimum == column.maximum)
       continue;
-    if (!isIdentifier(column.name))
-      return i;
-    withAnyName = withAnyName < 0 ? i : withAnyName;
+    const Rank rank = isIdentifier(column.name) ? IDENTIFIER
+                      : isPlace(column.name)    ? PLACE
+                                                : MEASURED;
+    if (rank >= bestRank)
+      continue;
+    best = i;
+    bestRank = rank;
   }
-  return withAnyName;
+  return best;
+}
+
+int guessLine(const QStringList &columns)
+{
+  static const QRegularExpression pattern(
+      QStringLiteral("^(hole|bh|dh|ddh|borehole|drillhole|drill|well|sondage|forage|bohrung|sondeo)"
+                     "(id|no|nr|num|number|name|code)?$"));
+  for (int i = 0; i < columns.size(); ++i) {
+    if (pattern.match(bareName(columns[i])).hasMatch())
+      return i;
+  }
+  return -1;
 }
 
 }  // namespace orvenal

@@ -25,11 +25,19 @@ struct CoordinateColumns
 /// X and y always come from one pair of names.
 CoordinateColumns guessCoordinates(const QStringList &columns);
 
+/// Whether two columns of coordinates are named longitude and latitude, in either order and in one
+/// of several languages; other words may stand beside these: "GPS lat", "lon_wgs84".
+bool areNamedLikeDegrees(const QString &x, const QString &y);
+
 /// Numbers, and besides them at most texts that look as if they stood for undefined values.
 bool holdsNumbers(const ColumnSummary &column);
 
 /// The column that is most likely the variable of a study: the first one of numbers that is no
-/// coordinate, no running number or code and not constant; -1 when there is none.
+/// coordinate (of another system neither, if there is a better one), no running number or code and
+/// not constant; -1 when there is none.
 int guessVariable(const TableSummary &summary);
+
+/// The column that names the borehole of a sample, by its name; -1 when there is none.
+int guessLine(const QStringList &columns);
 
 }  // namespace orvenal

@@ -61,7 +61,7 @@ NgdDataSetPoints makeInput(const Job &job, const ValidationFile &file)
   NgdDataSetPoints input = makeSampleDataSet(job, file.provider);
   if (job.crossValidation->leaveOut == CrossValidationRequest::LINE)
     input.assignVariable(Nbd::Role::OBJECT_ID,
-                         file.provider->getIdFromName(auxiliaryName(job.crossValidation->line)));
+                         file.provider->getIdFromName(lineName(job.crossValidation->line)));
   return input;
 }
 
@@ -81,12 +81,12 @@ NgdDataSetPoints makeOutput(const Job &job, const ValidationFile &file)
 }
 
 /// All samples, wherever the target is.
-NgmNeighborhoodMoving everything(const Samples &samples)
+NeighborhoodRequest everything(const Samples &samples)
 {
   const double radius = 2. * std::max(samples.getDiagonal(), 1.);
-  NgmNeighborhoodMoving neighborhood;
-  neighborhood.setEllipseSize(NbgVector3D(radius, radius, radius));
-  neighborhood.setSectors(1, int(samples.getCount()), false);
+  NeighborhoodRequest neighborhood;
+  neighborhood.moving.setEllipseSize(NbgVector3D(radius, radius, radius));
+  neighborhood.moving.setSectors(1, int(samples.getCount()), false);
   return neighborhood;
 }
 
@@ -120,7 +120,7 @@ CrossValidation crossValidate(const Job &job, const Samples &samples, const RunC
   validation.setInputDataSet(makeInput(job, file));
   validation.setOutputDataSet(makeOutput(job, file));
   configureKriging(validation, job);
-  validation.setUsingMovingNeighborhood(job.neighborhood ? *job.neighborhood : everything(samples));
+  configureNeighborhood(validation, job.neighborhood ? *job.neighborhood : everything(samples));
   setRejection(validation, *job.crossValidation);
   context.run(validation, QObject::tr("Cross-validation"), samples.getCount(),
               QObject::tr("samples"));

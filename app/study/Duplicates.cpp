@@ -162,16 +162,12 @@ void mergeGroups(const Job &job, const std::vector<Group> &groups, Samples &samp
   }
   samples.nMergedPlaces = qint64(groups.size());
   QList<std::vector<double> *> columns = variablesOf(samples);
-  const QString line = job.crossValidation ? job.crossValidation->line : QString();
-  for (auto column = samples.auxiliaryColumns.begin(); column != samples.auxiliaryColumns.end();
-       ++column) {
-    if (column.key() != line)
-      columns << &column.value();
-  }
+  for (std::vector<double> &column : samples.auxiliaryColumns)
+    columns << &column;
   for (std::vector<double> *column : columns)
     merge(*column, groups, job.duplicates);
-  if (samples.auxiliaryColumns.contains(line))
-    columns << &samples.auxiliaryColumns[line];
+  for (std::vector<double> &line : samples.lines)
+    columns << &line;
   columns << &samples.x << &samples.y;
   if (!samples.z.empty())
     columns << &samples.z;

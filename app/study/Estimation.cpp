@@ -148,7 +148,7 @@ void configure(NgcKriging &kriging, const Job &job,
   configureSuperKriging(kriging, job.kriging);
   configureLocal(kriging, job.kriging);
   if (job.neighborhood)
-    kriging.setUsingMovingNeighborhood(*job.neighborhood);
+    configureNeighborhood(kriging, *job.neighborhood);
   else
     kriging.setUsingUniqueNeighborhood();
 }

@@ -36,6 +36,16 @@ Steps Job::getSteps() const
   return steps;
 }
 
+QStringList Job::getLineColumns() const
+{
+  QStringList columns;
+  if (crossValidation && !crossValidation->line.isEmpty())
+    columns << crossValidation->line;
+  if (neighborhood && !neighborhood->line.isEmpty() && !columns.contains(neighborhood->line))
+    columns << neighborhood->line;
+  return columns;
+}
+
 void Job::keepOutputsOf(const Steps &steps)
 {
   JobOutput kept;

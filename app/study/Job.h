@@ -6,9 +6,9 @@
 #include "app/study/GridSection.h"
 #include "app/study/KrigingRequest.h"
 #include "app/study/ModelFit.h"
+#include "app/study/NeighborhoodRequest.h"
 #include "app/study/VariogramRequest.h"
 #include "basic/geom/NbgGeomGrid.h"
-#include "geos/interpol/NgmNeighborhoodMoving.h"
 #include "geos/vmodel/NgmVModel.h"
 
 #include <QByteArray>
@@ -93,10 +93,10 @@ struct Job
   std::optional<JobTable> mask;
   std::optional<JobTable> gridValues;  ///< points at the nodes with the columns that kriging needs
   KrigingRequest kriging;
-  std::optional<JobTable> faults;                     ///< points of fault lines
-  QString faultLine;                                  ///< their column with the numbers of lines
-  bool estimatesInsideFaults = true;                  ///< inside closed lines
-  std::optional<NgmNeighborhoodMoving> neighborhood;  ///< empty for the unique one
+  std::optional<JobTable> faults;                   ///< points of fault lines
+  QString faultLine;                                ///< their column with the numbers of lines
+  bool estimatesInsideFaults = true;                ///< inside closed lines
+  std::optional<NeighborhoodRequest> neighborhood;  ///< empty for the unique one
   std::optional<CrossValidationRequest> crossValidation;
   JobOutput output;
   int threads = 0;    ///< 0 leaves it to the library
@@ -107,6 +107,9 @@ struct Job
 
   /// Leaves out the outputs of all other steps.
   void keepOutputsOf(const Steps &steps);
+
+  /// Columns that tell the lines of samples, see readSamples().
+  QStringList getLineColumns() const;
 
   int getNVariables() const { return 1 + covariates.size(); }
 

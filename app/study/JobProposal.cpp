@@ -4,7 +4,9 @@
 #include "app/base/Suggestion.h"
 #include "app/base/UsageError.h"
 #include "app/console/TextTable.h"
+#include "app/io/InputFile.h"
 #include "app/io/SpatialReference.h"
+#include "app/io/TableReader.h"
 #include "app/study/GridLayout.h"
 #include "app/study/Job.h"
 #include "app/study/RunContext.h"
@@ -16,7 +18,9 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QObject>
+#include <QSet>
 
+#include <algorithm>
 #include <cmath>
 
 namespace orvenal {
@@ -33,6 +37,7 @@ struct Findings
   int y = -1;
   int z = -1;
   int variable = -1;
+  int line = -1;  ///< column of the boreholes, where there are several
   NbcStatMono statistics;
 
   bool is3D() const { return z >= 0; }
@@ -91,6 +96,17 @@ QStringList namesOf(const TableSummary &summary)
   return names;
 }
 
+/// Names that are all numbers are values: the line of names is missing.
+bool hasNames(const TableSummary &summary)
+{
+  const QStringList names = namesOf(summary);
+  return std::any_of(names.begin(), names.end(), [](const QString &name) {
+    bool isNumber = false;
+    name.toDouble(&isNumber);
+    return !isNumber;
+  });
+}
+
 int findWish(const QString &wish, const char *option, int guess, const Findings &findings)
 {
   if (wish.isEmpty())
@@ -104,16 +120,35 @@ int findWish(const QString &wish, const char *option, int guess, const Findings 
   return index;
 }
 
+/// Columns of the usual names may hold texts.
+[[noreturn]] void failCoordinates(const Findings &findings)
+{
+  const QStringList names = namesOf(findings.summary);
+  const CoordinateColumns named = guessCoordinates(names);
+  for (const int index : {named.x, named.y}) {
+    if (index >= 0 && findings.column(index).nTexts > 0)
+      throw UsageError(
+          QObject::tr("%1: the coordinates \"%2\" hold texts, such as \"%3\"")
+              .arg(findings.shown, names[index], findings.column(index).example.simplified()));
+  }
+  throw UsageError(QObject::tr("%1: no two columns are named like coordinates; name them with --x "
+                               "and --y; columns: %2%3")
+                       .arg(findings.shown, quotedList(names),
+                            hasNames(findings.summary)
+                                ? QString()
+                                : QObject::tr(" (is there a line of names above the values?)")));
+}
+
 void findColumns(const JobWishes &wishes, Findings &findings)
 {
   const CoordinateColumns guess = findings.summary.coordinates;
   findings.x = findWish(wishes.x, "x", guess.x, findings);
   findings.y = findWish(wishes.y, "y", guess.y, findings);
   findings.z = findWish(wishes.z, "z", guess.z, findings);
+  if (findings.summary.nRecords == 0)
+    TableReader::failEmpty(findings.shown);
   if (findings.x < 0 || findings.y < 0)
-    throw UsageError(QObject::tr("%1: no two columns are named like coordinates; name them with "
-                                 "--x and --y; columns: %2")
-                         .arg(findings.shown, quotedList(namesOf(findings.summary))));
+    failCoordinates(findings);
   findings.summary.coordinates.x = findings.x;
   findings.summary.coordinates.y = findings.y;
   findings.summary.coordinates.z = findings.z;
@@ -152,6 +187,20 @@ JobTable tableOf(const Findings &findings, const QString &path)
   table.y = findings.column(findings.y).name;
   table.z = findings.is3D() ? findings.column(findings.z).name : QString();
   return table;
+}
+
+/// The column of boreholes, when it tells some.
+int findLine(const Findings &findings, const JobTable &table)
+{
+  constexpr int fewestLines = 3;
+  const int column = findings.is3D() ? guessLine(namesOf(findings.summary)) : -1;
+  if (column < 0)
+    return -1;
+  QSet<QString> lines;
+  const auto reader = TableReader::open(table.file, table.shown, table.format);
+  while (lines.size() < fewestLines && reader->next())
+    lines << reader->getText(column);
+  return lines.size() < fewestLines ? -1 : column;
 }
 
 NbcStatMono statisticsOf(const Findings &findings, const JobTable &table, Console &console)
@@ -221,7 +270,7 @@ QString dataPart(const Findings &findings)
                              .arg(findings.summary.columns.size())
                              .arg(findings.summary.formatName),
                          2);
-  if (findings.summary.coordinates.isGeographic)
+  if (areNamedLikeDegrees(findings.column(findings.x).name, findings.column(findings.y).name))
     text +=
         comment(QObject::tr("They look like degrees: distances are measured as if a degree of "
                             "longitude were one of latitude. Projected coordinates are better."),
@@ -320,10 +369,36 @@ QString neighborhoodPart(const Findings &findings)
                       "\"maximum\": 16 },\n")
                       .arg(radius, 0, 'g', 12);
   const double vertical = length(2) > 0. ? roundAbove(0.5 * length(2)) : radius;
-  return text + QStringLiteral(
-                    "  \"neighborhood\": { \"type\": \"moving\", \"radii\": %1, "
-                    "\"maximum\": 16 },\n")
-                    .arg(list({radius, radius, vertical}));
+  const QString radii = list({radius, radius, vertical});
+  if (findings.line < 0)
+    return text + QStringLiteral(
+                      "  \"neighborhood\": { \"type\": \"moving\", \"radii\": %1, "
+                      "\"maximum\": 16 },\n")
+                      .arg(radii);
+  return text +
+         comment(QObject::tr("At most 4 of them are of one borehole: those of a hole tell much the "
+                             "same."),
+                 2) +
+         QStringLiteral(
+             "  \"neighborhood\": {\n    \"type\": \"moving\", \"radii\": %1, \"maximum\": 16,\n"
+             "    \"lines\": { \"column\": %2, \"perLine\": 4 }\n  },\n")
+             .arg(radii, quoted(findings.column(findings.line).name));
+}
+
+QString crossValidationPart(const Findings &findings)
+{
+  if (findings.line < 0)
+    return '\n' +
+           comment(QObject::tr("Every sample is estimated from the others, to see how good model "
+                               "and neighborhood are."),
+                   2) +
+           QStringLiteral("  \"crossValidation\": {},\n\n");
+  return '\n' +
+         comment(QObject::tr("Every sample is estimated from those of the other boreholes, to see "
+                             "how good model and neighborhood are."),
+                 2) +
+         QStringLiteral("  \"crossValidation\": { \"leaveOut\": \"line\", \"line\": %1 },\n\n")
+             .arg(quoted(findings.column(findings.line).name));
 }
 
 QString outputPart(const Findings &findings)
@@ -355,11 +430,8 @@ QString studyParts(const Findings &findings)
 {
   if (!canBeKriged(findings))
     return statisticsOnly();
-  return variogramPart() + gridPart(findings) + neighborhoodPart(findings) + '\n' +
-         comment(QObject::tr("Every sample is estimated from the others, to see how good model and "
-                             "neighborhood are."),
-                 2) +
-         QStringLiteral("  \"crossValidation\": {},\n\n") +
+  return variogramPart() + gridPart(findings) + neighborhoodPart(findings) +
+         crossValidationPart(findings) +
          comment(QObject::tr("The format of the grid goes by the ending of its files."), 2) +
          outputPart(findings);
 }
@@ -369,15 +441,15 @@ QString studyParts(const Findings &findings)
 QString proposeJob(const QString &dataFile, const QDir &folder, const JobWishes &wishes,
                    Console &console)
 {
+  requireInput(dataFile);
   const QString path = QFileInfo(dataFile).absoluteFilePath();
-  if (!QFileInfo(path).isFile())
-    throw UsageError(QObject::tr("there is no file \"%1\"").arg(dataFile));
   Findings findings;
   findings.shown = dataFile;
   findings.file = folder.relativeFilePath(path);
   findings.summary = summarizeTable(path, dataFile, TableFormat());
   findColumns(wishes, findings);
   const JobTable table = tableOf(findings, path);
+  findings.line = findLine(findings, table);
   findings.statistics = statisticsOf(findings, table, console);
   const Extent extent = readExtent(table);
   std::copy(extent.lower.begin(), extent.lower.end(), findings.summary.lower.begin());

@@ -67,6 +67,8 @@ const QList<ExtraOutput> &extraOutputs()
       {"specificVolume", NgcAKriging::getRoleSpecificVolume(), QObject::tr("Specific volume")},
       {"coefficientOfVariation", NgcAKriging::getRoleCoeffOfVariation(),
        QObject::tr("Coefficient of variation of the production volume")},
+      {"lines", Nbd::Role::NEIGH_CODE_NUMBER, QObject::tr("Number of lines")},
+      {"pass", Nbd::Role::NEIGH_SEARCH_INDEX, QObject::tr("Search pass")},
       {"meanDistance", Nbd::Role::NEIGH_MEAN_DIST, QObject::tr("Mean distance of the neighbors")},
   };
   return all;

@@ -69,6 +69,18 @@ void configureFaults(NgcAKriging &kriging, const Job &job)
                                 : NgcEFaultsMode::DO_NOT_CALCULATE_INSIDE);
 }
 
+/// What the rules of a neighborhood look at.
+void assignRules(NgdDataSetPoints &input, const NeighborhoodRequest &request,
+                 const NbpIProviderR &samples)
+{
+  if (!request.line.isEmpty())
+    input.assignVariable(Nbd::Role::CODE, samples.getIdFromName(lineName(request.line)));
+  if (request.moving.isRuleCutLarge())
+    input.assignVariable(Nbd::Role::LARGE_CUTOFF, samples.getIdFromName(sampleValueName()));
+  if (request.moving.isRuleCutSmall())
+    input.assignVariable(Nbd::Role::SMALL_CUTOFF, samples.getIdFromName(sampleValueName()));
+}
+
 }  // namespace
 
 NgdDataSetPoints makeSampleDataSet(const Job &job,
@@ -79,6 +91,8 @@ NgdDataSetPoints makeSampleDataSet(const Job &job,
   assignColumns(input, Nbd::Role::LOCAL_MEAN, *samples, job.kriging.localMeans);
   if (const QString error = measurementErrorName(job.kriging); !error.isEmpty())
     input.assignVariable(Nbd::Role::STDEV_MEAS_ERR, samples->getIdFromName(error));
+  if (job.neighborhood)
+    assignRules(input, *job.neighborhood, *samples);
   return input;
 }
 
@@ -100,6 +114,13 @@ void configureKriging(NgcAKriging &kriging, const Job &job)
   if (const QString error = measurementErrorName(job.kriging); !error.isEmpty())
     kriging.setStDevMeasError(0, error);
   configureFaults(kriging, job);
+}
+
+void configureNeighborhood(NgcAKriging &kriging, const NeighborhoodRequest &request)
+{
+  kriging.setUsingMovingNeighborhood(request.moving);
+  for (const NgmNeighborhoodNestedParam &pass : request.passes)
+    kriging.addMovingAlternativeParameters(pass);
 }
 
 }  // namespace orvenal

@@ -14,6 +14,7 @@ namespace orvenal {
 
 struct Column;
 struct Job;
+struct NeighborhoodRequest;
 
 /// What estimation and cross-validation have in common: the samples with all that a job reads of
 /// them, bound to their roles, and the settings of its variant of kriging.
@@ -26,5 +27,8 @@ void assignColumns(NgdADataSet &dataSet, const QString &role, const NbpIProvider
 
 /// Model, mode, means, drifts and measurement errors; only the first variable is estimated.
 void configureKriging(NgcAKriging &kriging, const Job &job);
+
+/// A moving neighborhood with its passes.
+void configureNeighborhood(NgcAKriging &kriging, const NeighborhoodRequest &request);
 
 }  // namespace orvenal

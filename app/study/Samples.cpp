@@ -14,6 +14,7 @@
 
 #include <QDateTime>
 #include <QFileInfo>
+#include <QHash>
 #include <QObject>
 
 #include <algorithm>
@@ -67,12 +68,37 @@ std::vector<PlacedColumn> findColumns(const TableReader &reader, const QList<Col
   return placed;
 }
 
+/// Numbers lines from 1 by what their column holds, numbers or texts.
+class LineNumbers
+{
+public:
+  explicit LineNumbers(int column) : _column(column) {}
+
+  /// The line of the current record; undefined where the field is.
+  double read(const TableReader &reader)
+  {
+    double number = 0.;
+    const TableReader::Field field = reader.classify(_column, number);
+    if (field == TableReader::UNDEFINED)
+      return NbbGlobal::D_FFFF;
+    const QString label =
+        field == TableReader::NUMBER ? QString::number(number, 'g', 17) : reader.getText(_column);
+    const auto line = _lines.constFind(label);
+    return line != _lines.constEnd() ? *line : *_lines.insert(label, _lines.size() + 1);
+  }
+
+private:
+  int _column;
+  QHash<QString, int> _lines;
+};
+
 /// Where the values of the samples stand in their table.
 struct SampleColumns
 {
   int value;
   std::vector<int> covariates;
   std::vector<PlacedColumn> auxiliary;
+  QMap<QString, LineNumbers> lines;
 };
 
 SampleColumns findSampleColumns(const TableReader &reader, const Job &job)
@@ -84,17 +110,17 @@ SampleColumns findSampleColumns(const TableReader &reader, const Job &job)
                                                    QStringLiteral("covariates[%1].column").arg(i)));
   columns.auxiliary =
       findColumns(reader, job.kriging.getSampleColumns(), QStringLiteral("kriging"));
-  if (job.crossValidation && !job.crossValidation->line.isEmpty()) {
-    const QList<Column> line = {Column{job.crossValidation->line}};
-    for (const PlacedColumn &placed :
-         findColumns(reader, line, QStringLiteral("crossValidation.line")))
-      columns.auxiliary.push_back(placed);
+  for (const QString &line : job.getLineColumns()) {
+    const bool isOfValidation = job.crossValidation && job.crossValidation->line == line;
+    const QString path = isOfValidation ? QStringLiteral("crossValidation.line")
+                                        : QStringLiteral("neighborhood.lines.column");
+    columns.lines.insert(line, LineNumbers(reader.findColumn(line, path)));
   }
   return columns;
 }
 
 void readSample(const TableReader &reader, const std::array<int, 3> &coordinates,
-                const SampleColumns &columns, const Job &job, Samples &samples)
+                SampleColumns &columns, const Job &job, Samples &samples)
 {
   const NbgVector3D location = readLocation(reader, coordinates);
   samples.x.push_back(location.x());
@@ -108,6 +134,8 @@ void readSample(const TableReader &reader, const std::array<int, 3> &coordinates
   for (const PlacedColumn &placed : columns.auxiliary)
     samples.auxiliaryColumns[placed.column.getName()].push_back(
         readValue(reader, placed.index, placed.column.transform));
+  for (auto line = columns.lines.begin(); line != columns.lines.end(); ++line)
+    samples.lines[line.key()].push_back(line->read(reader));
 }
 
 /// By which a change of a file is noticed.
@@ -120,6 +148,14 @@ std::pair<qint64, QDateTime> stateOf(const QString &path)
 qint64 countUndefined(const std::vector<double> &values)
 {
   return std::count(values.begin(), values.end(), NbbGlobal::D_FFFF);
+}
+
+std::vector<int> toIntegers(const std::vector<double> &values)
+{
+  std::vector<int> integers;
+  for (const double value : values)
+    integers.push_back(NbbGlobal::isDefined(value) ? int(value) : NbbGlobal::I32_FFFF);
+  return integers;
 }
 
 }  // namespace
@@ -147,7 +183,7 @@ Samples readSamples(const Job &job)
   const auto before = stateOf(job.data.file);
   const auto reader = openTable(job.data);
   const std::array<int, 3> coordinates = findCoordinates(*reader, job.data);
-  const SampleColumns columns = findSampleColumns(*reader, job);
+  SampleColumns columns = findSampleColumns(*reader, job);
   Samples samples;
   samples.covariates.resize(columns.covariates.size());
   while (reader->next())
@@ -155,7 +191,7 @@ Samples readSamples(const Job &job)
   if (stateOf(job.data.file) != before)
     throw NbeUserError(QObject::tr("%1: changed while it was read").arg(job.data.shown));
   if (samples.x.empty())
-    throw NbeUserError(QObject::tr("%1: no rows below the header").arg(job.data.shown));
+    TableReader::failEmpty(job.data.shown);
   treatDuplicates(job, samples);
   if (job.kriging.constantError)
     samples.auxiliaryColumns[constantErrorName()].assign(samples.x.size(),
@@ -190,6 +226,11 @@ QString auxiliaryName(const QString &name)
   return QStringLiteral("column ") + name;
 }
 
+QString lineName(const QString &column)
+{
+  return QStringLiteral("line ") + column;
+}
+
 QSharedPointer<NbpMemoryProviderPointsW> makeProvider(const Samples &samples)
 {
   const bool is3D = !samples.z.empty();
@@ -205,6 +246,8 @@ QSharedPointer<NbpMemoryProviderPointsW> makeProvider(const Samples &samples)
   for (auto column = samples.auxiliaryColumns.begin(); column != samples.auxiliaryColumns.end();
        ++column)
     provider->addVariable(auxiliaryName(column.key()), column.value());
+  for (auto line = samples.lines.begin(); line != samples.lines.end(); ++line)
+    provider->addVariable(lineName(line.key()), toIntegers(line.value()));
   return provider;
 }
 
@@ -253,9 +296,10 @@ NbgGeomPolylineSet readFaults(const Job &job)
   const auto reader = openTable(*job.faults);
   const std::array<int, 3> coordinates = findCoordinates(*reader, *job.faults);
   const int lineColumn = reader->findColumn(job.faultLine, job.faults->path + ".line");
+  LineNumbers numbers(lineColumn);
   QMap<double, QVector<NbgVector3D>> lines;
   while (reader->next())
-    lines[reader->getNumber(lineColumn)] << readLocation(*reader, coordinates);
+    lines[numbers.read(*reader)] << readLocation(*reader, coordinates);
   NbgGeomPolylineSet faults;
   for (QVector<NbgVector3D> points : lines) {
     if (points.size() < 2)
@@ -287,11 +331,11 @@ std::vector<unsigned char> readMask(const Job &job, qint64 &nOutside)
       ++nOutside;
     }
   }
+  if (isEmpty && nOutside == 0)
+    TableReader::failEmpty(job.mask->shown);
   if (isEmpty)
-    throw NbeUserError(nOutside == 0
-                           ? QObject::tr("%1: no rows below the header").arg(job.mask->shown)
-                           : QObject::tr("%1: none of its %2 points lies inside the grid")
-                                 .arg(job.mask->shown, QString::number(nOutside)));
+    throw NbeUserError(QObject::tr("%1: none of its %2 points lies inside the grid")
+                           .arg(job.mask->shown, QString::number(nOutside)));
   return selected;
 }
 

@@ -27,6 +27,7 @@ struct Samples
   std::vector<double> value;                            ///< NbbGlobal::D_FFFF where it is undefined
   std::vector<std::vector<double>> covariates;          ///< after their transforms
   QMap<QString, std::vector<double>> auxiliaryColumns;  ///< that kriging needs, by name
+  QMap<QString, std::vector<double>> lines;  ///< by column: numbers of lines, equal in one line
   qint64 nUndefined = 0;
   qint64 nDuplicates =
       0;  ///< in the file: samples with a value that an earlier one at their place has
@@ -53,6 +54,7 @@ QString sampleValueName();
 QString covariateName(int index);
 QString auxiliaryName(const Column &column);
 QString auxiliaryName(const QString &name);
+QString lineName(const QString &column);
 
 /// The samples of a provider with all variables of the job, the one to estimate first.
 NgdDataSetPoints makeVariableDataSet(const Job &job,

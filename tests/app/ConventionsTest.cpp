@@ -102,7 +102,7 @@ TEST(Conventions, TakesMathematicalAngles)
     const NbgVector3D along(std::cos(radians), std::sin(radians), 0.);
     const NbgVector3D across(-std::sin(radians), std::cos(radians), 0.);
     const NbgRotation frames[] = {result.model.getStructure(0).getRotation(),
-                                  result.neighborhood->getEllipseRotation(),
+                                  result.neighborhood->moving.getEllipseRotation(),
                                   result.grid.getRotation()};
     for (const NbgRotation &frame : frames) {
       EXPECT_NEAR((frame.getAxisX() - along).norm(), 0., rounding);

@@ -113,7 +113,7 @@ TEST(Duplicates, BecomeOneSampleWithFirstValuesOrMeans)
       EXPECT_DOUBLE_EQ(found.value[i], orUndefined(expected[i][2]));
       EXPECT_DOUBLE_EQ(found.covariates[0][i], orUndefined(expected[i][3]));
       EXPECT_DOUBLE_EQ(found.auxiliaryColumns["mean"][i], expected[i][4]);
-      EXPECT_EQ(found.auxiliaryColumns["line"][i], expected[i][5]);
+      EXPECT_EQ(found.lines["line"][i], expected[i][5]);
     }
   }
 }

@@ -56,7 +56,7 @@ TEST(JobReader, ReadsTheExample)
   EXPECT_EQ(job.model.getNugget(0, 0), 0.05);
   EXPECT_NEAR(job.model.getStructure(0).getPracticalRanges().x(), 897., 1e-9);
   ASSERT_TRUE(job.neighborhood);
-  EXPECT_EQ(job.neighborhood->getMaximumNeighborsCount(), 16);
+  EXPECT_EQ(job.neighborhood->moving.getMaximumNeighborsCount(), 16);
   EXPECT_EQ(job.output.getFiles().size(), 5);
   EXPECT_EQ(QDir::cleanPath(job.output.report), ORVENAL_EXAMPLES "/meuse/out/ordinary/report.html");
 }
@@ -87,11 +87,11 @@ TEST(JobReader, TurnsAxesByTheCompass)
   EXPECT_NEAR(structure.getPracticalRanges().z(), 50., 1e-9);
   EXPECT_TRUE(structure.getRotation().isEqual(Compass::frame(30., 5., 7.)));
   EXPECT_NEAR(Compass::azimuthOfRows(job.grid.getRotation()), 30., 1e-10);
-  EXPECT_TRUE(job.neighborhood->getEllipseRotation().isEqual(Compass::frame(120., 0., 0.)));
-  EXPECT_EQ(job.neighborhood->getMaximumNumber(), 20);
-  EXPECT_EQ(job.neighborhood->getMinimumNumber(), 3);
-  EXPECT_EQ(job.neighborhood->getSplittedSectorsNumber(), 8);
-  EXPECT_EQ(job.neighborhood->getMaximumNumberPerSector(), 3);  // 20 shared by 8, rounded up
+  EXPECT_TRUE(job.neighborhood->moving.getEllipseRotation().isEqual(Compass::frame(120., 0., 0.)));
+  EXPECT_EQ(job.neighborhood->moving.getMaximumNumber(), 20);
+  EXPECT_EQ(job.neighborhood->moving.getMinimumNumber(), 3);
+  EXPECT_EQ(job.neighborhood->moving.getSplittedSectorsNumber(), 8);
+  EXPECT_EQ(job.neighborhood->moving.getMaximumNumberPerSector(), 3);  // 20 shared by 8, rounded up
 }
 
 TEST(JobReader, NamesThePlaceOfWhatIsWrong)
@@ -293,8 +293,24 @@ TEST(JobReader, SurvivesDamagedJobs)
 
 TEST(JobReader, ReadsMemorySizes)
 {
-  EXPECT_EQ(parseMemorySize("512 MB"), qint64(512) << 20);
-  EXPECT_EQ(parseMemorySize("1.5gb"), qint64(3) << 29);
-  for (const char *wrong : {"", "12", "MB", "-1 GB", "1e3 MB", "99999999999 TB", "2 GB x"})
-    EXPECT_LE(parseMemorySize(wrong), 0) << wrong;
+  constexpr qint64 kibi = 1024;
+  const std::pair<const char *, qint64> cases[] = {
+      {"500 MB", 500 * kibi * kibi},
+      {"2GB", 2 * kibi * kibi * kibi},
+      {" 2 gib ", 2 * kibi * kibi * kibi},
+      {"1.5G", 1536 * kibi * kibi},
+      {"100k", 100 * kibi},
+      {"1 TB", kibi * kibi * kibi * kibi},
+      {"0 GB", 0},
+      {"500", -1},  // of what?
+      {"-1 GB", -1},
+      {"1e3 MB", -1},
+      {"2 PB", -1},
+      {"2 GB x", -1},
+      {"99999999999 TB", -1},
+      {"abc", -1},
+      {"", -1},
+  };
+  for (const auto &[text, size] : cases)
+    EXPECT_EQ(parseMemorySize(text), size) << text;
 }

@@ -64,10 +64,10 @@ TEST(OutputFiles, NamesAllFilesThatExistBeforeItMakesAny)
     OutputFiles().reserve(paths);
     ADD_FAILURE() << "reserved";
   } catch (const NbeUserError &error) {
-    QStringList lines;
+    QStringList lines = {"12 files exist; --overwrite replaces them:"};
     for (int i = 1; i <= 10; ++i)
-      lines << paths[i] + " exists; --overwrite replaces it";
-    EXPECT_EQ(error.getMessage(), (lines << "and 2 more").join('\n'));
+      lines << "  " + paths[i];
+    EXPECT_EQ(error.getMessage(), (lines << "  and 2 more").join('\n'));
   }
   EXPECT_EQ(folder.list().size(), 12);
 }

@@ -660,15 +660,17 @@ TEST(Program, RefusesWrongUse)
   const Case cases[] = {
       {{}, "a command is missing"},
       {{"rnu"}, "there is no command \"rnu\"; did you mean \"run\"?"},
-      {{"help", "rnu"}, "there is no command"},
+      {{"help", "conventoins"},
+       "no command or topic \"conventoins\"; did you mean \"conventions\""},
       {{"help", "run", "run"}, "one command or topic at a time"},
       {{"version", "x"}, "no argument is expected"},
       {{"run"}, "the job file is missing"},
       {{"run", "a.json", "b.json"}, "one file at a time"},
       {{"run", "--thread", "2", "a.json"},
        "there is no option --thread; did you mean \"--threads\"?"},
-      {{"run", "/nowhere/job.json"}, "/nowhere/job.json: cannot be read"},
+      {{"run", "/nowhere/job.json"}, "there is no file \"/nowhere/job.json\""},
       {{"run", "--threads", "two", ORVENAL_EXAMPLES "/meuse/job.json"}, "--threads: expected"},
+      {{"run", "--memory", "500", ORVENAL_EXAMPLES "/meuse/job.json"}, "--memory: expected a size"},
       {{"run", "--memory", "0 MB", ORVENAL_EXAMPLES "/meuse/job.json"}, "--memory: expected"},
   };
   for (const Case &c : cases) {

@@ -112,7 +112,8 @@ void NgdNeighborhoodContext::initialize(const NgdANeighborhood &neighborhood, bo
 void NgdNeighborhoodContext::setTargetData(const NbdDataTable &targets,
                                            const QMap<int, NbdAVariableNumeric *> &collocated)
 {
-  _setCollocated(collocated);
+  if (_moving)
+    _setCollocated(collocated);
   for (_Level &level : _levels) {
     if (!level.parameters.needPatching())
       continue;
