@@ -160,7 +160,7 @@ Picture drawCrossValidation(const CrossValidation &validation, const std::vector
 {
   auto plot = std::make_unique<QCustomPlot>();
   addText(*plot, title, fontOf(13, true), 2. * side);
-  addText(*plot, remarkOf(validation), fontOf(9), 2. * side);
+  addText(*plot, remarkOf(validation), fontOf(9), 2. * side + 120.);
   auto *row = new QCPLayoutGrid;
   auto *histogram = new QCPAxisRect(plot.get());
   const int last = plot->plotLayout()->rowCount() - 1;

@@ -55,11 +55,11 @@ qint64 countBeyond(const Samples &samples, const QCPRange &range)
 
 QString legendOf(const Samples &samples, bool isColored, const ColorRange &range)
 {
-  const QString count = samplesText(samples.getCount());
   if (samples.getCount() == 0)
     return QString();
   if (std::size_t(samples.getCount()) > SampleMarks::most)
-    return QObject::tr("Dots: some of %1.").arg(count);
+    return QObject::tr("Dots: some of %1.").arg(samplesText(samples.getCount()));
+  const QString count = samplesText(samples.getCount() - samples.nUndefined);
   QString legend = isColored ? QObject::tr("Circles: %1, filled by their value.").arg(count)
                              : QObject::tr("Circles: %1.").arg(count);
   const qint64 nBeyond = isColored && !range.isCut ? countBeyond(samples, range.range) : 0;
@@ -67,7 +67,7 @@ QString legendOf(const Samples &samples, bool isColored, const ColorRange &range
     legend += QObject::tr(" Those beyond the scale (%1) have the colour of its end.")
                   .arg(groupedText(nBeyond));
   if (samples.nUndefined > 0)
-    legend += QObject::tr(" Crosses: no value.");
+    legend += QObject::tr(" Crosses: %1 without a value.").arg(groupedText(samples.nUndefined));
   return legend;
 }
 

@@ -209,10 +209,15 @@ void addText(QCustomPlot &plot, const QString &text, const QFont &font, double w
 
 QSize sizeFor(QCustomPlot &plot, const QSizeF &area)
 {
-  const QSize trial(int(area.width()) + 200, int(area.height()) + 160);
-  plot.setViewport(QRect(QPoint(0, 0), trial));
-  plot.replot(QCustomPlot::rpImmediateRefresh);
-  return trial + QSize(int(area.width()), int(area.height())) - plot.axisRect()->size();
+  const QSize wanted(int(area.width()), int(area.height()));
+  QSize size = wanted + QSize(200, 160);
+  // What is beside the area may take another part of a larger picture.
+  for (int trial = 0; trial < 2; ++trial) {
+    plot.setViewport(QRect(QPoint(0, 0), size));
+    plot.replot(QCustomPlot::rpImmediateRefresh);
+    size += wanted - plot.axisRect()->size();
+  }
+  return size;
 }
 
 }  // namespace orvenal

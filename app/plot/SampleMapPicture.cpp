@@ -139,8 +139,9 @@ Picture draw(const Scene &scene)
 
 QString thinningRemark(std::size_t n)
 {
-  return n > SampleMarks::most ? QObject::tr("Dots are the first samples of their little squares.")
-                               : QString();
+  return n > SampleMarks::most
+             ? QObject::tr("Dots: one sample in each small square of the picture.")
+             : QString();
 }
 
 QString joined(QStringList sentences)

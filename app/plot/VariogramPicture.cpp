@@ -30,8 +30,9 @@ double largestDistanceOf(const Variography &variography)
 /// The graph carries the name; the marks draw themselves.
 QCPGraph &addLegendEntry(QCustomPlot &plot, const QString &name, const QPen &pen)
 {
+  constexpr double widest = 190.;  // so that the plot area keeps its room
   QCPGraph *graph = plot.addGraph();
-  graph->setName(name);
+  graph->setName(wrapped(name, fontOf(9), widest));
   graph->setPen(pen);
   return *graph;
 }

@@ -49,6 +49,13 @@ void addEllipsoid(const NgmNeighborhoodMoving &moving, const Job &job,
                  Describe::vector(axes[axis])});
 }
 
+/// A label that leaves room for numbers on a terminal.
+QString shortLabel(const QString &label)
+{
+  constexpr int widest = 50;
+  return shortened(label, widest);
+}
+
 QString capText(const NgcECutoffMode &mode, double threshold, const NbgVector3D &radii,
                 const Job &job)
 {
@@ -424,12 +431,12 @@ QString textStatistics(const StudyResult &result)
   QList<QStringList> rows;
   rows << (QStringList(QString()) << Describe::statisticsHeader());
   for (int i = 0; i < result.job.getNVariables(); ++i)
-    rows << (QStringList(result.job.getVariable(i).getLabel())
+    rows << (QStringList(shortLabel(result.job.getVariable(i).getLabel()))
              << Describe::statisticsRow(result.variableStatistics.getConstUnivariateStats(i)));
   if (result.estimation) {
-    rows << (QStringList(Describe::estimateLabel(result.job))
+    rows << (QStringList(shortLabel(Describe::estimateLabel(result.job)))
              << Describe::statisticsRow(result.estimation->estimate));
-    rows << (QStringList(Describe::deviationLabel(result.job))
+    rows << (QStringList(shortLabel(Describe::deviationLabel(result.job)))
              << Describe::statisticsRow(result.estimation->deviation));
   }
   constexpr int nShown = 7;  // more does not fit a terminal
@@ -456,7 +463,13 @@ QList<QStringList> sillRows(const Job &job)
 
 QString textSills(const Job &job)
 {
-  return alignedColumns(sillRows(job), 2 + job.getNVariables());
+  QList<QStringList> rows = sillRows(job);
+  constexpr int widest = 24;
+  for (QStringList &row : rows) {
+    for (QString &text : row)
+      text = shortened(text, widest);
+  }
+  return alignedColumns(rows, 2 + job.getNVariables());
 }
 
 QVector<QPair<QString, QString>> variogramParameters(const Variography &variography, const Job &job)
@@ -513,7 +526,9 @@ QList<QStringList> variogramRows(const Variography &variography, const Job &job)
 
 QString textVariograms(const Variography &variography, const Job &job)
 {
-  const QList<QStringList> rows = variogramRows(variography, job);
+  QList<QStringList> rows = variogramRows(variography, job);
+  for (QStringList &row : rows)
+    row[0] = shortLabel(row[0]);
   return alignedColumns(rows, rows.first().size());
 }
 

@@ -35,6 +35,8 @@ figure img { max-width: 100%; height: auto; }
 .maps img { width: 100%; height: auto; }
 figcaption { font-size: .85rem; }
 figcaption::before { counter-increment: figure; content: "Figure " counter(figure) ". "; }
+figure.huge { overflow-x: auto; }
+figure.huge img { max-width: none; }
 .scroll { overflow-x: auto; margin: .5rem 0; }
 #model .scroll td { white-space: nowrap; }
 table { border-collapse: collapse; font-size: .9rem; font-variant-numeric: tabular-nums; }
@@ -59,7 +61,7 @@ pre { overflow-x: auto; background: #f4f7fa; border: 1px solid #dbe3ec; padding:
   h2 { margin-top: 1.2rem; }
   figure, table, tr { break-inside: avoid; }
   #variograms table { break-inside: auto; }
-  figure img { max-height: 115mm; width: auto; }
+  figure img, figure.huge img { max-height: 115mm; max-width: 100%; width: auto; }
   .sections figure img { max-height: 190mm; }
   .maps figure { flex-basis: 40%; }
   .maps img { width: 100%; }
@@ -119,10 +121,13 @@ QString ReportPage::figure(const QByteArray &png, const QString &caption, const 
 {
   if (png.isEmpty())
     return QString();
-  constexpr int wide = 800;  // one with several plot areas can be moved on a narrow screen
+  constexpr int wide = 800;   // one with several plot areas can be moved on a narrow screen
+  constexpr int huge = 1150;  // and one that would be too small on the page on any
   const int width = shownWidth(png);
   return QStringLiteral("<figure%1><img width=\"%2\" alt=\"")
-             .arg(width > wide ? QStringLiteral(" class=\"wide\"") : QString(),
+             .arg(width > huge   ? QStringLiteral(" class=\"wide huge\"")
+                  : width > wide ? QStringLiteral(" class=\"wide\"")
+                                 : QString(),
                   QString::number(width)) +
          NbbHtml::toHtml(seen) + QStringLiteral("\" src=\"data:image/png;base64,") +
          QString::fromLatin1(png.toBase64()) + QStringLiteral("\"><figcaption>") +

@@ -67,7 +67,7 @@ QString summary(const StudyResult &result)
   if (result.crossValidation.getNEstimated() > 0) {
     const XValRes &means = result.crossValidation.means;
     sentences << QObject::tr(
-                     "At the samples, each estimated from the others, they are off by %1 "
+                     "At the samples, left out in turn, they are off by %1 "
                      "(root mean square): %2 times what the standard deviations say.")
                      .arg(withUnit(inWords(means.rootSquaredError), unit),
                           QString::number(means.rootSquaredStandardizedError, 'g', 3));
@@ -262,11 +262,13 @@ QString crossValidation(const StudyResult &result)
                     .arg(QString::number(largestUsualError)),
                 QObject::tr("Map of the places of the samples, coloured by their errors")) +
          rowsTable(rows) +
-         paragraph(QObject::tr("Each sample is estimated from the others. Errors are estimates "
-                               "less values; standardized ones are divided by "
-                               "the kriging standard deviation. A fitting model has a mean error "
-                               "near 0 and a root mean squared standardized error near 1."),
-                   QStringLiteral("lead"));
+         paragraph(
+             QObject::tr(
+                 "Each sample is estimated from those that are not left out. Errors are estimates "
+                 "less values; standardized ones are divided by "
+                 "the kriging standard deviation. A fitting model has a mean error "
+                 "near 0 and a root mean squared standardized error near 1."),
+             QStringLiteral("lead"));
 }
 
 /// A row per axis of the structure's frame: range, direction and vector; the sill before them when
