@@ -1,6 +1,7 @@
 #include "app/commands/Program.h"
 #include "app/console/Console.h"
 #include "app/console/Interruption.h"
+#include "app/io/GdalMessages.h"
 #include "app/io/NetcdfWriter.h"
 
 #include <QApplication>
@@ -63,6 +64,7 @@ int main(int argc, char **argv)
   const QApplication application(argc, argv);
   std::setlocale(LC_NUMERIC, "C");
   orvenal::Interruption::install();
+  orvenal::logGdalMessages();
   orvenal::prepareNetcdf();
   orvenal::Console console;
   return orvenal::Program().run(application.arguments().mid(1), console);

@@ -10,7 +10,11 @@ namespace orvenal {
 
 QString numberText(double value)
 {
-  return NbbGlobal::isDefined(value) ? QString::number(value, 'g', 6) : NbbGlobal::STR_NA;
+  if (!NbbGlobal::isDefined(value))
+    return NbbGlobal::STR_NA;
+  const double size = std::abs(value);
+  return size >= 1e6 && size < 1e10 ? QString::number(value, 'f', 0)
+                                    : QString::number(value, 'g', 6);
 }
 
 QString lengthText(double value, const QString &unit)

@@ -4,7 +4,8 @@
 
 namespace orvenal {
 
-/// Six significant digits, or the text for an undefined value.
+/// Six significant digits, all digits before the point for sizes up to 1e10 (coordinates), or the
+/// text for an undefined value.
 QString numberText(double value);
 
 /// Like numberText(), with the unit behind it when there is one.

@@ -3,6 +3,7 @@
 #include "app/base/UsageError.h"
 #include "app/commands/CommandParser.h"
 #include "app/console/Console.h"
+#include "app/io/InputFile.h"
 #include "app/io/OutputFiles.h"
 #include "app/io/SpatialReference.h"
 #include "app/job/ModelFile.h"
@@ -90,10 +91,7 @@ ConversionRequest readRequest(const QCommandLineParser &parser)
                     "orvenal help convert"));
   request.input = files[0];
   request.output = files[1];
-  if (!QFileInfo::exists(request.input))
-    throw UsageError(QObject::tr("there is no file \"%1\"").arg(request.input));
-  if (QFileInfo(request.input).isDir())
-    throw UsageError(QObject::tr("\"%1\" is a folder").arg(request.input));
+  requireInput(request.input);
   const QString canonical = QFileInfo(request.output).canonicalFilePath();
   if (!canonical.isEmpty() && canonical == QFileInfo(request.input).canonicalFilePath())
     throw UsageError(QObject::tr("\"%1\" would be overwritten by itself").arg(request.input));

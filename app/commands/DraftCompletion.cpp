@@ -11,6 +11,8 @@
 #include <QJsonObject>
 #include <QObject>
 
+#include <utility>
+
 namespace orvenal {
 
 namespace {
@@ -62,6 +64,25 @@ void completeNeighborhood(JobDraft &draft)
 {
   if (draft.isGiven(key("neighborhood")) && !draft.isGiven(key("neighborhood.type")))
     draft.set(key("neighborhood.type"), QStringLiteral("moving"), key("--radius"));
+}
+
+void completeCrossValidation(JobDraft &draft)
+{
+  const QString kind = key("crossValidation.leaveOut");
+  const std::pair<const char *, QString> parts[] = {{"line", key("crossValidation.line")},
+                                                    {"ball", key("crossValidation.radius")}};
+  if (!draft.isGiven(kind)) {
+    for (const auto &[name, path] : parts) {
+      if (draft.isGiven(path))
+        draft.set(kind, QLatin1String(name), draft.getOrigin(path));
+    }
+  }
+  if (!draft.isGiven(kind))
+    return;
+  for (const auto &[name, path] : parts) {
+    if (draft.get(kind) != QLatin1String(name) && draft.has(path) && !draft.isGiven(path))
+      draft.set(path, QJsonValue::Undefined, draft.getOrigin(kind));
+  }
 }
 
 void checkModelAndNeighborhood(const JobDraft &draft)

@@ -14,6 +14,10 @@ void completeFit(JobDraft &draft);
 /// A neighborhood of which options give numbers is a moving one.
 void completeNeighborhood(JobDraft &draft);
 
+/// What options leave out in cross-validation counts, whatever the job leaves out; a line or a
+/// radius says that it is lines or balls.
+void completeCrossValidation(JobDraft &draft);
+
 /// Kriging from options needs a model and a neighborhood; a UsageError says how to give them.
 void checkModelAndNeighborhood(const JobDraft &draft);
 

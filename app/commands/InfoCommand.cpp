@@ -3,6 +3,7 @@
 #include "app/base/UsageError.h"
 #include "app/commands/CommandParser.h"
 #include "app/console/Console.h"
+#include "app/io/InputFile.h"
 #include "app/job/JobObject.h"
 #include "app/job/JobReader.h"
 #include "app/job/ModelFile.h"
@@ -43,10 +44,7 @@ Request readRequest(const QCommandLineParser &parser, Console &console)
     throw UsageError(
         (files.isEmpty() ? QObject::tr("the file is missing") : QObject::tr("one file at a time")) +
         QObject::tr("\nSee: orvenal help info"));
-  if (!QFileInfo::exists(files.first()))
-    throw UsageError(QObject::tr("there is no file \"%1\"").arg(files.first()));
-  if (QFileInfo(files.first()).isDir())
-    throw UsageError(QObject::tr("\"%1\" is a folder").arg(files.first()));
+  requireInput(files.first());
   return {files.first(), parser.value(QStringLiteral("layer")),
           parser.isSet(QStringLiteral("json")), console};
 }

@@ -2,9 +2,11 @@
 
 #include "app/base/UsageError.h"
 #include "app/commands/CommandParser.h"
+#include "app/commands/JobDraft.h"
 #include "app/commands/JobOptions.h"
 #include "app/console/Console.h"
 #include "app/io/OutputFiles.h"
+#include "app/job/JobReader.h"
 #include "app/study/JobProposal.h"
 
 #include <QDir>
@@ -54,9 +56,23 @@ JobWishes readWishes(const QCommandLineParser &parser)
           parser.value(name("variable"))};
 }
 
+/// A job is no data file, although its ending may be one.
+void refuseJob(const QString &file)
+{
+  if (!isJobFile(file) || !QFileInfo(file).isFile())
+    return;
+  try {
+    if (!parseJobRoot(file, readJobText(file)).contains(name("data")))
+      return;
+  } catch (const UsageError &) {
+    return;  // the reader of tables says what it is
+  }
+  throw UsageError(QObject::tr("%1 is a job already; to run its study: orvenal run %1").arg(file));
+}
+
 void write(const QString &path, const QString &text, bool overwrite)
 {
-  if (QFileInfo::exists(path) && !overwrite)
+  if (QFileInfo(path).isFile() && !overwrite)
     throw NbeUserError(
         QObject::tr("%1 exists; --overwrite replaces it, -o names another file").arg(path));
   OutputFiles files(overwrite ? OutputFiles::REPLACE : OutputFiles::REFUSE);
@@ -111,6 +127,7 @@ void InitCommand::run(const QStringList &arguments, Console &console) const
   if (files.size() != 1)
     failUsage(*this, files.isEmpty() ? QObject::tr("the data file is missing")
                                      : QObject::tr("one data file at a time"));
+  refuseJob(files.first());
   console.setQuiet(parser.isSet(name("quiet")));
   const QString output =
       parser.isSet(name("output")) ? parser.value(name("output")) : name("job.json");

@@ -49,7 +49,8 @@ qint64 readMemory(const QString &text)
   const qint64 memory = parseMemorySize(text);
   if (memory <= 0)
     throw UsageError(
-        QObject::tr("--memory: expected a size such as \"500 MB\" or 2GB, found \"%1\"").arg(text));
+        QObject::tr("--memory: expected a size such as \"500 MB\" or 2GB (KB to TB), found \"%1\"")
+            .arg(text));
   return memory;
 }
 

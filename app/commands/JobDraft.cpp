@@ -1,13 +1,17 @@
 #include "app/commands/JobDraft.h"
 
+#include "app/base/UsageError.h"
 #include "app/commands/JobOptions.h"
+#include "app/io/TableReader.h"
 #include "app/job/DataReader.h"
 #include "app/job/JobError.h"
 #include "app/job/JobObject.h"
 #include "app/job/JobReader.h"
 #include "app/job/JsonPath.h"
+#include "app/job/ModelFile.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -26,6 +30,39 @@ QJsonValue toValue(const QString &text)
   return list.size() == 1 ? list.first() : QJsonValue(text);
 }
 
+/// Whether a file that is no job holds a table, of several columns if it is a text.
+bool isTable(const QString &path)
+{
+  QFile file(path);
+  if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+    return false;
+  const QByteArray head = file.read(1024).trimmed();
+  if (head.startsWith('{') || head.startsWith('/'))
+    return false;
+  try {
+    return TableReader::listLayers(path, path, TableFormat()).size() > 1 ||
+           TableReader::open(path, path, TableFormat())->getColumns().size() > 1;
+  } catch (const NbeUserError &) {
+    return false;
+  }
+}
+
+[[noreturn]] void failTable(const QString &path)
+{
+  throw UsageError(
+      QObject::tr("%1 looks like a table, not a job; for a job to start with: orvenal init %1")
+          .arg(path));
+}
+
+[[noreturn]] void failModel(const QString &path)
+{
+  throw UsageError(
+      QObject::tr(
+          "%1 is a variogram model, not a job; a job names it as model.file, a data file is "
+          "kriged with it by --model")
+          .arg(path));
+}
+
 }  // namespace
 
 bool isJobFile(const QString &file)
@@ -36,19 +73,33 @@ bool isJobFile(const QString &file)
 
 JobDraft JobDraft::ofJob(const QString &path)
 {
-  return JobDraft(path, readJobRoot(path), false);
+  try {
+    const QByteArray text = readJobText(path);
+    const QJsonObject root = parseJobRoot(path, text);
+    if (root.contains(QStringLiteral("features")))
+      failTable(path);
+    if (root.contains(QStringLiteral("structures")))
+      failModel(path);
+    return JobDraft(path, text, root);
+  } catch (const UsageError &) {
+    if (isBinaryModel(path))
+      failModel(path);
+    if (isTable(path))
+      failTable(path);
+    throw;
+  }
 }
 
 JobDraft JobDraft::ofData(const QString &path)
 {
-  JobDraft draft(QStringLiteral("job.json"), QJsonObject(), true);
+  JobDraft draft(QStringLiteral("job.json"), QByteArray(), QJsonObject());
   draft.setDefault(QStringLiteral("title"), QFileInfo(path).completeBaseName());
   draft.setDefault(QStringLiteral("data.file"), path);
   return draft;
 }
 
-JobDraft::JobDraft(const QString &path, const QJsonObject &root, bool isOfData)
-    : _path(path), _root(root), _isOfData(isOfData)
+JobDraft::JobDraft(const QString &path, const QByteArray &text, const QJsonObject &root)
+    : _path(path), _text(text), _root(root)
 {
 }
 
@@ -114,7 +165,7 @@ void JobDraft::keepOutputs(const QStringList &keys)
 
 QString JobDraft::toJobPath(const QString &file) const
 {
-  const bool isRelative = _isOfData && !has(QStringLiteral("output.directory"));
+  const bool isRelative = isOfData() && !has(QStringLiteral("output.directory"));
   return isRelative ? file : QDir::current().absoluteFilePath(file);
 }
 
@@ -142,7 +193,7 @@ Job JobDraft::readData() const
 Job JobDraft::read() const
 {
   if (!_isChanged)
-    return readJob(_path);
+    return parseJob(_path, _text);
   try {
     return parseJob(_path, getText());
   } catch (const JobError &error) {
@@ -160,11 +211,11 @@ void JobDraft::_fail(const JobError &error) const
   const QString option = _findOption(error.getPath());
   if (option.isEmpty())
     throw error;
-  if (_isOfData && error.getPath() == QLatin1String("data.file"))
+  if (isOfData() && error.getPath() == QLatin1String("data.file"))
     throw UsageError(error.getReason());
   throw UsageError(
       QStringLiteral("%1: %2").arg(option, error.getReason()) +
-      (_isOfData ? QString() : QStringLiteral(" (%1: %2)").arg(_path, error.getPath())));
+      (isOfData() ? QString() : QStringLiteral(" (%1: %2)").arg(_path, error.getPath())));
 }
 
 QString JobDraft::_findOption(const QString &path) const
@@ -177,7 +228,7 @@ QString JobDraft::_findOption(const QString &path) const
     if (isWithin(origin.key(), path) && origin.value().startsWith(QLatin1String("--set")))
       return origin.value();  // it has made what is wrong
   }
-  if (!_isOfData)
+  if (!isOfData())
     return QString();
   for (const JobOption &option : jobOptions()) {
     if (isWithin(path, option.path) || isWithin(option.path, path))

@@ -18,19 +18,22 @@ bool isJobFile(const QString &file);
 class JobDraft
 {
 public:
-  /// The job of a file.
+  /// The job of a file. One that holds a table instead is told from a damaged job.
   static JobDraft ofJob(const QString &path);
 
   /// A job that names its data and nothing else.
   static JobDraft ofData(const QString &path);
 
-  bool isOfData() const { return _isOfData; }
+  bool isOfData() const { return _text.isNull(); }
 
   QJsonValue get(const QString &path) const;
   bool has(const QString &path) const { return !get(path).isUndefined(); }
 
   /// Whether an option has set a member, or something within it.
   bool isGiven(const QString &path) const;
+
+  /// The option that has set a member; empty if none has.
+  QString getOrigin(const QString &path) const { return _origins.value(path); }
 
   /// A member that the option `origin` ("--radius") sets; an undefined value removes it.
   void set(const QString &path, const QJsonValue &value, const QString &origin);
@@ -58,14 +61,14 @@ public:
   QByteArray getText() const;
 
 private:
-  JobDraft(const QString &path, const QJsonObject &root, bool isOfData);
+  JobDraft(const QString &path, const QByteArray &text, const QJsonObject &root);
 
   [[noreturn]] void _fail(const class JobError &error) const;
   QString _findOption(const QString &path) const;
 
   QString _path;
+  QByteArray _text;  ///< of the job file; null without one
   QJsonObject _root;
-  bool _isOfData;
   bool _isChanged = false;
   QMap<QString, QString> _origins;  ///< options by the members that they set
 };

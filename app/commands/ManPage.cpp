@@ -136,7 +136,7 @@ QString manPage(const Program &program)
   text += QObject::tr(
       ".SH EXIT STATUS\n.TP\n0\nDone.\n.TP\n1\nFailed: the data, a file that cannot be written, "
       "the estimation.\n.TP\n2\nWrong use: the command line, or a job that is wrong in itself.\n"
-      ".TP\n130\nInterrupted by Ctrl\\-C; 143 by SIGTERM.\n"
+      ".TP\n130\nInterrupted by Ctrl\\-C; 143 by SIGTERM, 129 by SIGHUP.\n"
       ".SH ENVIRONMENT\n.TP\nNO_COLOR\nNo colors on the terminal when it is set.\n");
   return text.trimmed();
 }

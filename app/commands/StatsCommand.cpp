@@ -18,14 +18,25 @@ namespace orvenal {
 
 namespace {
 
+void warnOfTexts(const ColumnSummary &column, Console &console)
+{
+  console.warn(QObject::tr("\"%1\" is left out, as %2 of its values are texts, such as \"%3\"; "
+                           "--undefined takes a text for an undefined value")
+                   .arg(column.name, groupedText(column.nTexts), column.example.simplified()));
+}
+
 /// All columns of numbers but those that are named as coordinates.
-QList<JobVariable> numericColumns(JobTable &table)
+QList<JobVariable> numericColumns(JobTable &table, Console &console)
 {
   const TableSummary summary = summarizeTable(table.file, table.shown, table.format);
+  if (summary.nRecords == 0)
+    TableReader::failEmpty(table.shown);
   table.format = summary.format;
   QList<JobVariable> variables;
   for (const ColumnSummary &column : summary.columns) {
     const bool isCoordinate = QStringList{table.x, table.y, table.z}.contains(column.name);
+    if (column.getType() == ColumnSummary::MIXED && !isCoordinate)
+      warnOfTexts(column, console);
     if (column.getType() != ColumnSummary::NUMBERS || isCoordinate)
       continue;
     JobVariable variable;
@@ -81,7 +92,7 @@ void StatsCommand::_execute(JobDraft &draft, const RunSettings &settings, Consol
 {
   Job job = draft.isOfData() ? draft.readData() : draft.read();
   const QList<JobVariable> variables = job.variable.column.isEmpty()
-                                           ? numericColumns(job.data)
+                                           ? numericColumns(job.data, console)
                                            : QList<JobVariable>{job.variable} + job.covariates;
   const RunContext context{console, settings.threads > 0 ? settings.threads : job.threads,
                            settings.memory > 0 ? settings.memory : job.memory};

@@ -19,6 +19,7 @@ void StudyCommand::_execute(JobDraft &draft, const RunSettings &settings, Consol
 {
   _complete(draft);
   completeNeighborhood(draft);
+  completeCrossValidation(draft);
   completeMask(draft);
   if (draft.isOfData())
     checkColumns(draft);

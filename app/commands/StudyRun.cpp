@@ -1,10 +1,10 @@
 #include "app/commands/StudyRun.h"
 
 #include "app/base/NumberText.h"
+#include "app/base/PathText.h"
 #include "app/console/Console.h"
 #include "app/console/Interruption.h"
 #include "app/io/GridWriter.h"
-#include "app/io/SpatialReference.h"
 #include "app/job/ModelFile.h"
 #include "app/plot/CrossValidationPicture.h"
 #include "app/plot/HistogramPicture.h"
@@ -20,6 +20,7 @@
 #include "app/report/StudyReport.h"
 #include "app/report/VariogramCsvWriter.h"
 #include "app/study/DataChecks.h"
+#include "app/study/FitWarnings.h"
 #include "app/study/References.h"
 #include "app/study/Statistics.h"
 #include "app/study/VariogramMap.h"
@@ -27,7 +28,6 @@
 #include "basic/provider/NbpMemoryProviderPointsW.h"
 #include "geos/data/NgdDataSetPoints.h"
 
-#include <QDir>
 #include <QJsonDocument>
 #include <QObject>
 
@@ -163,12 +163,8 @@ void StudyRun::_fitModel()
   job.model = _result.fit->model;
   job.hasModel = true;
   _console.print(QObject::tr("  fitted   %1").arg(Describe::model(job)));
-  if (job.model.getNStructures() == 0)
-    _console.warn(
-        QObject::tr("the fit found a nugget effect and no structure: as far as the "
-                    "variograms tell, near samples are no more alike than distant ones"));
-  if (!_result.fit->hasConverged)
-    _console.warn(QObject::tr("the fit of the model stopped before it converged"));
+  for (const QString &warning : fitWarnings(job, _result.variography, *_result.fit))
+    _console.warn(warning);
   _endStep(QObject::tr("Fit of the model"));
 }
 
@@ -240,7 +236,9 @@ void StudyRun::_drawVariograms()
     _result.variogramPicture = _savePicture(job.output.variogramPicture, picture);
   }
   _drawVariogramMap(style);
-  _endStep(QObject::tr("Picture of the variograms"));
+  _endStep(job.output.variogramMap.isEmpty() && job.output.variogramCloud.isEmpty()
+               ? QObject::tr("Picture of the variograms")
+               : QObject::tr("Variogram map and cloud, pictures"));
 }
 
 void StudyRun::_drawMaps()
@@ -284,7 +282,7 @@ void StudyRun::_writeFiles()
 {
   const JobOutput &output = _result.job.output;
   for (const QString &file : output.grids)
-    writeGrid(_files.getTemporaryPath(file), file,
+    writeGrid(_files.getTemporaryPath(file), shownPath(file),
               gridTableOf(_result.job, _result.estimation->grid));
   if (!output.variogramTable.isEmpty())
     _files.write(output.variogramTable, variogramCsv(_result.variography, _result.job));
@@ -293,8 +291,8 @@ void StudyRun::_writeFiles()
                  modelToBytes(output.fittedModel, _result.job.model, _result.job.getNDimensions()));
   if (!output.crossValidationTable.isEmpty())
     writeCrossValidation(_files.getTemporaryPath(output.crossValidationTable),
-                         output.crossValidationTable, _result.crossValidation, _result.samples,
-                         _result.job);
+                         shownPath(output.crossValidationTable), _result.crossValidation,
+                         _result.samples, _result.job);
   _endStep(QObject::tr("Writing"));
   _result.warnings = _console.getWarnings();
   if (!output.report.isEmpty())
@@ -304,7 +302,7 @@ void StudyRun::_writeFiles()
   Interruption::check();
   _files.commit();
   for (const QString &file : output.getFiles())
-    _console.print(QObject::tr("written: %1").arg(QDir::current().relativeFilePath(file)));
+    _console.print(QObject::tr("written: %1").arg(shownPath(file)));
 }
 
 void StudyRun::_warnOfData()
@@ -314,8 +312,8 @@ void StudyRun::_warnOfData()
   if (samples.nUndefined > 0)
     _console.report(
         QObject::tr("  %1 of the samples have no value").arg(groupedText(samples.nUndefined)));
-  if (const QString note = DataChecks::looksLikeDegrees(job, samples); !note.isEmpty())
-    _console.report(QObject::tr("  note: ") + note);
+  if (const QString degrees = DataChecks::seemsToBeDegrees(job, samples); !degrees.isEmpty())
+    _console.warn(degrees);
   if (_isToDo(Step::KRIGING)) {
     if (const QString miss = DataChecks::gridMissesSamples(job, samples); !miss.isEmpty())
       _console.warn(miss);
@@ -323,11 +321,6 @@ void StudyRun::_warnOfData()
   if (_result.nMaskOutside > 0)
     _console.warn(QObject::tr("%1 points of %2 are outside the grid")
                       .arg(groupedText(_result.nMaskOutside), job.mask->shown));
-  QString reason;
-  if (!job.crs.isEmpty() && SpatialReference::parse(job.crs, reason).isGeographic())
-    _console.warn(
-        QObject::tr("the coordinates are degrees: a degree of longitude is shorter than "
-                    "one of latitude, and distances are measured as if they were equal"));
 }
 
 /// Samples at one place have equal rows in the systems of kriging, unless something tells them

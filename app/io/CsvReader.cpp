@@ -43,12 +43,29 @@ void CsvReader::_readHeader()
     throw NbeUserError(
         QObject::tr("%1: the fields are separated by %2, which cannot be the decimal mark too")
             .arg(_getShownName(), separatorName(_format.separator)));
-  if (!_records.nextRecord())
+  if (!_records.nextRecord() || (_isSeparatorLine() && !_records.nextRecord()))
     throw NbeUserError(QObject::tr("%1: the file has no header line").arg(_getShownName()));
   QStringList columns;
-  for (int i = 0; i < _records.getCount(); ++i)
+  int nNumbers = 0;
+  double number = 0.;
+  for (int i = 0; i < _records.getCount(); ++i) {
     columns << textFromBytes(_records.getField(i));
+    nNumbers += _parser.classify(_records.getField(i), number) == NUMBER ? 1 : 0;
+  }
+  if (nNumbers > 1 && nNumbers == columns.size())
+    _records.fail(
+        QObject::tr("the names of the columns are missing: the first line holds numbers"));
+  _headerLine = _records.getLine();
   _setColumns(columns);
+}
+
+/// "sep=;", by which a spreadsheet is told what separates fields.
+bool CsvReader::_isSeparatorLine() const
+{
+  const bool isAlone =
+      _records.getCount() == 1 || (_records.getCount() == 2 && _records.getField(1).empty());
+  return isAlone &&
+         textFromBytes(_records.getField(0)).startsWith(QLatin1String("sep="), Qt::CaseInsensitive);
 }
 
 bool CsvReader::next()
@@ -84,7 +101,7 @@ QString CsvReader::_getPlace() const
 
 QString CsvReader::_getHeaderPlace() const
 {
-  return QObject::tr("line 1");
+  return QObject::tr("line %1").arg(_headerLine);
 }
 
 }  // namespace orvenal

@@ -40,10 +40,12 @@ protected:
 
 private:
   void _readHeader();
+  bool _isSeparatorLine() const;
 
   TableFormat _format;
   TextRecords _records;
   FieldParser _parser;
+  qint64 _headerLine = 1;
 };
 
 }  // namespace orvenal

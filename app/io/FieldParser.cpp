@@ -5,6 +5,7 @@
 
 #include <QByteArray>
 #include <QObject>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <charconv>
@@ -24,6 +25,15 @@ bool isTiny(std::string_view number)
   if (exponent != std::string_view::npos)
     return number.substr(exponent + 1, 1) == "-";
   return number.substr(0, number.find('.')).find_first_of("123456789") == std::string_view::npos;
+}
+
+/// Whether a field is a number whose thousands are set apart: "1,234.5", "1.234,5", "1 234".
+bool isGrouped(std::string_view field)
+{
+  static const QRegularExpression pattern(
+      QStringLiteral("^[+-]?\\d{1,3}(?:([.,'\u2019\\s\u00A0\u202F])\\d{3})(?:\\1\\d{3})*"
+                     "(?:[.,]\\d+)?$"));
+  return pattern.match(textFromBytes(field)).hasMatch();
 }
 
 double checked(double value, const QString &shown, const TableReader &reader, int column)
@@ -146,6 +156,8 @@ void FieldParser::_failNumber(std::string_view field, const TableReader &reader,
   if (swapped != field && _parse(swapped, value))
     hint = QObject::tr("; for numbers like this set \"decimal\": \"%1\"")
                .arg(QLatin1Char(_decimal == '.' ? ',' : '.'));
+  if (hint.isEmpty() && isGrouped(field))
+    hint = QObject::tr("; numbers are written without marks between thousands");
   reader.fail(column, QObject::tr("\"%1\" is not a number").arg(shownText(field)) + hint);
 }
 

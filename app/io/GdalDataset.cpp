@@ -60,8 +60,11 @@ GdalDatasetPtr openNamed(const QByteArray &name, const QString &shownName)
   GdalDatasetPtr dataset(GDALDataset::Open(
       name.constData(), GDAL_OF_VECTOR | GDAL_OF_RASTER | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR,
       allowedDrivers().List()));
-  if (!dataset)
-    throw NbeUserError(QObject::tr("%1: cannot be read: %2").arg(shownName, errors.getMessage()));
+  if (!dataset) {
+    const QString quotedName = '`' + QFile::decodeName(name) + QStringLiteral("' ");
+    throw NbeUserError(QObject::tr("%1: cannot be read: %2")
+                           .arg(shownName, errors.getMessage().remove(quotedName)));
+  }
   return dataset;
 }
 

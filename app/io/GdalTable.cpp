@@ -7,8 +7,11 @@
 #include "app/io/GdalTableReader.h"
 #include "basic/error/NbeUserError.h"
 
+#include <QFile>
+#include <QFileInfo>
 #include <QObject>
 
+#include <cpl_string.h>
 #include <ogrsf_frmts.h>
 
 namespace orvenal {
@@ -85,6 +88,20 @@ std::unique_ptr<TableReader> openGdalTable(const QString &path, const QString &s
   TableFormat chosen = format;
   chosen.layer = chooseLayer(shownName, format, layerNames(layers));
   return std::make_unique<GdalTableReader>(std::move(dataset), shownName, chosen);
+}
+
+QStringList listGdalFiles(const QString &path, const QString &shownName)
+{
+  const GdalDatasetPtr dataset = openGdalDataset(path, shownName);
+  const GdalErrors errors;
+  const CPLStringList names(dataset->GetFileList());
+  QStringList files;
+  for (int i = 0; i < names.Count(); ++i) {
+    const QFileInfo file(QFile::decodeName(names[i]));
+    if (file.isFile())
+      files << file.absoluteFilePath();
+  }
+  return files;
 }
 
 QList<TableLayer> listGdalLayers(const QString &path, const QString &shownName)

@@ -17,4 +17,7 @@ std::unique_ptr<TableReader> openGdalTable(const QString &path, const QString &s
 /// The layers of a file, or the variables of a raster file; none for a plain raster.
 QList<TableLayer> listGdalLayers(const QString &path, const QString &shownName);
 
+/// The local files of which a data set consists, absolute.
+QStringList listGdalFiles(const QString &path, const QString &shownName);
+
 }  // namespace orvenal

@@ -18,6 +18,7 @@ namespace orvenal {
 namespace {
 
 constexpr std::size_t longestAxis = 1 << 24;
+constexpr std::size_t largestRows = 1 << 26;  // values of a row of all variables
 
 /// Dimensions of a variable; none for one that holds no numbers.
 std::vector<int> dimensionsOf(int file, int variable)
@@ -30,6 +31,23 @@ std::vector<int> dimensionsOf(int file, int variable)
   std::vector<int> dimensions(std::size_t(std::max(n, 0)));
   nc_inq_vardimid(file, variable, dimensions.data());
   return dimensions;
+}
+
+/// Whether a dimension may grow. Variables over it need not reach its end.
+bool isUnlimited(int file, int dimension)
+{
+  int n = 0;
+  nc_inq_unlimdims(file, &n, nullptr);
+  std::vector<int> unlimited(std::size_t(std::max(n, 0)));
+  nc_inq_unlimdims(file, nullptr, unlimited.data());
+  return std::find(unlimited.begin(), unlimited.end(), dimension) != unlimited.end();
+}
+
+/// How many places there are before one that is not finite.
+std::size_t countFinite(const std::vector<double> &places)
+{
+  const auto isFinite = [](double x) { return std::isfinite(x); };
+  return std::size_t(std::find_if_not(places.begin(), places.end(), isFinite) - places.begin());
 }
 
 QString nameOf(int file, int variable)
@@ -100,13 +118,16 @@ bool NetcdfReader::_findVariables()
 
 bool NetcdfReader::_addVariable(int id, const QString &name)
 {
-  double value = 0.;
   for (const char *packing : {"scale_factor", "add_offset", "missing_value"}) {
     if (nc_inq_attid(_file, id, packing, nullptr) == NC_NOERR)
       return false;
   }
-  const bool hasFill = nc_get_att_double(_file, id, "_FillValue", &value) == NC_NOERR;
-  _variables.push_back({id, hasFill ? value : std::numeric_limits<double>::quiet_NaN(), {}});
+  double fill = std::numeric_limits<double>::quiet_NaN();
+  std::size_t nFills = 0;
+  if (nc_inq_attlen(_file, id, "_FillValue", &nFills) == NC_NOERR &&
+      (nFills != 1 || nc_get_att_double(_file, id, "_FillValue", &fill) != NC_NOERR))
+    return false;
+  _variables.push_back({id, fill, {}});
   _setColumns(QStringList(getColumns()) << name);
   return true;
 }
@@ -115,10 +136,13 @@ bool NetcdfReader::_findCoordinates()
 {
   for (const int dimension : _dimensions) {
     std::size_t length = 0;
-    if (nc_inq_dimlen(_file, dimension, &length) != NC_NOERR || length < 1 || length > longestAxis)
+    if (nc_inq_dimlen(_file, dimension, &length) != NC_NOERR || length < 1 ||
+        length > longestAxis || isUnlimited(_file, dimension))
       return false;
     _length.push_back(length);
   }
+  if (_length.back() * _variables.size() > largestRows)
+    return false;
   const std::size_t n = _dimensions.size();
   QStringList names = {QStringLiteral("x"), QStringLiteral("y"), QStringLiteral("z")};
   if (n == 3 && !_readAxis(_dimensions[0], _axes[2]))
@@ -132,7 +156,7 @@ bool NetcdfReader::_findCoordinates()
     for (int axis = 0; axis < 2; ++axis)
       _axes[axis].resize(_length.back());
   } else {
-    _turned[0] = -1;
+    _turned[0] = _turned[1] = -1;
     if (!_readAxis(_dimensions[n - 1], _axes[0]) || !_readAxis(_dimensions[n - 2], _axes[1]))
       return false;
   }
@@ -157,7 +181,8 @@ bool NetcdfReader::_readAxis(int dimension, std::vector<double> &places) const
       dimensionsOf(_file, variable) != std::vector<int>{dimension})
     return false;
   places.resize(length);
-  return nc_get_var_double(_file, variable, places.data()) == NC_NOERR;
+  return nc_get_var_double(_file, variable, places.data()) == NC_NOERR &&
+         countFinite(places) == length;
 }
 
 bool NetcdfReader::_readReference()
@@ -219,8 +244,13 @@ void NetcdfReader::_readRow()
     for (double &value : variable.row)
       value = value == variable.fill ? std::numeric_limits<double>::quiet_NaN() : value;
   }
-  for (int axis = 0; axis < 2 && _turned[0] >= 0; ++axis)
+  for (int axis = 0; axis < 2 && _turned[0] >= 0; ++axis) {
     _read(_turned[axis], _axes[axis].data());
+    _i = countFinite(_axes[axis]);
+    if (_i < _axes[axis].size())
+      fail(axis, QObject::tr("the place is not a finite number"));
+    _i = 0;
+  }
 }
 
 /// A row of a variable; those of the plane have no layers.

@@ -17,7 +17,8 @@ class NetcdfReader : public TableReader
 {
 public:
   /// Nothing for files of other layouts, which GDAL may read variable by variable: dimensions
-  /// without coordinates, packed values, references without WKT, and for a `format.layer`.
+  /// without coordinates or without a fixed length, packed values, references without WKT, and for
+  /// a `format.layer`.
   static std::unique_ptr<NetcdfReader> tryOpen(const QString &path, const QString &shownName,
                                                const TableFormat &format);
 

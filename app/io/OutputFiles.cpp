@@ -1,5 +1,6 @@
 #include "app/io/OutputFiles.h"
 
+#include "app/base/PathText.h"
 #include "app/io/TextFile.h"
 #include "basic/error/NbeAssertion.h"
 #include "basic/error/NbeUserError.h"
@@ -25,7 +26,7 @@ namespace {
 
 [[noreturn]] void failToWrite(const QString &path, const QString &reason)
 {
-  throw NbeUserError(QObject::tr("%1: cannot be written: %2").arg(path, reason));
+  throw NbeUserError(QObject::tr("%1: cannot be written: %2").arg(shownPath(path), reason));
 }
 
 QString systemReason()
@@ -83,7 +84,7 @@ QString OutputFiles::getTemporaryPath(const QString &path) const
 
 void OutputFiles::write(const QString &path, const QByteArray &content)
 {
-  TextFile file(getTemporaryPath(path), path);
+  TextFile file(getTemporaryPath(path), shownPath(path));
   file.text() = content;
   file.finish();
 }
@@ -149,21 +150,22 @@ void OutputFiles::_refuseExisting(const QStringList &paths) const
   constexpr int mostNamed = 10;
   if (_existing == REPLACE)
     return;
-  QStringList lines;
-  int nMore = 0;
+  QStringList names;
   for (const QString &path : paths) {
     const QFileInfo target(path);
-    if (!target.exists() || target.isDir())
-      continue;
-    if (lines.size() < mostNamed)
-      lines << QObject::tr("%1 exists; --overwrite replaces it").arg(path);
-    else
-      ++nMore;
+    if (target.exists() && !target.isDir())
+      names << shownPath(path);
   }
-  if (nMore > 0)
-    lines << QObject::tr("and %1 more").arg(nMore);
-  if (!lines.isEmpty())
-    throw NbeUserError(lines.join('\n'));
+  if (names.isEmpty())
+    return;
+  if (names.size() == 1)
+    throw NbeUserError(QObject::tr("%1 exists; --overwrite replaces it").arg(names.first()));
+  QString text = QObject::tr("%1 files exist; --overwrite replaces them:").arg(names.size());
+  for (const QString &name : names.mid(0, mostNamed))
+    text += QStringLiteral("\n  ") + name;
+  if (names.size() > mostNamed)
+    text += QObject::tr("\n  and %1 more").arg(names.size() - mostNamed);
+  throw NbeUserError(text);
 }
 
 void OutputFiles::_reserveFile(const QString &path)
@@ -206,8 +208,10 @@ void OutputFiles::_makeFolder(const QString &folder, const QString &file)
   const QMutexLocker locker(&_mutex);
   if (::mkdir(QFile::encodeName(folder).constData(), 0777) == 0)
     _madeFolders << folder;
+  else if (info.exists() && !info.isDir())
+    failToWrite(file, QObject::tr("%1 is no folder").arg(shownPath(folder)));
   else if (!QFileInfo(folder).isDir())
-    failToWrite(file, QObject::tr("%1: %2").arg(folder, systemReason()));
+    failToWrite(file, QObject::tr("%1: %2").arg(shownPath(folder), systemReason()));
 }
 
 }  // namespace orvenal

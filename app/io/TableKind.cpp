@@ -97,9 +97,14 @@ bool looksLikeGeoEas(const QString &path, const QString &shownName)
 TableFormat::Kind findTableKind(const QString &path, const QString &shownName)
 {
   const QString ending = QFileInfo(path).suffix().toLower();
-  if (isOneOf(ending, std::begin(gdalEndings), std::end(gdalEndings)) ||
-      (!isTextEnding(ending) && isBinary(readHead(path, shownName))))
+  if (isOneOf(ending, std::begin(gdalEndings), std::end(gdalEndings)))
     return TableFormat::GDAL;
+  if (!isTextEnding(ending)) {
+    const QByteArray head = readHead(path, shownName);
+    refusePacked({head.constData(), std::size_t(head.size())}, shownName);
+    if (isBinary(head))
+      return TableFormat::GDAL;
+  }
   if (isGeoEasEnding(ending))
     return TableFormat::GEO_EAS;
   if (!mayBeGeoEas(ending))

@@ -8,6 +8,7 @@
 #include "app/io/TableKind.h"
 #include "basic/error/NbeUserError.h"
 
+#include <QFileInfo>
 #include <QObject>
 
 namespace orvenal {
@@ -37,6 +38,21 @@ QList<TableLayer> TableReader::listLayers(const QString &path, const QString &sh
   const bool hasLayers =
       kind == TableFormat::GDAL && !NetcdfReader::tryOpen(path, shownName, format);
   return hasLayers ? listGdalLayers(path, shownName) : QList<TableLayer>();
+}
+
+QStringList TableReader::listFiles(const QString &path, const QString &shownName,
+                                   const TableFormat &format)
+{
+  const TableFormat::Kind kind =
+      format.kind == TableFormat::AUTO ? findTableKind(path, shownName) : format.kind;
+  QStringList files = {QFileInfo(path).absoluteFilePath()};
+  if (kind != TableFormat::GDAL || NetcdfReader::tryOpen(path, shownName, format))
+    return files;
+  for (const QString &file : listGdalFiles(path, shownName)) {
+    if (!files.contains(file))
+      files << file;
+  }
+  return files;
 }
 
 TableReader::TableReader(const QString &shownName) : _shownName(shownName) {}
@@ -80,6 +96,11 @@ void TableReader::fail(int column, const QString &message) const
 void TableReader::fail(const QString &message) const
 {
   _failAt(_getPlace(), message);
+}
+
+void TableReader::failEmpty(const QString &shownName)
+{
+  throw NbeUserError(QObject::tr("%1: no rows below the header").arg(shownName));
 }
 
 void TableReader::_failAt(const QString &place, const QString &message) const

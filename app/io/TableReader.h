@@ -52,6 +52,11 @@ public:
   static QList<TableLayer> listLayers(const QString &path, const QString &shownName,
                                       const TableFormat &format);
 
+  /// The files that make up a table, absolute: that of the path first, then those beside it that
+  /// belong to its format (.shx, .dbf and .prj of a Shapefile).
+  static QStringList listFiles(const QString &path, const QString &shownName,
+                               const TableFormat &format);
+
   virtual ~TableReader();
   TableReader(const TableReader &) = delete;
   TableReader &operator=(const TableReader &) = delete;
@@ -88,6 +93,9 @@ public:
 
   /// The coordinate reference system that the file names, as WKT; empty when it names none.
   virtual QString getReference() const;
+
+  /// Throws the error of a table without records.
+  [[noreturn]] static void failEmpty(const QString &shownName);
 
   /// Throws the error of a field of the current record, or of the record.
   [[noreturn]] void fail(int column, const QString &message) const;

@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <QTextCodec>
+#include <QTextDecoder>
 
 #include <algorithm>
 #include <cstring>
@@ -25,6 +26,11 @@ bool isBlank(int c)
 bool isLineEnd(int c)
 {
   return c == '\n' || c == '\r';
+}
+
+bool startsWith(std::string_view text, std::string_view start)
+{
+  return text.substr(0, start.size()) == start;
 }
 
 }  // namespace
@@ -55,6 +61,17 @@ std::string_view trimmed(std::string_view text)
   return text;
 }
 
+void refusePacked(std::string_view head, const QString &shownName)
+{
+  if (startsWith(head, "\x1F\x8B"))
+    throw NbeUserError(QObject::tr("%1: the file is compressed (gzip); unpack it").arg(shownName));
+  if (startsWith(head, "PK\x03\x04"))
+    throw NbeUserError(
+        QObject::tr("%1: the file is a ZIP archive; unpack it, or call it .xlsx if it "
+                    "is a workbook of Excel")
+            .arg(shownName));
+}
+
 TextRecords::TextRecords(const QString &path, const QString &shownName)
     : _shownName(shownName), _file(path)
 {
@@ -64,13 +81,26 @@ TextRecords::TextRecords(const QString &path, const QString &shownName)
   _chunk.resize(size > 0 ? std::min(chunkSize, std::size_t(size)) : chunkSize);
   if (!_fill())
     throw NbeUserError(QObject::tr("%1: the file is empty").arg(_shownName));
-  const auto startsWith = [this](const char *bytes, std::size_t n) {
-    return _available >= n && std::memcmp(_chunk.data(), bytes, n) == 0;
-  };
-  if (startsWith("\xFF\xFE", 2) || startsWith("\xFE\xFF", 2))
-    fail(QObject::tr("the file is UTF-16 text; save it as UTF-8"));
-  if (startsWith("\xEF\xBB\xBF", 3))
+  const std::string_view head(_chunk.data(), _available);
+  refusePacked(head, _shownName);
+  if (startsWith(head, "\xEF\xBB\xBF"))
     _position = 3;
+  _startDecoding();
+}
+
+TextRecords::~TextRecords() = default;
+
+/// Text of two bytes per character is known by its mark.
+void TextRecords::_startDecoding()
+{
+  const std::string_view head(_chunk.data(), _available);
+  const bool isLittle = startsWith(head, "\xFF\xFE");
+  if (!isLittle && !startsWith(head, "\xFE\xFF"))
+    return;
+  _decoder.reset(QTextCodec::codecForName(isLittle ? "UTF-16LE" : "UTF-16BE")->makeDecoder());
+  _file.seek(0);
+  if (!_fill())
+    throw NbeUserError(QObject::tr("%1: the file is empty").arg(_shownName));
 }
 
 char TextRecords::detectSeparator() const
@@ -149,11 +179,19 @@ void TextRecords::_begin()
 bool TextRecords::_fill()
 {
   Interruption::check();
-  const qint64 n = _file.read(_chunk.data(), qint64(_chunk.size()));
+  const qint64 n = _file.read(_chunk.data(), qint64(std::min(_chunk.size(), chunkSize)));
   if (n < 0)
     throw NbeUserError(QObject::tr("%1: cannot be read: %2").arg(_shownName, _file.errorString()));
   _position = 0;
   _available = std::size_t(n);
+  if (_decoder && n > 0) {
+    const QByteArray text = _decoder->toUnicode(_chunk.data(), int(n)).toUtf8();
+    if (text.isEmpty())
+      return _fill();
+    _chunk.resize(std::max(_chunk.size(), std::size_t(text.size())));
+    std::copy(text.begin(), text.end(), _chunk.begin());
+    _available = std::size_t(text.size());
+  }
   return n > 0;
 }
 
@@ -249,7 +287,8 @@ void TextRecords::_readQuotedField()
 void TextRecords::_append(int c)
 {
   if (c == 0)
-    fail(QObject::tr("a null byte; this is not a text file"));
+    fail(
+        QObject::tr("a null byte; this is not a text file, unless it is UTF-16: save it as UTF-8"));
   if (_record.size() >= longestRecord)
     fail(QObject::tr("the record is longer than 16 MB; this is not a table"));
   _record.push_back(char(c));

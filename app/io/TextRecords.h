@@ -3,9 +3,12 @@
 #include <QFile>
 #include <QString>
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
+
+class QTextDecoder;
 
 namespace orvenal {
 
@@ -18,19 +21,24 @@ QString shownText(std::string_view bytes);
 /// A text without the blanks and tabs around it.
 std::string_view trimmed(std::string_view text);
 
+/// Throws an error when a file that begins like this is compressed, or a workbook.
+void refusePacked(std::string_view head, const QString &shownName);
+
 /// Takes a text file apart into lines, or into records of fields, in constant memory.
 ///
-/// Understood: a byte-order mark of UTF-8, Unix, Windows and old Macintosh line ends, a last line
-/// without an end. In records: fields in double quotes with doubled quotes, separators and line
-/// ends inside; blanks around a field are dropped, empty lines are skipped.
+/// Understood: byte-order marks of UTF-8 and UTF-16 (whose text is taken as UTF-8), Unix, Windows
+/// and old Macintosh line ends, a last line without an end. In records: fields in double quotes
+/// with doubled quotes, separators and line ends inside; blanks around a field are dropped, empty
+/// lines are skipped.
 ///
-/// Errors are NbeUserErrors that name file and line: a file that cannot be read or is empty,
-/// UTF-16, null bytes, quotes that are not closed, records above 16 MB.
+/// Errors are NbeUserErrors that name file and line: a file that cannot be read, is empty or
+/// packed, null bytes, quotes that are not closed, records above 16 MB.
 class TextRecords
 {
 public:
   /// Opens the file. `shownName` stands for it in messages.
   TextRecords(const QString &path, const QString &shownName);
+  ~TextRecords();
 
   /// What separates fields; ' ' is any number of blanks and tabs.
   void setSeparator(char separator) { _separator = separator; }
@@ -64,6 +72,7 @@ private:
     std::size_t length;
   };
 
+  void _startDecoding();
   void _begin();
   int _peek();
   int _get();
@@ -80,6 +89,7 @@ private:
   QString _shownName;
   char _separator = ' ';
   QFile _file;
+  std::unique_ptr<QTextDecoder> _decoder;  ///< of UTF-16; none for what is taken as it is
   std::vector<char> _chunk;
   std::size_t _position = 0;
   std::size_t _available = 0;

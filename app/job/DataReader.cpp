@@ -1,11 +1,12 @@
 #include "app/job/DataReader.h"
 
+#include "app/base/PathText.h"
+#include "app/io/InputFile.h"
 #include "app/io/SpatialReference.h"
 #include "app/job/JobObject.h"
 #include "app/job/KrigingReader.h"
 
 #include <QDir>
-#include <QFileInfo>
 #include <QObject>
 
 #include <tuple>
@@ -57,6 +58,20 @@ JobVariable readVariable(const JobObject &object)
 
 }  // namespace
 
+QString findInput(const JobObject &object, const QString &name, const QDir &folder)
+{
+  const QString shown = object.text(name);
+  const QString path = shown.isEmpty() ? QString() : folder.absoluteFilePath(shown);
+  const bool isRelative = QDir::isRelativePath(shown);
+  const QString problem = inputFileProblem(path, isRelative ? shown : shownPath(path));
+  if (problem.isEmpty())
+    return path;
+  const bool isElsewhere = isRelative && folder != QDir::current();
+  object.fail(name, isElsewhere ? QObject::tr("%1 (in \"%2\", the folder of the job)")
+                                      .arg(problem, shownPath(folder.absolutePath()))
+                                : problem);
+}
+
 QStringList tableKeys()
 {
   return {key("file"), key("format"), key("layer"), key("separator"), key("decimal"),
@@ -68,14 +83,7 @@ JobTable readTable(const JobObject &object, const QDir &folder)
   JobTable table;
   table.path = object.getPath();
   table.shown = object.text(key("file"));
-  table.file = folder.absoluteFilePath(table.shown);
-  const QFileInfo file(table.file);
-  if (table.shown.isEmpty() || !file.exists())
-    object.fail(key("file"), QObject::tr("there is no file \"%1\"").arg(table.file));
-  if (file.isDir())
-    object.fail(key("file"), QObject::tr("\"%1\" is a folder").arg(table.file));
-  if (!file.isFile())
-    object.fail(key("file"), QObject::tr("\"%1\" is not a regular file").arg(table.file));
+  table.file = findInput(object, key("file"), folder);
   table.format = readFormat(object);
   table.x = object.text(key("x"), key("x"));
   table.y = object.text(key("y"), key("y"));

@@ -10,6 +10,10 @@ namespace orvenal {
 
 class JobObject;
 
+/// The absolute path of an input that a member names; it is searched from `folder` and has to
+/// exist.
+QString findInput(const JobObject &object, const QString &name, const QDir &folder);
+
 /// Keys of an object that names a table of points.
 QStringList tableKeys();
 

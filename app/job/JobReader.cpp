@@ -1,7 +1,9 @@
 #include "app/job/JobReader.h"
 
+#include "app/base/PathText.h"
 #include "app/base/Suggestion.h"
 #include "app/base/UsageError.h"
+#include "app/io/InputFile.h"
 #include "app/job/DataReader.h"
 #include "app/job/GridReader.h"
 #include "app/job/JobObject.h"
@@ -22,18 +24,6 @@ namespace orvenal {
 
 namespace {
 
-QByteArray readFile(const QString &path)
-{
-  constexpr qint64 largestJob = 16 << 20;
-  QFile file(path);
-  if (!file.open(QIODevice::ReadOnly))
-    throw UsageError(QObject::tr("%1: cannot be read: %2").arg(path, file.errorString()));
-  const QByteArray text = file.read(largestJob + 1);
-  if (text.size() > largestJob)
-    throw UsageError(QObject::tr("%1: larger than 16 MB; this is not a job").arg(path));
-  return text;
-}
-
 void readResources(const JobObject &root, Job &job)
 {
   if (root.has(key("threads")))
@@ -42,7 +32,8 @@ void readResources(const JobObject &root, Job &job)
     return;
   job.memory = parseMemorySize(root.text(key("memory")));
   if (job.memory <= 0)
-    root.fail(key("memory"), QObject::tr("expected a size such as \"500 MB\" or \"2 GB\""));
+    root.fail(key("memory"),
+              QObject::tr("expected a size such as \"500 MB\" or \"2 GB\" (KB to TB)"));
 }
 
 CrossValidationRequest readCrossValidation(const JobObject &object)
@@ -96,11 +87,9 @@ NgmVModel readModelOf(const JobObject &root, const QDir &folder, Job &job)
     if (object.has(part))
       object.fail(part, QObject::tr("the model is that of \"file\""));
   }
-  const QString file = folder.absoluteFilePath(object.text(key("file")));
-  if (!QFileInfo(file).isFile())
-    object.fail(key("file"), QObject::tr("there is no file \"%1\"").arg(file));
-  job.modelFile = file;
-  return readModelFile(file, file, job.getNDimensions(), job.getNVariables());
+  job.modelFile = findInput(object, key("file"), folder);
+  return readModelFile(job.modelFile, shownPath(job.modelFile), job.getNDimensions(),
+                       job.getNVariables());
 }
 
 void readFitOf(const JobObject &root, Job &job)
@@ -196,7 +185,7 @@ void readSteps(const JobObject &root, const QDir &folder, Job &job)
 
 Job readJob(const QString &path)
 {
-  return parseJob(path, readFile(path));
+  return parseJob(path, readJobText(path));
 }
 
 Job parseJob(const QString &path, const QByteArray &text)
@@ -220,9 +209,23 @@ Job parseJob(const QString &path, const QByteArray &text)
   return job;
 }
 
-QJsonObject readJobRoot(const QString &path)
+QByteArray readJobText(const QString &path)
 {
-  const QJsonValue root = parseJobText(path, readFile(path)).root;
+  constexpr qint64 largestJob = 16 << 20;
+  QFile file(path);
+  if (QFileInfo(path).isDir() || !QFileInfo::exists(path))
+    throw UsageError(inputFileProblem(path, path));
+  if (!file.open(QIODevice::ReadOnly))
+    throw UsageError(QObject::tr("%1: cannot be read: %2").arg(path, file.errorString()));
+  const QByteArray text = file.read(largestJob + 1);
+  if (text.size() > largestJob)
+    throw UsageError(QObject::tr("%1: larger than 16 MB; this is not a job").arg(path));
+  return text;
+}
+
+QJsonObject parseJobRoot(const QString &path, const QByteArray &text)
+{
+  const QJsonValue root = parseJobText(path, text).root;
   if (!root.isObject())
     throw UsageError(QObject::tr("%1: a job is a JSON object, { ... }").arg(path));
   return root.toObject();
@@ -231,7 +234,7 @@ QJsonObject readJobRoot(const QString &path)
 qint64 parseMemorySize(const QString &text)
 {
   static const QRegularExpression pattern(
-      QStringLiteral("^\\s*(\\d{1,12}(?:\\.\\d{1,6})?)\\s*([KMGT])B\\s*$"),
+      QStringLiteral("^\\s*(\\d{1,12}(?:\\.\\d{1,6})?)\\s*([KMGT])(?:i?B)?\\s*$"),
       QRegularExpression::CaseInsensitiveOption);
   const QRegularExpressionMatch match = pattern.match(text);
   if (!match.hasMatch())

@@ -16,8 +16,11 @@ Job readJob(const QString &path);
 /// relative to its folder.
 Job parseJob(const QString &path, const QByteArray &text);
 
-/// The object of a job file as it stands: valid JSON, and nothing else is checked.
-QJsonObject readJobRoot(const QString &path);
+/// The bytes of a job file.
+QByteArray readJobText(const QString &path);
+
+/// The object of a job's text as it stands: valid JSON, and nothing else is checked.
+QJsonObject parseJobRoot(const QString &path, const QByteArray &text);
 
 /// Bytes of a memory size such as "500 MB" or "2 GB" (units of 1024); -1 when it is none.
 qint64 parseMemorySize(const QString &text);

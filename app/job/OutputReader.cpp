@@ -1,5 +1,6 @@
 #include "app/job/OutputReader.h"
 
+#include "app/base/PathText.h"
 #include "app/io/GridWriter.h"
 #include "app/job/JobObject.h"
 #include "app/job/ModelFile.h"
@@ -171,13 +172,13 @@ void checkOutputs(const JobObject &root, const Job &job)
       inputs << identityOf(table->file);
   }
   QStringList outputs;
-  for (const QString &file : job.output.getFiles()) {
+  for (const auto &[place, file] : job.output.getPlacedFiles()) {
     const QString identity = identityOf(file);
     if (inputs.contains(identity))
-      root.fail(key("output"),
-                QObject::tr("\"%1\" is an input of the job and would be overwritten").arg(file));
+      root.fail(place, QObject::tr("\"%1\" is an input of the job and would be overwritten")
+                           .arg(shownPath(file)));
     if (outputs.contains(identity))
-      root.fail(key("output"), QObject::tr("\"%1\" would be written twice").arg(file));
+      root.fail(place, QObject::tr("\"%1\" would be written twice").arg(shownPath(file)));
     outputs << identity;
   }
 }

@@ -2,11 +2,14 @@
 
 #include "app/io/SpatialReference.h"
 #include "app/job/ModelJson.h"
+#include "app/study/Compass.h"
 #include "app/study/Job.h"
 #include "app/study/TableSummary.h"
 #include "geos/vmodel/NgmVModel.h"
 
 #include <QJsonArray>
+
+#include <cmath>
 
 namespace orvenal {
 
@@ -75,7 +78,12 @@ QJsonValue gridJson(const TableSummary &summary)
     cell.append(summary.grid->getCellSize()[axis]);
     nodeCounts.append(nodes[axis]);
   }
-  return QJsonObject{{keyed("origin"), first}, {keyed("cell"), cell}, {keyed("nodes"), nodeCounts}};
+  constexpr double parts = 1e9;  // of a degree: what follows is rounding
+  const double azimuth = Compass::azimuthOfRows(summary.grid->getRotation());
+  return QJsonObject{{keyed("origin"), first},
+                     {keyed("cell"), cell},
+                     {keyed("nodes"), nodeCounts},
+                     {keyed("rotation"), std::round(azimuth * parts) / parts}};
 }
 
 QJsonArray coordinatesJson(const TableSummary &summary)

@@ -1,6 +1,7 @@
 #include "app/report/InfoText.h"
 
 #include "app/base/NumberText.h"
+#include "app/base/PathText.h"
 #include "app/console/TextTable.h"
 #include "app/io/SpatialReference.h"
 #include "app/job/ModelJson.h"
@@ -9,7 +10,6 @@
 #include "app/study/TableSummary.h"
 #include "geos/vmodel/NgmVModel.h"
 
-#include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -82,7 +82,8 @@ QString number(double value, int digits = 7)
 
 QString shortened(const QString &text, int width)
 {
-  return text.size() <= width ? text : text.left(width - 1) + QChar(0x2026);
+  const QString line = text.simplified();
+  return line.size() <= width ? line : line.left(width - 1) + QChar(0x2026);
 }
 
 QString typeName(const ColumnSummary &column)
@@ -102,7 +103,7 @@ QString typeName(const ColumnSummary &column)
 
 QStringList columnRow(const ColumnSummary &column, int nameWidth, int digits)
 {
-  QStringList row = {shortened(column.name.simplified(), nameWidth), typeName(column),
+  QStringList row = {shortened(column.name, nameWidth), typeName(column),
                      QString::number(column.nNumbers + column.nTexts),
                      QString::number(column.nUndefined)};
   if (column.nNumbers > 0)
@@ -176,8 +177,9 @@ QString gridText(const TableSummary &summary)
   }
   const qint64 nTaken = summary.nPlaces - summary.nDuplicates;
   return QObject::tr("%1 nodes (%2 of %3 taken), cells of %4, first node %5")
-      .arg(times(nodeTexts), groupedText(nTaken), groupedText(grid.getGridSize()), times(cells),
-           origin.join(QStringLiteral(", ")));
+             .arg(times(nodeTexts), groupedText(nTaken), groupedText(grid.getGridSize()),
+                  times(cells), origin.join(QStringLiteral(", "))) +
+         Describe::turn(grid);
 }
 
 QString referenceText(const QString &wkt)
@@ -332,7 +334,7 @@ QString InfoText::job(const Job &job, const QString &shown)
   if (job.crossValidation)
     facts.append({QObject::tr("xvalid"), QObject::tr("cross-validated")});
   for (const QString &file : job.output.getFiles())
-    facts.append({QObject::tr("output"), QDir::current().relativeFilePath(file)});
+    facts.append({QObject::tr("output"), shownPath(file)});
   return QObject::tr("%1: a job; orvenal run does it\n").arg(shown) + factLines(facts);
 }
 

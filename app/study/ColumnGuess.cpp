@@ -28,8 +28,8 @@ QString bareName(const QString &name)
 /// Pairs of names in order of preference: a table with x, y, lon and lat is placed by x and y.
 struct Pair
 {
-  const char *x;
-  const char *y;
+  const char *const x;
+  const char *const y;
   bool isGeographic;
 };
 const Pair pairs[] = {{"x", "y", false},
@@ -52,7 +52,11 @@ const Pair pairs[] = {{"x", "y", false},
                       {"lng", "lat", true},
                       {"decimallongitude", "decimallatitude", true},
                       {"l\u00E4nge", "breite", true},
-                      {"laenge", "breite", true}};
+                      {"laenge", "breite", true},
+                      {"longitud", "latitud", true},
+                      {"longitudine", "latitudine", true},
+                      {"l\u00E4ngengrad", "breitengrad", true},
+                      {"lengtegraad", "breedtegraad", true}};
 const char *const heights[] = {"z",       "elevation", "elev",      "altitude", "alt", "height",
                                "rl",      "zcentre",   "zcenter",   "zc",       "zm",  "cota",
                                "hauteur", "hoehe",     "h\u00F6he", "depth"};
@@ -60,6 +64,16 @@ const char *const heights[] = {"z",       "elevation", "elev",      "altitude", 
 int indexOf(const QStringList &bareNames, const char *name)
 {
   return bareNames.indexOf(QString::fromUtf8(name));
+}
+
+/// Whether one of the words of a name is that of longitudes (or latitudes): "lon_dd", "GPS lat".
+bool hasGeographicWord(const QString &name, const char *const(Pair::*side))
+{
+  static const QRegularExpression other(QStringLiteral("[^\\p{L}]+"));
+  const QStringList words = name.toLower().split(other);
+  return std::any_of(std::begin(pairs), std::end(pairs), [&](const Pair &pair) {
+    return pair.isGeographic && words.contains(QString::fromUtf8(pair.*side));
+  });
 }
 
 /// Running numbers, codes and the like, by their names.
@@ -108,6 +122,12 @@ CoordinateColumns guessCoordinates(const QStringList &columns)
       found.z = indexOf(bareNames, height);
   }
   return found;
+}
+
+bool areNamedLikeDegrees(const QString &x, const QString &y)
+{
+  return (hasGeographicWord(x, &Pair::x) && hasGeographicWord(y, &Pair::y)) ||
+         (hasGeographicWord(x, &Pair::y) && hasGeographicWord(y, &Pair::x));
 }
 
 bool holdsNumbers(const ColumnSummary &column)

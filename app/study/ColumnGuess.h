@@ -25,6 +25,10 @@ struct CoordinateColumns
 /// X and y always come from one pair of names.
 CoordinateColumns guessCoordinates(const QStringList &columns);
 
+/// Whether two columns of coordinates are named longitude and latitude, in either order and in one
+/// of several languages; other words may stand beside these: "GPS lat", "lon_wgs84".
+bool areNamedLikeDegrees(const QString &x, const QString &y);
+
 /// Numbers, and besides them at most texts that look as if they stood for undefined values.
 bool holdsNumbers(const ColumnSummary &column);
 

@@ -14,9 +14,11 @@ namespace DataChecks {
 /// The boxes of both, when grid and samples do not meet.
 QString gridMissesSamples(const Job &job, const Samples &samples);
 
-/// Coordinates that their columns call longitude and latitude, and whose values may be, in a job
-/// without a reference system.
-QString looksLikeDegrees(const Job &job, const Samples &samples);
+/// Coordinates that are degrees by their reference system or unit; or, when the job has neither,
+/// that seem to be: columns named longitude and latitude whose values can be degrees, or values
+/// that lie together far from the origin and within the range of degrees, as those of a region on
+/// earth do and those of a local grid do not.
+QString seemsToBeDegrees(const Job &job, const Samples &samples);
 
 }  // namespace DataChecks
 

@@ -1,5 +1,7 @@
 #include "app/study/Job.h"
 
+#include <utility>
+
 namespace orvenal {
 
 QString JobVariable::getLabel() const
@@ -9,13 +11,35 @@ QString JobVariable::getLabel() const
 
 QStringList JobOutput::getFiles() const
 {
-  QStringList files = grids;
-  for (const QString &file :
-       {dataMap, dataHistogram, variogramTable, variogramPicture, variogramMap, variogramCloud,
-        fittedModel, crossValidationTable, crossValidationPicture, crossValidationMap, estimateMap,
-        deviationMap, report, results}) {
+  QStringList files;
+  for (const auto &[place, file] : getPlacedFiles())
+    files << file;
+  return files;
+}
+
+QList<QPair<QString, QString>> JobOutput::getPlacedFiles() const
+{
+  QList<QPair<QString, QString>> files;
+  for (int i = 0; i < grids.size(); ++i)
+    files.append({QStringLiteral("output.grid[%1]").arg(i), grids[i]});
+  const std::pair<const char *, QString> others[] = {
+      {"output.data.map", dataMap},
+      {"output.data.histogram", dataHistogram},
+      {"output.variogram.table", variogramTable},
+      {"output.variogram.picture", variogramPicture},
+      {"output.variogram.map", variogramMap},
+      {"output.variogram.cloud", variogramCloud},
+      {"output.fit.model", fittedModel},
+      {"output.crossValidation.table", crossValidationTable},
+      {"output.crossValidation.picture", crossValidationPicture},
+      {"output.crossValidation.map", crossValidationMap},
+      {"output.maps.estimate", estimateMap},
+      {"output.maps.deviation", deviationMap},
+      {"output.report", report},
+      {"output.results", results}};
+  for (const auto &[place, file] : others) {
     if (!file.isEmpty())
-      files << file;
+      files.append({QLatin1String(place), file});
   }
   return files;
 }

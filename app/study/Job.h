@@ -12,6 +12,7 @@
 #include "geos/vmodel/NgmVModel.h"
 
 #include <QByteArray>
+#include <QPair>
 #include <QString>
 #include <QStringList>
 
@@ -64,6 +65,9 @@ struct JobOutput
   bool overwrite = false;  ///< files of an earlier run are replaced
 
   QStringList getFiles() const;
+
+  /// The same with the places of their names in the job: "output.maps.estimate".
+  QList<QPair<QString, QString>> getPlacedFiles() const;
 };
 
 /// Parts of a study that can be run alone.

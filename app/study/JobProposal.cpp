@@ -4,6 +4,7 @@
 #include "app/base/Suggestion.h"
 #include "app/base/UsageError.h"
 #include "app/console/TextTable.h"
+#include "app/io/InputFile.h"
 #include "app/io/SpatialReference.h"
 #include "app/io/TableReader.h"
 #include "app/study/GridLayout.h"
@@ -96,16 +97,6 @@ QStringList namesOf(const TableSummary &summary)
 }
 
 /// Names that are all numbers are values: the line of names is missing.
-bool hasNames(const TableSummary &summary)
-{
-  const QStringList names = namesOf(summary);
-  return std::any_of(names.begin(), names.end(), [](const QString &name) {
-    bool isNumber = false;
-    name.toDouble(&isNumber);
-    return !isNumber;
-  });
-}
-
 int findWish(const QString &wish, const char *option, int guess, const Findings &findings)
 {
   if (wish.isEmpty())
@@ -119,19 +110,32 @@ int findWish(const QString &wish, const char *option, int guess, const Findings 
   return index;
 }
 
+/// Columns of the usual names may hold texts.
+[[noreturn]] void failCoordinates(const Findings &findings)
+{
+  const QStringList names = namesOf(findings.summary);
+  const CoordinateColumns named = guessCoordinates(names);
+  for (const int index : {named.x, named.y}) {
+    if (index >= 0 && findings.column(index).nTexts > 0)
+      throw UsageError(
+          QObject::tr("%1: the coordinates \"%2\" hold texts, such as \"%3\"")
+              .arg(findings.shown, names[index], findings.column(index).example.simplified()));
+  }
+  throw UsageError(QObject::tr("%1: no two columns are named like coordinates; name them with --x "
+                               "and --y; columns: %2")
+                       .arg(findings.shown, quotedList(names)));
+}
+
 void findColumns(const JobWishes &wishes, Findings &findings)
 {
   const CoordinateColumns guess = findings.summary.coordinates;
   findings.x = findWish(wishes.x, "x", guess.x, findings);
   findings.y = findWish(wishes.y, "y", guess.y, findings);
   findings.z = findWish(wishes.z, "z", guess.z, findings);
+  if (findings.summary.nRecords == 0)
+    TableReader::failEmpty(findings.shown);
   if (findings.x < 0 || findings.y < 0)
-    throw UsageError(QObject::tr("%1: no two columns are named like coordinates; name them with "
-                                 "--x and --y; columns: %2%3")
-                         .arg(findings.shown, quotedList(namesOf(findings.summary)),
-                              hasNames(findings.summary)
-                                  ? QString()
-                                  : QObject::tr(" (is there a line of names above the values?)")));
+    failCoordinates(findings);
   findings.summary.coordinates.x = findings.x;
   findings.summary.coordinates.y = findings.y;
   findings.summary.coordinates.z = findings.z;
@@ -253,7 +257,7 @@ QString dataPart(const Findings &findings)
                              .arg(findings.summary.columns.size())
                              .arg(findings.summary.formatName),
                          2);
-  if (findings.summary.coordinates.isGeographic)
+  if (areNamedLikeDegrees(findings.column(findings.x).name, findings.column(findings.y).name))
     text +=
         comment(QObject::tr("They look like degrees: distances are measured as if a degree of "
                             "longitude were one of latitude. Projected coordinates are better."),
@@ -424,9 +428,8 @@ QString studyParts(const Findings &findings)
 QString proposeJob(const QString &dataFile, const QDir &folder, const JobWishes &wishes,
                    Console &console)
 {
+  requireInput(dataFile);
   const QString path = QFileInfo(dataFile).absoluteFilePath();
-  if (!QFileInfo(path).isFile())
-    throw UsageError(QObject::tr("there is no file \"%1\"").arg(dataFile));
   Findings findings;
   findings.shown = dataFile;
   findings.file = folder.relativeFilePath(path);

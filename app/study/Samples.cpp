@@ -191,7 +191,7 @@ Samples readSamples(const Job &job)
   if (stateOf(job.data.file) != before)
     throw NbeUserError(QObject::tr("%1: changed while it was read").arg(job.data.shown));
   if (samples.x.empty())
-    throw NbeUserError(QObject::tr("%1: no rows below the header").arg(job.data.shown));
+    TableReader::failEmpty(job.data.shown);
   treatDuplicates(job, samples);
   if (job.kriging.constantError)
     samples.auxiliaryColumns[constantErrorName()].assign(samples.x.size(),
@@ -331,11 +331,11 @@ std::vector<unsigned char> readMask(const Job &job, qint64 &nOutside)
       ++nOutside;
     }
   }
+  if (isEmpty && nOutside == 0)
+    TableReader::failEmpty(job.mask->shown);
   if (isEmpty)
-    throw NbeUserError(nOutside == 0
-                           ? QObject::tr("%1: no rows below the header").arg(job.mask->shown)
-                           : QObject::tr("%1: none of its %2 points lies inside the grid")
-                                 .arg(job.mask->shown, QString::number(nOutside)));
+    throw NbeUserError(QObject::tr("%1: none of its %2 points lies inside the grid")
+                           .arg(job.mask->shown, QString::number(nOutside)));
   return selected;
 }
 

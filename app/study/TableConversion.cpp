@@ -127,6 +127,8 @@ bool TableConversion::_isAxis(int column) const
 
 void TableConversion::_requireAxes() const
 {
+  if (_summary.nRecords == 0)
+    TableReader::failEmpty(_request.input);
   QStringList names;
   for (const ColumnSummary &column : _summary.columns)
     names << column.name;
@@ -181,8 +183,8 @@ void TableConversion::_writeGrid(const QString &path)
   _requireAxes();
   if (!_summary.grid)
     throw NbeUserError(
-        QObject::tr("%1: the points do not lie on the nodes of a grid along the axes, "
-                    "which a .%2 file needs")
+        QObject::tr("%1: the points do not lie on the nodes of a grid, along the axes or "
+                    "turned, which a .%2 file needs")
             .arg(_request.input, _ending));
   GridTable grid;
   grid.geometry = *_summary.grid;

@@ -1,5 +1,7 @@
 #include "app/study/TableSummary.h"
 
+#include "app/study/GridFinder.h"
+
 #include <QObject>
 #include <QRegularExpression>
 
@@ -12,8 +14,6 @@
 namespace orvenal {
 
 namespace {
-
-using Place = std::array<double, 3>;
 
 /// What a column holds, while it is read.
 struct ColumnTally
@@ -157,70 +157,6 @@ Coincidences sortPlaces(std::vector<Place> &places)
     found.nAbove += isAbove && !isSame ? 1 : 0;
   }
   return found;
-}
-
-/// Values that follow each other in equal steps, some left out.
-struct RegularAxis
-{
-  double first = 0.;
-  double cell = 0.;
-  qint64 nodes = 0;  ///< 0 when the values are not regular
-};
-
-RegularAxis findAxis(const std::vector<Place> &places, std::size_t axis)
-{
-  constexpr double mostNodes = 1 << 24;
-  constexpr double tolerance = 0.01;  // of a cell: coordinates may be rounded
-  std::vector<double> values;
-  values.reserve(places.size());
-  for (const Place &place : places)
-    values.push_back(place[axis]);
-  std::sort(values.begin(), values.end());
-  const double length = values.back() - values.front();
-  if (length == 0.)
-    return {values.front(), 1., 1};
-  double step = length;
-  for (std::size_t i = 1; i < values.size(); ++i) {
-    const double difference = values[i] - values[i - 1];
-    if (difference > 1e-9 * length)  // less is rounding
-      step = std::min(step, difference);
-  }
-  if (!(length / step < mostNodes))
-    return {};
-  const double nSteps = std::round(length / step);
-  const double cell = length / nSteps;
-  for (const double value : values) {
-    const double index = (value - values.front()) / cell;
-    if (std::abs(index - std::round(index)) > tolerance)
-      return {};
-  }
-  return {values.front(), cell, qint64(nSteps) + 1};
-}
-
-std::optional<NbgGeomGrid> findGrid(const std::vector<Place> &places, qint64 nDistinct)
-{
-  constexpr double leastTaken = 0.1;
-  constexpr qint64 leastPlaces = 4;
-  if (nDistinct < leastPlaces)
-    return std::nullopt;
-  std::array<RegularAxis, 3> axes;
-  double nNodes = 1.;
-  int nLong = 0;
-  for (std::size_t axis = 0; axis < 3; ++axis) {
-    axes[axis] = findAxis(places, axis);
-    nNodes *= double(axes[axis].nodes);
-    nLong += axes[axis].nodes > 1 ? 1 : 0;
-  }
-  if (nNodes == 0. || nLong < 2 || double(nDistinct) < leastTaken * nNodes)
-    return std::nullopt;
-  NbgGeomGrid grid;
-  if (axes[2].nodes == 1)
-    grid.setNodesNumber2D(int(axes[0].nodes), int(axes[1].nodes));
-  else
-    grid.setNodesNumber(int(axes[0].nodes), int(axes[1].nodes), int(axes[2].nodes));
-  grid.setOriginCentered({axes[0].first, axes[1].first, axes[2].first});
-  grid.setCellSize({axes[0].cell, axes[1].cell, axes[2].cell});
-  return grid;
 }
 
 /// More are counted and not kept; there is memory for these.

@@ -62,8 +62,7 @@ struct TableSummary
   std::array<double, 3> lower{};  ///< corner of the box around the places; without any meaningless
   std::array<double, 3> upper{};
 
-  /// The grid on whose nodes all places lie, when there is one: along the axes, of two or three
-  /// dimensions, a tenth of its nodes taken at least.
+  /// The grid on whose nodes all places lie, when there is one: see findGrid().
   std::optional<NbgGeomGrid> grid;
 
   int findColumn(const QString &name) const;

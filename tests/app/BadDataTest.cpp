@@ -1,5 +1,8 @@
 #include "TestFiles.h"
 #include "app/io/CsvReader.h"
+#include "app/study/DataChecks.h"
+#include "app/study/Job.h"
+#include "app/study/Samples.h"
 #include "basic/base/NbbGlobal.h"
 
 #include <QThread>
@@ -187,27 +190,62 @@ TEST(BadData, CoordinatesSayWhatIsWrongWithThem)
   EXPECT_THAT(missed.errors, HasSubstr(std::string("warning: ") + boxes));
   EXPECT_THAT(elsewhere.file("r.html").toStdString(), HasSubstr(boxes));
   EXPECT_THAT(Study().run(toCsv(samplesOf(9))).errors, Not(HasSubstr("do not meet")));
+}
 
-  // Degrees by their names, unless the values are none or a reference system is given.
-  const std::vector<Point> points = samplesOf(9);
-  std::vector<Point> metres = points;
-  for (Point &point : metres)
-    point.y += 1000.;
-  std::vector<Point> degrees = points;
-  for (Point &point : degrees)
-    point.y /= 2.;
-  const auto noteOf = [](const std::vector<Point> &samples, const char *crs) {
-    Study study;
-    study.set("data.x", "Longitude").set("data.y", "lat_wgs84").set("grid.origin", json("[5, 5]"));
-    if (*crs)
-      study.set("data.crs", crs);
-    const Outcome outcome = study.run(toCsv(samples, "Longitude,lat_wgs84,v"));
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
-    return outcome.errors;
+TEST(BadData, CoordinatesThatSeemToBeDegrees)
+{
+  struct Case
+  {
+    const char *x;
+    const char *y;
+    double west, south, width, height;
+    const char *crs;
+    const char *unit;
+    bool isWarned;
   };
-  EXPECT_THAT(noteOf(degrees, ""), HasSubstr("\"Longitude\" and \"lat_wgs84\" look like degrees"));
-  EXPECT_THAT(noteOf(metres, ""), Not(HasSubstr("degrees")));
-  EXPECT_THAT(noteOf(degrees, "EPSG:28992"), Not(HasSubstr("degrees")));
+  const Case cases[] = {
+      {"Longitude", "lat_wgs84", 5.7, 50.9, 0.04, 0.04, "", "", true},
+      {"LON", "LAT", -80., -10., 160., 70., "", "", true},
+      {"L\u00E4nge [\u00B0]", "Breite [\u00B0]", 5., 47., 10., 8., "", "", true},
+      {"longitud", "latitud", -70., -33., 1., 1., "", "", true},
+      {"GPS lat", "GPS long", 50., 5., 1., 1., "", "", true},
+      {"lng", "lat", 359., 0., 1., 1., "", "", true},
+      {"lon", "lat", 178600., 329700., 3000., 4000., "", "", false},  // in metres for all that
+      {"Longitude", "Latitude", 5.7, 50.9, 0.04, 0.04, "EPSG:28992", "", false},
+      {"Longitude", "Latitude", 5.7, 50.9, 0.04, 0.04, "", "m", false},
+      {"x", "y", 178600., 329700., 3000., 4000., "EPSG:4326", "", true},
+      {"x", "y", 0., 0., 80., 80., "", "\u00B0", true},
+      {"x", "y", 5.7, 50.9, 0.04, 0.04, "", "", true},  // by the values alone
+      {"x", "y", -4.8, 41.2, 3.9, 2.8, "", "", true},
+      {"x", "y", 5.7, 50.9, 0.04, 0.04, "", "m", false},
+      {"x", "y", 5.7, 50.9, 0.04, 0.04, "EPSG:28992", "", false},
+      {"x", "y", 0., 0., 80., 80., "", "", false},  // local grids
+      {"x", "y", 0.5, 0.5, 7., 5., "", "", false},
+      {"x", "y", -40., -40., 80., 80., "", "", false},
+      {"x", "y", 100., 50., 80., 40., "", "", false},
+      {"x", "y", 50., 50., 0., 0., "", "", false},
+      {"along", "platform", 0., 0., 80., 80., "", "", false},
+  };
+  for (const Case &c : cases) {
+    SCOPED_TRACE(testing::Message() << c.x << ' ' << c.west << ' ' << c.crs << ' ' << c.unit);
+    Job job;
+    job.data.x = QString::fromUtf8(c.x);
+    job.data.y = QString::fromUtf8(c.y);
+    job.crs = c.crs;
+    job.lengthUnit = QString::fromUtf8(c.unit);
+    Samples samples;
+    samples.x = {c.west, c.west + c.width};
+    samples.y = {c.south + c.height, c.south};
+    const QString text = DataChecks::seemsToBeDegrees(job, samples);
+    EXPECT_EQ(text.contains("shorter than one of latitude"), c.isWarned) << qPrintable(text);
+    EXPECT_EQ(text.isEmpty(), !c.isWarned);
+  }
+  Study study;
+  study.set("grid.origin", json("[5, 50]")).set("output.report", "r.html");
+  const Outcome outcome = study.run("x,y,v\n5.1,50.2,3\n5.3,50.4,5\n");
+  EXPECT_THAT(outcome.errors, HasSubstr("warning: the coordinates (x 5.1 to 5.3, y 50.2 to 50.4) "
+                                        "could be degrees"));
+  EXPECT_THAT(study.file("r.html").toStdString(), HasSubstr("could be degrees"));
 }
 
 TEST(BadData, LargeCoordinatesWithSmallDifferences)
@@ -279,6 +317,32 @@ TEST(BadData, FilesThatAreNone)
     EXPECT_EQ(outcome.exitCode, 2);
     EXPECT_THAT(outcome.errors, HasSubstr(message));
   }
+  folder.write("header.csv", "x,y,v\n");
+  folder.write("units.csv", "x,y,v\nm,m,ppm\n1,2,3\n");
+  const struct
+  {
+    QStringList arguments;
+    const char *message;
+  } commands[] = {
+      {{"stats", "header.csv"}, "orvenal: header.csv: no rows below the header"},
+      {{"init", "header.csv"}, "orvenal: header.csv: no rows below the header"},
+      {{"convert", "header.csv", "g.nc"}, "orvenal: header.csv: no rows below the header"},
+      {{"init", "units.csv"}, "units.csv: the coordinates \"x\" hold texts, such as \"m\""},
+      {{"stats", "units.csv"}, "warning: \"v\" is left out, as 1 of its values are texts, such as"},
+      {{"stats", "fifo.csv"}, "\"fifo.csv\" is not a regular file: inputs are read more than once"},
+      {{"info", "fifo.csv"}, "\"fifo.csv\" is not a regular file"},
+      {{"init", "fifo.csv"}, "\"fifo.csv\" is not a regular file"},
+      {{"convert", "fifo.csv", "g.csv"}, "\"fifo.csv\" is not a regular file"},
+      {{"run", "folder.csv"}, "\"folder.csv\" is a folder"},
+      {{"run", "gone.json"}, "there is no file \"gone.json\""},
+  };
+  const QStringList before = folder.list();
+  for (const auto &command : commands) {
+    const Outcome outcome = runProgram(command.arguments, folder.path(""));
+    EXPECT_NE(outcome.exitCode, 0);
+    EXPECT_THAT(outcome.errors, HasSubstr(command.message));
+  }
+  EXPECT_EQ(folder.list(), before);
 }
 
 TEST(BadData, AFileThatChangesWhileItIsReadIsAnError)

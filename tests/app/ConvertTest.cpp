@@ -1,6 +1,8 @@
 #include "TestFiles.h"
 #include "app/io/TableReader.h"
+#include "app/study/Compass.h"
 #include "basic/base/NbbGlobal.h"
+#include "basic/geom/NbgGeomGrid.h"
 
 #include <gmock/gmock.h>
 
@@ -117,6 +119,48 @@ TEST(Convert, TakesAGridThroughEveryFormat)
     }
     EXPECT_EQ(found, expected);
     from = to;
+  }
+}
+
+TEST(Convert, FindsTheGridOfPointsThatAreTurned)
+{
+  const apptest::Folder folder;
+  for (const double azimuth : {30., 17.3}) {
+    SCOPED_TRACE(azimuth);
+    NbgGeomGrid grid;
+    grid.setNodesNumber2D(13, 9);
+    grid.setOriginCentered({178460., 329620., 0.});
+    grid.setCellSize({40., 25., 1.});
+    grid.setRotation(Compass::gridFrame(azimuth));
+    QByteArray text = "x,y,v\n";
+    for (int i = 0; i < 117; ++i) {
+      const NbgVector3D center = grid.getCellCenter(i);
+      if (i % 7 != 3)
+        text += QByteArray::number(center.x(), 'g', 17) + ',' +
+                QByteArray::number(center.y(), 'g', 17) + ',' + QByteArray::number(i) + '\n';
+    }
+    folder.write("g.csv", text);
+    const Outcome info = runProgram({"info", "g.csv"}, folder.path(""));
+    EXPECT_THAT(info.output, HasSubstr("13 x 9 nodes (100 of 117 taken), cells of 40 x 25"));
+    EXPECT_THAT(info.output, HasSubstr(QString("azimuth %1\u00B0").arg(azimuth).toStdString()));
+
+    // Places come from origin, cells and angle again: they are the same but for the last bits.
+    const Table expected = readTable(folder.path("g.csv"), {"x", "y"}, {"v"});
+    QString from = "g.csv";
+    for (const QString &to : QStringList{"g.nc", "1.csv", "g.tif", "2.gpkg", "3.nc", "4.csv"}) {
+      SCOPED_TRACE(to.toStdString());
+      const Outcome outcome = convert(folder, {"--overwrite", from, to});
+      ASSERT_EQ(outcome.exitCode, 0);
+      EXPECT_EQ(outcome.errors, "");  // GDAL remarks that such a grid has no axes
+      const Table found = readTable(folder.path(to), {"x", "y"}, {"v"});
+      ASSERT_EQ(found.size(), expected.size());
+      for (auto a = found.begin(), b = expected.begin(); a != found.end(); ++a, ++b) {
+        EXPECT_NEAR(a->first[0], b->first[0], 1e-8);
+        EXPECT_NEAR(a->first[1], b->first[1], 1e-8);
+        EXPECT_EQ(a->second, b->second);
+      }
+      from = to;
+    }
   }
 }
 

@@ -48,6 +48,19 @@ TableFormat format(char separator, char decimal = '.', const QStringList &undefi
   return result;
 }
 
+/// With a byte-order mark.
+QByteArray toUtf16(const QString &text, bool isBigEndian)
+{
+  QByteArray bytes;
+  for (const QChar character : QChar(0xFEFF) + text) {
+    const char high = char(character.unicode() >> 8);
+    const char low = char(character.unicode() & 0xFF);
+    bytes += isBigEndian ? high : low;
+    bytes += isBigEndian ? low : high;
+  }
+  return bytes;
+}
+
 }  // namespace
 
 TEST(CsvReader, ReadsOneTableInAllItsSpellings)
@@ -70,6 +83,9 @@ TEST(CsvReader, ReadsOneTableInAllItsSpellings)
       {"blanks", "  a   b\n 1  2 \n3 NaN\n", format(0, '.', {"NaN"})},
       {"quotes", "\"a\",\"b\"\n\"1\",\"2\"\n\"3\",\"\"\n", format(0)},
       {"decimal comma", "a;b\n1,0;2,0e0\n3,0;\n", format(0, ',')},
+      {"UTF-16, little ends first", toUtf16("a\tb\r\n1\t2\r\n3\t\r\n", false), format(0)},
+      {"UTF-16, big ends first", toUtf16("a,b\n1,2\n3,", true), format(0)},
+      {"the separator in a line of its own", "SEP=;\r\na;b\r\n1;2\r\n3;\r\n", format(0)},
       {"blanks around fields", " a , b \n 1 ,\t2\n+3, \n", format(',')},
   };
   const apptest::Folder folder;
@@ -126,11 +142,17 @@ TEST(CsvReader, NamesFileLineAndColumnOfWhatIsWrong)
                   9),
        format(0),
        {"line 2: a null byte"}},
-      {QByteArray("\xFF\xFE"
-                  "a\0",
-                  4),
+      {"\x1F\x8B\x08", format(0), {"t.csv: the file is compressed (gzip)"}},
+      {"PK\x03\x04\x14", format(0), {"t.csv: the file is a ZIP archive", ".xlsx"}},
+      {"1,2\n3,4\n", format(0), {"line 1: the names of the columns are missing"}},
+      {"sep=,\na,b\n1,2\n3\n", format(0), {"t.csv, line 4: 1 fields"}},
+      {"sep=;\n", format(0), {"t.csv: the file has no header line"}},
+      {"a;b\n1;1.234,5\n", format(0), {"\"1.234,5\" is not a number; numbers are written without"}},
+      {"a,b\n1,\"-12,345,678.9\"\n", format(0), {"marks between thousands"}},
+      {"a;b\n1;1\xC2\xA0"
+       "234\n",
        format(0),
-       {"UTF-16"}},
+       {"marks between thousands"}},
       {"a,b\n1,2\n", format(',', ','), {"decimal mark"}},
   };
   for (const Case &c : cases) {
@@ -173,14 +195,17 @@ TEST(CsvReader, ReadsFilesLargerThanItsMemory)
   constexpr int n = 150000;  // about three chunks
   for (int i = 0; i < n; ++i)
     content += QByteArray::number(i) + ',' + QByteArray::number(double(i) * i, 'g', 17) + "\r\n";
-  CsvReader reader(folder.write("t.csv", content), "t.csv", TableFormat());
-  for (int i = 0; i < n; ++i) {
-    ASSERT_TRUE(reader.next());
-    ASSERT_EQ(reader.getNumber(0), i);
-    ASSERT_EQ(reader.getNumber(1), double(i) * i);
-    ASSERT_EQ(reader.getLine(), i + 2);
+  folder.write("wide.csv", toUtf16(QString::fromLatin1(content), false));
+  for (const QString &path : {folder.write("t.csv", content), folder.path("wide.csv")}) {
+    CsvReader reader(path, "t.csv", TableFormat());
+    for (int i = 0; i < n; ++i) {
+      ASSERT_TRUE(reader.next());
+      ASSERT_EQ(reader.getNumber(0), i);
+      ASSERT_EQ(reader.getNumber(1), double(i) * i);
+      ASSERT_EQ(reader.getLine(), i + 2);
+    }
+    EXPECT_FALSE(reader.next());
   }
-  EXPECT_FALSE(reader.next());
 }
 
 TEST(CsvReader, SurvivesDamagedFiles)

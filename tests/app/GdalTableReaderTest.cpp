@@ -8,6 +8,8 @@
 #include "support/Errors.h"
 #include "support/Random.h"
 
+#include <QCryptographicHash>
+
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -367,4 +369,24 @@ TEST(GdalTableReader, KeepsToLocalFilesOfABoundedSize)
   }
   EXPECT_THAT(errorOf(folder.path("wide.tif")),
               HasSubstr("stored in blocks of 2000000000 x 1 cells, which are too large"));
+}
+
+TEST(GdalTableReader, ItsFilesAreAllNamedByTheReport)
+{
+  const apptest::Folder folder;
+  ASSERT_TRUE(QDir().mkpath(folder.path("in")));
+  apptest::writePoints("ESRI Shapefile", folder.path("in/s.shp"), apptest::meuseFields());
+  EXPECT_EQ(
+      TableReader::listFiles(folder.path("in/s.shp"), "s.shp", TableFormat()).first().toStdString(),
+      folder.path("in/s.shp").toStdString());
+  const apptest::Outcome outcome = apptest::runProgram(
+      {"variogram", "in/s.shp", "--variable", "zinc", "--report", "r.html"}, folder.path(""));
+  ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
+  const std::string report = apptest::readFile(folder.path("r.html")).toStdString();
+  for (const char *file : {"in/s.shp", "in/s.shx", "in/s.dbf", "in/s.prj"}) {
+    const QByteArray sum =
+        QCryptographicHash::hash(apptest::readFile(folder.path(file)), QCryptographicHash::Sha256);
+    EXPECT_THAT(report, HasSubstr(file));
+    EXPECT_THAT(report, HasSubstr(sum.toHex().toStdString()));
+  }
 }

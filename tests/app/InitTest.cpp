@@ -168,12 +168,3 @@ TEST(Init, LeavesOutBoreholesByTheirNames)
   EXPECT_EQ(job.neighborhood->line, "HOLE_ID");
   EXPECT_EQ(job.neighborhood->moving.getMaximumPerCode(), 4);
 }
-
-TEST(Init, AsksForNamesOfColumnsThatAreMissing)
-{
-  const apptest::Folder folder;
-  folder.write("d.csv", "350523.2,6701337.3,1.011\n350527.2,6701338.3,1.512\n");
-  const Outcome outcome = runProgram({"init", "d.csv"}, folder.path(""));
-  EXPECT_EQ(outcome.exitCode, 2);
-  EXPECT_THAT(outcome.errors, HasSubstr("is there a line of names above the values?"));
-}

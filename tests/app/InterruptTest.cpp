@@ -31,7 +31,7 @@ QByteArray randomSamples(int n)
 }
 
 /// Signals a program and expects that it ends soon with the code of the signal.
-void expectStop(QProcess &program, int signal)
+void expectStop(QProcess &program, int signal, int milliseconds = patience)
 {
   QElapsedTimer timer;
   timer.start();
@@ -39,7 +39,7 @@ void expectStop(QProcess &program, int signal)
   ASSERT_GT(process, 0);  // 0 would be this program and all that it was started by
   ::kill(process, signal);
   ASSERT_TRUE(program.waitForFinished(60000));
-  EXPECT_LT(timer.elapsed(), patience);
+  EXPECT_LT(timer.elapsed(), milliseconds);
   EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
   EXPECT_EQ(program.exitCode(), 128 + signal);
 }
@@ -73,6 +73,23 @@ void expectStopIn(const QString &action, int signal, const QStringList &argument
   EXPECT_EQ(folder.list(), QStringList{"d.csv"});
 }
 
+/// Waits until a program has read some of a file: Linux says how far.
+bool waitForReading(const QProcess &program, const QString &path)
+{
+  const QString process = QString("/proc/%1/").arg(program.processId());
+  QElapsedTimer timer;
+  for (timer.start(); timer.elapsed() < 60000 && program.state() == QProcess::Running;) {
+    for (const QString &descriptor : QDir(process + "fd").entryList(QDir::Files | QDir::System)) {
+      QFile state(process + "fdinfo/" + descriptor);
+      if (QFile::symLinkTarget(process + "fd/" + descriptor) == path &&
+          state.open(QIODevice::ReadOnly) &&
+          state.readLine().mid(sizeof("pos:")).trimmed().toLongLong() > 2000000)
+        return true;
+    }
+  }
+  return false;
+}
+
 const QStringList samples = {"d.csv", "--x", "x", "--y", "y", "--variable", "v"};
 const QStringList unique = {"--structure", "Spherical 1 20000", "--nugget", "0.1", "--unique"};
 
@@ -89,6 +106,33 @@ TEST(Interrupt, EndsVariogramsAndFactorisations)
                  QStringList{"krige"} + samples + unique +
                      QStringList{"--cell", "1000", "--out", "out/deep/k.csv"},
                  randomSamples(7000));
+}
+
+TEST(Interrupt, EndsTheReadingOfAFile)
+{
+  const apptest::Folder folder;
+  const QByteArray rows = randomSamples(20000);
+  QFile file(folder.path("d.csv"));
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.write(rows);
+  for (int i = 0; i < 200; ++i)
+    file.write(rows.mid(rows.indexOf('\n') + 1));
+  file.close();
+  const QList<QStringList> commands = {
+      {"convert", "d.csv", "out/new/d.gpkg"},
+      QStringList{"krige"} + samples + unique + QStringList{"--cell", "1000", "--out", "k.csv"}};
+  for (const QStringList &command : commands) {
+    SCOPED_TRACE(qPrintable(command[0]));
+    QProcess program;
+    program.setWorkingDirectory(folder.path(""));
+    program.start(ORVENAL_PROGRAM, command);
+    ASSERT_TRUE(program.waitForStarted());
+    ASSERT_TRUE(waitForReading(program, QFileInfo(folder.path("d.csv")).canonicalFilePath()));
+    constexpr int byItself = 900;  // before the program would be ended from within
+    expectStop(program, SIGINT, byItself);
+    EXPECT_EQ(program.readAllStandardError(), "orvenal: interrupted; nothing was written\n");
+    EXPECT_EQ(folder.list(), QStringList{"d.csv"});
+  }
 }
 
 TEST(Interrupt, IsQuietWhenTheReaderHasGone)

@@ -230,10 +230,10 @@ TEST(JobReader, NamesThePlaceOfWhatIsWrong)
       {"output.report", "r.pdf", {"output.report: \"r.pdf\" should end with .html"}},
       {"output.grid",
        json("[\"k.csv\", \"./k.csv\"]"),
-       {"output: ", "k.csv\" would be written twice"}},
+       {"output.grid[1]: ", "k.csv\" would be written twice"}},
       {"output.grid.0",
        ORVENAL_EXAMPLES "/meuse/../meuse/meuse.csv",
-       {"output: ", "is an input of the job"}},
+       {"output.grid[0]: ", "is an input of the job"}},
       {"threads", 0, {"threads: 0 is not between 1 and 1024"}},
       {"memory", "lots", {"memory: expected a size"}},
   };
@@ -313,8 +313,24 @@ TEST(JobReader, SurvivesDamagedJobs)
 
 TEST(JobReader, ReadsMemorySizes)
 {
-  EXPECT_EQ(parseMemorySize("512 MB"), qint64(512) << 20);
-  EXPECT_EQ(parseMemorySize("1.5gb"), qint64(3) << 29);
-  for (const char *wrong : {"", "12", "MB", "-1 GB", "1e3 MB", "99999999999 TB", "2 GB x"})
-    EXPECT_LE(parseMemorySize(wrong), 0) << wrong;
+  constexpr qint64 kibi = 1024;
+  const std::pair<const char *, qint64> cases[] = {
+      {"500 MB", 500 * kibi * kibi},
+      {"2GB", 2 * kibi * kibi * kibi},
+      {" 2 gib ", 2 * kibi * kibi * kibi},
+      {"1.5G", 1536 * kibi * kibi},
+      {"100k", 100 * kibi},
+      {"1 TB", kibi * kibi * kibi * kibi},
+      {"0 GB", 0},
+      {"500", -1},  // of what?
+      {"-1 GB", -1},
+      {"1e3 MB", -1},
+      {"2 PB", -1},
+      {"2 GB x", -1},
+      {"99999999999 TB", -1},
+      {"abc", -1},
+      {"", -1},
+  };
+  for (const auto &[text, size] : cases)
+    EXPECT_EQ(parseMemorySize(text), size) << text;
 }

@@ -167,7 +167,18 @@ TEST(Options, AreNamedByTheirErrors)
       {{"run", job, "--set", "model.structures[3].sill=1"}, "--set model.structures[3]: the list"},
       {{"krige", job, "--maxim", "3"}, "there is no option --maxim; did you mean \"--maximum\"?"},
       {{"krige", job, "--maximum"}, "Missing value after '--maximum'"},
-      {{"stats", "nowhere.csv"}, "there is no file"},
+      {{"stats", "nowhere.csv"}, "orvenal: there is no file \"nowhere.csv\""},
+      {{"krige", job, "--mask", "nowhere.csv"}, "there is no file \"nowhere.csv\""},
+      {{"run", meuse}, "meuse.csv looks like a table, not a job; for a job to start with: orvenal"},
+      {{"run", folder.write("g.json", "{\"type\": \"FeatureCollection\", \"features\": []}")},
+       "looks like a table, not a job"},
+      {{"run", folder.write("m.json", "{\"structures\": []}")}, "is a variogram model, not a job"},
+      {{"init", job}, "is a job already; to run its study: orvenal run"},
+      {krige + model + nearest + QStringList{"--cell", "40", "--out", meuse}, "orvenal: --out: \""},
+      {krige + model + nearest + QStringList{"--cell", "40", "--out", "a.csv", "--out", "./a.csv"},
+       "orvenal: --out: \"a.csv\" would be written twice"},
+      {{"run", folder.write("job.txt", "// a job, with a comment; and more\n{\"title\": 1,}")},
+       "job.txt, line 2, column 13: not valid JSON"},
       {{job}, "is a file; to run the study: orvenal run"},
       {{meuse}, "is a file; for a job to start with: orvenal init"},
   };
@@ -178,11 +189,54 @@ TEST(Options, AreNamedByTheirErrors)
     EXPECT_EQ(outcome.output, "");
     EXPECT_THAT(outcome.errors, HasSubstr(c.part));
   }
+  const Outcome little =
+      runProgram(QStringList{"krige"} + zinc + model + nearest +
+                     QStringList{"--cell", "100", "--memory", "1 KB", "--out", "k.csv"},
+                 folder.path(""));
+  EXPECT_EQ(little.exitCode, 1);
+  EXPECT_THAT(little.errors, HasSubstr("not enough available memory"));
+  EXPECT_THAT(little.errors, HasSubstr("--memory, or \"memory\" in the job, gives it more"));
   // A column that is missing is a matter of the data.
   const Outcome outcome =
       runProgram({"variogram", meuse, "--x", "X", "--y", "y", "--variable", "v"});
   EXPECT_EQ(outcome.exitCode, 1);
   EXPECT_THAT(outcome.errors, HasSubstr("there is no column \"X\" (--x); did you mean \"x\"?"));
+}
+
+TEST(Options, LeaveOutWhatTheySay)
+{
+  const apptest::Folder folder;
+  QByteArray data = "x,y,v,hole\n";
+  for (int i = 0; i < 24; ++i)
+    data += QByteArray::number(7 * i % 24) + ',' + QByteArray::number(5 * i % 24) + ',' +
+            QByteArray::number(i % 5) + ',' + QByteArray::number(i / 4) + '\n';
+  folder.write("d.csv", data);
+  const QByteArray start = R"({"data": {"file": "d.csv"}, "variable": {"column": "v"},
+      "neighborhood": {"type": "unique"}, "model": {"nugget": 0.1,
+      "structures": [{"type": "Spherical", "sill": 1, "range": 20}]}, "crossValidation": )";
+  folder.write("sample.json", start + "{}}");
+  folder.write("line.json", start + R"({"leaveOut": "line", "line": "hole"}})");
+  folder.write("ball.json", start + R"({"leaveOut": "ball", "radius": 9}})");
+  const auto outcomeOf = [&](const QString &job, const QStringList &options) {
+    const Outcome outcome =
+        runProgram(QStringList{"xvalid", "--json", job} + options, folder.path(""));
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    return QJsonDocument::fromJson(outcome.output.c_str()).object().value("crossValidation");
+  };
+  const QJsonValue sample = outcomeOf("sample.json", {});
+  const QJsonValue line = outcomeOf("line.json", {});
+  const QJsonValue ball = outcomeOf("ball.json", {});
+  EXPECT_NE(sample, line);
+  EXPECT_NE(line, ball);
+  EXPECT_EQ(outcomeOf("line.json", {"--leave-out", "sample"}), sample);
+  EXPECT_EQ(outcomeOf("ball.json", {"--set", "crossValidation.leaveOut=sample"}), sample);
+  EXPECT_EQ(outcomeOf("sample.json", {"--line", "hole"}), line);
+  EXPECT_EQ(outcomeOf("ball.json", {"--line", "hole"}), line);
+  EXPECT_EQ(outcomeOf("line.json", {"--ball-radius", "9"}), ball);
+  const Outcome both = runProgram({"xvalid", "sample.json", "--leave-out", "sample", "--line", "x"},
+                                  folder.path(""));
+  EXPECT_EQ(both.exitCode, 2);
+  EXPECT_THAT(both.errors, HasSubstr("--line: has a meaning when lines are left out"));
 }
 
 TEST(Options, PrintStatisticsOfVariables)

@@ -48,6 +48,11 @@ TEST(OutputFiles, RefusesPlacesThatCannotBeWritten)
           << qPrintable(error.getMessage());
     }
   }
+  try {
+    files.reserve({folder.path("file/inside.csv")});
+  } catch (const NbeUserError &error) {
+    EXPECT_TRUE(error.getMessage().endsWith("file is no folder")) << qPrintable(error.getMessage());
+  }
   files.discard();
   EXPECT_EQ(folder.list(), (QStringList{"file", "taken.csv"}));
   OutputFiles longest;
@@ -64,10 +69,10 @@ TEST(OutputFiles, NamesAllFilesThatExistBeforeItMakesAny)
     OutputFiles().reserve(paths);
     ADD_FAILURE() << "reserved";
   } catch (const NbeUserError &error) {
-    QStringList lines;
+    QStringList lines = {"12 files exist; --overwrite replaces them:"};
     for (int i = 1; i <= 10; ++i)
-      lines << paths[i] + " exists; --overwrite replaces it";
-    EXPECT_EQ(error.getMessage(), (lines << "and 2 more").join('\n'));
+      lines << "  " + paths[i];
+    EXPECT_EQ(error.getMessage(), (lines << "  and 2 more").join('\n'));
   }
   EXPECT_EQ(folder.list().size(), 12);
 }

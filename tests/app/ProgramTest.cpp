@@ -626,12 +626,24 @@ TEST(Program, WritesAReportThatNeedsNothingElse)
 
   QString rest = html;
   rest.remove(image);
+  const QRegularExpression anchor("<a href=\"#([a-z-]+)\">");
+  QStringList sections;
+  for (auto match = anchor.globalMatch(html); match.hasNext();)
+    sections << match.next().captured(1);
+  EXPECT_EQ(sections.size(), html.count("<section "));
+  for (const QString &section : sections)
+    EXPECT_EQ(html.count("<section id=\"" + section + "\">"), 1) << qPrintable(section);
+  rest.remove(anchor);
   for (const char *link : {"http", "href", "src=", "url(", "@import", "<script", "<link"})
     EXPECT_FALSE(rest.contains(link)) << link;
   EXPECT_TRUE(rest.contains("Zinc &lt;in&gt; the"));
   EXPECT_FALSE(rest.contains("<in>"));
   EXPECT_TRUE(rest.contains(QString::fromUtf8(job.text()).toHtmlEscaped()));  // the job itself
   EXPECT_TRUE(rest.contains("1200 m"));
+  EXPECT_TRUE(rest.contains("<title>Zinc &lt;in&gt;"));
+  EXPECT_TRUE(rest.contains("x 178440 to 181560, y 329600 to 333760 m"));  // the grid's cells
+  EXPECT_TRUE(rest.contains("There were no warnings."));
+  EXPECT_EQ(rest.count("<img "), rest.count(QRegularExpression("alt=\"[^\"]{20,}\"")));
   EXPECT_TRUE(rest.contains(QString::fromUtf8("azimuth 30°")));
   EXPECT_TRUE(rest.contains("(0.500000, 0.866025, 0.000000)"));   // U, to the N 30
   EXPECT_TRUE(rest.contains("(-0.866025, 0.500000, 0.000000)"));  // V
@@ -682,8 +694,9 @@ TEST(Program, RefusesWrongUse)
       {{"run", "a.json", "b.json"}, "one file at a time"},
       {{"run", "--thread", "2", "a.json"},
        "there is no option --thread; did you mean \"--threads\"?"},
-      {{"run", "/nowhere/job.json"}, "/nowhere/job.json: cannot be read"},
+      {{"run", "/nowhere/job.json"}, "there is no file \"/nowhere/job.json\""},
       {{"run", "--threads", "two", ORVENAL_EXAMPLES "/meuse/job.json"}, "--threads: expected"},
+      {{"run", "--memory", "500", ORVENAL_EXAMPLES "/meuse/job.json"}, "--memory: expected a size"},
       {{"run", "--memory", "0 MB", ORVENAL_EXAMPLES "/meuse/job.json"}, "--memory: expected"},
   };
   for (const Case &c : cases) {

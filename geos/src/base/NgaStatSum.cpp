@@ -34,9 +34,7 @@ void NgaStatSum::addValue(double value, double weight)
   ++_nDefined;
   _min = std::min(_min, value);
   _max = std::max(_max, value);
-  double term = weight;
-  for (int k = 0; k <= _degree; ++k, term *= value)
-    _moments[k] += term;
+  _mergeMoments(weight, weight * value, 0., 0., 0.);
   if (value > 0.) {
     _sumLog += weight * std::log(value);
     _sumInverse += weight / value;
@@ -54,19 +52,16 @@ void NgaStatSum::addPair(double x, double y, double weight)
     ++_nTotal;
     return;
   }
-  addValue(x, weight);
   if (NbbGlobal::isDefined(weight) && weight > 0.)
-    _sumXY += x * weight * y;
+    _mergeProducts(weight, weight * x, weight * y, 0.);
+  addValue(x, weight);
 }
 
 void NgaStatSum::addValues(int n, const double *values, const double *weights)
 {
   for (int first = 0; first < n; first += NgaStatBlockSum::BLOCK) {
     const int length = std::min(NgaStatBlockSum::BLOCK, n - first);
-    if (weights)
-      NgaStatBlockSum::addWeighted(*this, length, values + first, weights + first);
-    else
-      NgaStatBlockSum::add(*this, length, values + first);
+    NgaStatBlockSum::add(*this, length, values + first, weights ? weights + first : nullptr);
   }
 }
 
@@ -85,6 +80,8 @@ void NgaStatSum::doSum(const NgaIAdditive &other)
   const auto *sum = dynamic_cast<const NgaStatSum *>(&other);
   if (!sum || sum->_degree != _degree)
     NBE_FAIL(QStringLiteral("Objects don't have the same degree"));
+  _mergeProducts(sum->_weight, sum->_sum, sum->_sumY, sum->_coMoment);
+  _mergeMoments(sum->_weight, sum->_sum, sum->_m2, sum->_m3, sum->_m4);
   _nTotal += sum->_nTotal;
   _nDefined += sum->_nDefined;
   _nDefinedNoW += sum->_nDefinedNoW;
@@ -92,11 +89,69 @@ void NgaStatSum::doSum(const NgaIAdditive &other)
   _max = std::max(_max, sum->_max);
   _minNoW = std::min(_minNoW, sum->_minNoW);
   _maxNoW = std::max(_maxNoW, sum->_maxNoW);
-  _sumXY += sum->_sumXY;
   _sumLog += sum->_sumLog;
   _sumInverse += sum->_sumInverse;
-  for (int k = 0; k <= _degree; ++k)
-    _moments[k] += sum->_moments[k];
+}
+
+double NgaStatSum::getSumXY() const
+{
+  return _weight > 0. ? _coMoment + _sum * _sumY / _weight : 0.;
+}
+
+double NgaStatSum::getMoment(int k) const
+{
+  const double mean = _mean();
+  const double mean2 = mean * mean;
+  switch (k) {
+    case 0:
+      return _weight;
+    case 1:
+      return _sum;
+    case 2:
+      return _m2 + _sum * mean;
+    case 3:
+      return _m3 + 3. * mean * _m2 + _sum * mean2;
+    default:
+      return _m4 + 4. * mean * _m3 + 6. * mean2 * _m2 + _sum * mean2 * mean;
+  }
+}
+
+void NgaStatSum::_mergeMoments(double weight, double sum, double m2, double m3, double m4)
+{
+  if (weight <= 0.)
+    return;
+  const double a = _weight;
+  const double b = weight;
+  const double total = a + b;
+  const double shift = sum / b - _mean();
+  if (a > 0. && _degree > 1) {
+    const double d = shift / total;
+    const double d2 = shift * d;
+    if (_degree > 2) {
+      _m4 += m4 + d2 * d * d * a * b * (a * a - a * b + b * b) +
+             6. * d * d * (a * a * m2 + b * b * _m2) + 4. * d * (a * m3 - b * _m3);
+      _m3 += m3 + d2 * d * a * b * (a - b) + 3. * d * (a * m2 - b * _m2);
+    }
+    _m2 += m2 + d2 * a * b;
+  } else {
+    _m2 = m2;
+    _m3 = m3;
+    _m4 = m4;
+  }
+  _weight = total;
+  _sum += sum;
+}
+
+/// To be called before the moments are merged: it needs the mean as it was.
+void NgaStatSum::_mergeProducts(double weight, double sumX, double sumY, double coMoment)
+{
+  if (weight <= 0.)
+    return;
+  _coMoment += coMoment;
+  if (_weight > 0.)
+    _coMoment += (sumX / weight - _mean()) * (sumY / weight - _sumY / _weight) *
+                 (_weight * (weight / (_weight + weight)));
+  _sumY += sumY;
 }
 
 void NgaStatSum::fill(NbcStatBasic &record) const
@@ -107,29 +162,26 @@ void NgaStatSum::fill(NbcStatBasic &record) const
                     definedOr(_min, NbbGlobal::D_BIG_POSITIVE));
   record.setMaximum(definedOr(_maxNoW, NbbGlobal::D_BIG_NEGATIVE),
                     definedOr(_max, NbbGlobal::D_BIG_NEGATIVE));
-  const double weight = _moments[0];
-  record.setWeight(weight);
-  if (weight <= 0.)
+  record.setWeight(_weight);
+  if (_weight <= 0.)
     return;
-  // Rounding in the moments does not show in the statistics of a constant.
+  // Rounding in the sums does not show in the statistics of a constant.
   const bool isConstant = _min == _max;
-  const double mean = isConstant ? _min : _moments[1] / weight;
-  record.setMean(mean);
+  record.setMean(isConstant ? _min : _mean());
   if (_degree < 2)
     return;
-  record.setVariance(isConstant ? 0. : std::max(0., _moments[2] / weight - mean * mean));
+  record.setVariance(isConstant ? 0. : _m2 / _weight);
 }
 
 void NgaStatSum::fill(NbcStatMono &record) const
 {
   fill(static_cast<NbcStatBasic &>(record));
-  const double weight = _moments[0];
-  if (weight <= 0.)
+  if (_weight <= 0.)
     return;
 
   const bool isPositive = _min > 0.;
-  record.setGeometricMean(isPositive ? std::exp(_sumLog / weight) : NbbGlobal::D_FFFF);
-  record.setHarmonicMean(isPositive && _sumInverse != 0. ? weight / _sumInverse
+  record.setGeometricMean(isPositive ? std::exp(_sumLog / _weight) : NbbGlobal::D_FFFF);
+  record.setHarmonicMean(isPositive && _sumInverse != 0. ? _weight / _sumInverse
                                                          : NbbGlobal::D_FFFF);
   if (_degree <= 2)
     return;
@@ -140,15 +192,9 @@ void NgaStatSum::fill(NbcStatMono &record) const
     record.setKurtosis(0.);
     return;
   }
-  const double mean = record.getMean();
-  const double mean2 = mean * mean;
-  const double raw2 = record.getVariance() + mean2;
-  const double raw3 = _moments[3] / weight;
-  const double raw4 = _moments[4] / weight;
-  const double sigma3 = sigma * sigma * sigma;
-  record.setSkewness((2. * mean2 * mean - 3. * mean * raw2 + raw3) / sigma3);
-  record.setKurtosis((6. * mean2 * raw2 - 4. * mean * raw3 - 3. * mean2 * mean2 + raw4) /
-                     (sigma3 * sigma));
+  const double variance = record.getVariance();
+  record.setSkewness(_m3 / _weight / (variance * sigma));
+  record.setKurtosis(_m4 / _weight / (variance * variance));
 }
 
 QString NgaStatSum::debug(int level) const

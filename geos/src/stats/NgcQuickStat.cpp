@@ -24,9 +24,7 @@ double correlation(const NgaStatSum &sum, const NbcStatMono &record1, const NbcS
   const double deviations = record1.getStandardDeviation() * record2.getStandardDeviation();
   if (deviations <= NULL_DEVIATION)
     return 0.;
-  const double covariance =
-      sum.getSumXY() / sum.getMoment(0) - record1.getMean() * record2.getMean();
-  return std::clamp(covariance / deviations, -1., 1.);
+  return std::clamp(sum.getCovariance() / deviations, -1., 1.);
 }
 
 }  // namespace

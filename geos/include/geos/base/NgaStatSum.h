@@ -13,6 +13,11 @@ class NbcStatMono;
 /// An undefined value (not below 1e30, or not finite) counts in the total only. A value whose
 /// weight is undefined or not positive counts in the total, the unweighted count and the unweighted
 /// extremes only.
+///
+/// Moments of order 2 to 4 are kept about the mean, so that no digits are lost where values lie far
+/// from zero compared with their spread (coordinates, water levels). They are brought together
+/// after Pebay (2008), Formulas for robust, one-pass parallel computation of covariances and
+/// arbitrary-order statistical moments.
 class NgaStatSum : public NgaIAdditive, public NbbIDebuggable
 {
 public:
@@ -48,14 +53,18 @@ public:
   double getMinimumNoW() const { return _minNoW; }
   double getMaximumNoW() const { return _maxNoW; }
 
-  double getSumXY() const { return _sumXY; }
+  /// Weighted sum of the products of the pairs.
+  double getSumXY() const;
+
+  /// Weighted mean of the products of the deviations of the pairs; the weight must be positive.
+  double getCovariance() const { return _coMoment / _weight; }
 
   /// Weighted sums of ln v and 1 / v over the strictly positive values.
   double getSumLog() const { return _sumLog; }
   double getSumInverse() const { return _sumInverse; }
 
   /// Weighted sum of v^k, k from 0 to the degree.
-  double getMoment(int k) const { return _moments[k]; }
+  double getMoment(int k) const;
   int getDegree() const { return _degree; }
 
   /// Counts, extremes and weight; with a positive weight also mean and population variance.
@@ -68,6 +77,10 @@ public:
 private:
   friend class NgaStatBlockSum;
 
+  double _mean() const { return _weight > 0. ? _sum / _weight : 0.; }
+  void _mergeMoments(double weight, double sum, double m2, double m3, double m4);
+  void _mergeProducts(double weight, double sumX, double sumY, double coMoment);
+
   qint64 _nTotal = 0;
   qint64 _nDefined = 0;
   qint64 _nDefinedNoW = 0;
@@ -75,9 +88,14 @@ private:
   double _max = NbbGlobal::D_BIG_NEGATIVE;
   double _minNoW = NbbGlobal::D_BIG_POSITIVE;
   double _maxNoW = NbbGlobal::D_BIG_NEGATIVE;
-  double _sumXY = 0.;
   double _sumLog = 0.;
   double _sumInverse = 0.;
-  double _moments[5] = {0., 0., 0., 0., 0.};
+  double _weight = 0.;
+  double _sum = 0.;
+  double _m2 = 0.;  // weighted sums of the powers of v - mean
+  double _m3 = 0.;
+  double _m4 = 0.;
+  double _sumY = 0.;  // of the other variable of the pairs
+  double _coMoment = 0.;
   int _degree;
 };

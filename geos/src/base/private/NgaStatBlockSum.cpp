@@ -112,6 +112,28 @@ struct LogProduct
   }
 };
 
+/// Weighted sum of the products of deviations of pairs: 0 where a value is undefined, or its weight
+/// undefined or not positive.
+double sumOfProducts(int n, const double *x, double meanX, const double *y, double meanY,
+                     const double *weights)
+{
+  Real lanes = fourOf(0.);
+  const auto add = [&](Real vx, Real vy, Real w) {
+    const Bits counts = definedMask(vx) & definedMask(w) & (w > fourOf(0.));
+    const Real products = (vx - fourOf(meanX)) * (vy - fourOf(meanY)) * w;
+    lanes += counts ? products : fourOf(0.);
+  };
+  const int nWhole = n - n % LANES;
+  for (int i = 0; i < nWhole; i += LANES)
+    add(load(x + i), load(y + i), weights ? load(weights + i) : fourOf(1.));
+  const int rest = n - nWhole;
+  if (rest > 0)
+    add(load(Tail(rest, x + nWhole, NbbGlobal::D_FFFF).values),
+        load(Tail(rest, y + nWhole, NbbGlobal::D_FFFF).values),
+        weights ? load(Tail(rest, weights + nWhole, 0.).values) : fourOf(1.));
+  return total(lanes);
+}
+
 }  // namespace
 
 struct NgaStatBlockSum::Sums
@@ -120,7 +142,37 @@ struct NgaStatBlockSum::Sums
   qint64 nDefinedNoW;
   double min, max, minNoW, maxNoW;
   double sumLog, sumInverse;
-  double moments[5];
+  double weight, sum;
+  double m2 = 0., m3 = 0., m4 = 0.;  // about the mean
+
+  double mean() const { return weight > 0. ? sum / weight : 0.; }
+};
+
+/// Sums of the powers of deviations from a mean.
+struct NgaStatBlockSum::Moments
+{
+  Real m2 = fourOf(0.);
+  Real m3 = fourOf(0.);
+  Real m4 = fourOf(0.);
+
+  template <bool FULL>
+  void add(Real deviation, Real weight)
+  {
+    const Real squared = deviation * deviation * weight;
+    m2 += squared;
+    if (FULL) {
+      const Real cubed = squared * deviation;
+      m3 += cubed;
+      m4 += cubed * deviation;
+    }
+  }
+
+  void copyTo(Sums &block) const
+  {
+    block.m2 = total(m2);
+    block.m3 = total(m3);
+    block.m4 = total(m4);
+  }
 };
 
 template <bool FULL>
@@ -131,20 +183,14 @@ NgaStatBlockSum::Sums NgaStatBlockSum::_sum(int n, const double *values)
   Bits count = {0, 0, 0, 0};
   Range range;
   LogProduct logs;
-  Real inverse = zero, m1 = zero, m2 = zero, m3 = zero, m4 = zero;
+  Real inverse = zero, sum = zero;
 
   const auto add = [&](Real v) {
     const Bits defined = definedMask(v);
     count -= defined;
     range.add(v, defined);
     const Real x = defined ? v : zero;
-    const Real x2 = x * x;
-    m1 += x;
-    m2 += x2;
-    if (FULL) {
-      m3 += x2 * x;
-      m4 += x2 * x2;
-    }
+    sum += x;
     const Bits positive = x > zero;
     const Real p = positive ? x : one;
     inverse += positive ? one / p : zero;
@@ -159,15 +205,26 @@ NgaStatBlockSum::Sums NgaStatBlockSum::_sum(int n, const double *values)
   const qint64 nDefined = total(count);
   const double min = smallest(range.min);
   const double max = largest(range.max);
-  return {nDefined,
-          nDefined,
-          min,
-          max,
-          min,
-          max,
-          logs.log(),
-          total(inverse),
-          {double(nDefined), total(m1), total(m2), total(m3), total(m4)}};
+  Sums block = {nDefined,       nDefined,         min,       max, min, max, logs.log(),
+                total(inverse), double(nDefined), total(sum)};
+  _addMoments<FULL>(n, values, block);
+  return block;
+}
+
+template <bool FULL>
+void NgaStatBlockSum::_addMoments(int n, const double *values, Sums &block)
+{
+  const Real mean = fourOf(block.mean());
+  Moments moments;
+  const auto add = [&](Real v) {
+    moments.add<FULL>(definedMask(v) ? v - mean : fourOf(0.), fourOf(1.));
+  };
+  const int nWhole = n - n % LANES;
+  for (int i = 0; i < nWhole; i += LANES)
+    add(load(values + i));
+  if (nWhole < n)
+    add(load(Tail(n - nWhole, values + nWhole, NbbGlobal::D_FFFF).values));
+  moments.copyTo(block);
 }
 
 template <bool FULL>
@@ -179,7 +236,7 @@ NgaStatBlockSum::Sums NgaStatBlockSum::_sumWeighted(int n, const double *values,
   Bits countNoW = {0, 0, 0, 0};
   Range range;
   Range rangeNoW;
-  Real log = zero, inverse = zero, m0 = zero, m1 = zero, m2 = zero, m3 = zero, m4 = zero;
+  Real log = zero, inverse = zero, sumOfWeights = zero, sum = zero;
 
   const auto add = [&](Real v, Real w) {
     const Bits defined = definedMask(v);
@@ -190,14 +247,8 @@ NgaStatBlockSum::Sums NgaStatBlockSum::_sumWeighted(int n, const double *values,
     range.add(v, weighted);
     const Real weight = weighted ? w : zero;
     const Real x = weighted ? v : zero;
-    const Real x2 = x * x;
-    m0 += weight;
-    m1 += x * weight;
-    m2 += x2 * weight;
-    if (FULL) {
-      m3 += x2 * x * weight;
-      m4 += x2 * x2 * weight;
-    }
+    sumOfWeights += weight;
+    sum += x * weight;
     const Bits positive = x > zero;
     const Real p = positive ? x : fourOf(1.);
     inverse += positive ? weight / p : zero;
@@ -210,15 +261,31 @@ NgaStatBlockSum::Sums NgaStatBlockSum::_sumWeighted(int n, const double *values,
     add(load(Tail(n - nWhole, values + nWhole, NbbGlobal::D_FFFF).values),
         load(Tail(n - nWhole, weights + nWhole, 0.).values));
 
-  return {total(count),
-          total(countNoW),
-          smallest(range.min),
-          largest(range.max),
-          smallest(rangeNoW.min),
-          largest(rangeNoW.max),
-          total(log),
-          total(inverse),
-          {total(m0), total(m1), total(m2), total(m3), total(m4)}};
+  Sums block = {total(count),       total(countNoW),        smallest(range.min),
+                largest(range.max), smallest(rangeNoW.min), largest(rangeNoW.max),
+                total(log),         total(inverse),         total(sumOfWeights),
+                total(sum)};
+  _addMomentsWeighted<FULL>(n, values, weights, block);
+  return block;
+}
+
+template <bool FULL>
+void NgaStatBlockSum::_addMomentsWeighted(int n, const double *values, const double *weights,
+                                          Sums &block)
+{
+  const Real mean = fourOf(block.mean());
+  Moments moments;
+  const auto add = [&](Real v, Real w) {
+    const Bits weighted = definedMask(v) & definedMask(w) & (w > fourOf(0.));
+    moments.add<FULL>(weighted ? v - mean : fourOf(0.), weighted ? w : fourOf(0.));
+  };
+  const int nWhole = n - n % LANES;
+  for (int i = 0; i < nWhole; i += LANES)
+    add(load(values + i), load(weights + i));
+  if (nWhole < n)
+    add(load(Tail(n - nWhole, values + nWhole, NbbGlobal::D_FFFF).values),
+        load(Tail(n - nWhole, weights + nWhole, 0.).values));
+  moments.copyTo(block);
 }
 
 void NgaStatBlockSum::_merge(NgaStatSum &sum, int n, const Sums &block)
@@ -232,55 +299,39 @@ void NgaStatBlockSum::_merge(NgaStatSum &sum, int n, const Sums &block)
   sum._maxNoW = std::max(sum._maxNoW, block.maxNoW);
   sum._sumLog += block.sumLog;
   sum._sumInverse += block.sumInverse;
-  for (int k = 0; k <= sum._degree; ++k)
-    sum._moments[k] += block.moments[k];
+  sum._mergeMoments(block.weight, block.sum, block.m2, block.m3, block.m4);
 }
 
-void NgaStatBlockSum::add(NgaStatSum &sum, int n, const double *values)
+NgaStatBlockSum::Sums NgaStatBlockSum::_sumUpTo(int degree, int n, const double *values,
+                                                const double *weights)
 {
-  _merge(sum, n, sum._degree > 2 ? _sum<true>(n, values) : _sum<false>(n, values));
+  if (weights)
+    return degree > 2 ? _sumWeighted<true>(n, values, weights)
+                      : _sumWeighted<false>(n, values, weights);
+  return degree > 2 ? _sum<true>(n, values) : _sum<false>(n, values);
 }
 
-void NgaStatBlockSum::addWeighted(NgaStatSum &sum, int n, const double *values,
-                                  const double *weights)
+void NgaStatBlockSum::add(NgaStatSum &sum, int n, const double *values, const double *weights)
 {
-  _merge(sum, n,
-         sum._degree > 2 ? _sumWeighted<true>(n, values, weights)
-                         : _sumWeighted<false>(n, values, weights));
+  _merge(sum, n, _sumUpTo(sum._degree, n, values, weights));
 }
 
 void NgaStatBlockSum::addPairs(NgaStatSum &xy, NgaStatSum &yx, int n, const double *x,
                                const double *y, const double *weights)
 {
-  // Where one is undefined, both become so; products of these are 0.
+  // Where one is undefined, both become so.
   double bothX[BLOCK];
   double bothY[BLOCK];
-  double products[BLOCK];
   for (int i = 0; i < n; ++i) {
     const bool defined = NbbGlobal::isDefined(x[i]) & NbbGlobal::isDefined(y[i]);
     bothX[i] = defined ? x[i] : NbbGlobal::D_FFFF;
     bothY[i] = defined ? y[i] : NbbGlobal::D_FFFF;
-    products[i] = defined ? x[i] * y[i] : 0.;
   }
-  if (weights) {
-    for (int i = 0; i < n; ++i) {
-      const double w = weights[i];
-      products[i] = NbbGlobal::isDefined(w) & (w > 0.) ? products[i] * w : 0.;
-    }
-    addWeighted(xy, n, bothX, weights);
-    addWeighted(yx, n, bothY, weights);
-  } else {
-    add(xy, n, bothX);
-    add(yx, n, bothY);
-  }
-
-  Real lanes = fourOf(0.);
-  const int nWhole = n - n % LANES;
-  for (int i = 0; i < nWhole; i += LANES)
-    lanes += load(products + i);
-  double sumXY = total(lanes);
-  for (int i = nWhole; i < n; ++i)
-    sumXY += products[i];
-  xy._sumXY += sumXY;
-  yx._sumXY += sumXY;
+  const Sums sumsX = _sumUpTo(xy._degree, n, bothX, weights);
+  const Sums sumsY = _sumUpTo(yx._degree, n, bothY, weights);
+  const double coMoment = sumOfProducts(n, bothX, sumsX.mean(), bothY, sumsY.mean(), weights);
+  xy._mergeProducts(sumsX.weight, sumsX.sum, sumsY.sum, coMoment);
+  yx._mergeProducts(sumsY.weight, sumsY.sum, sumsX.sum, coMoment);
+  _merge(xy, n, sumsX);
+  _merge(yx, n, sumsY);
 }
