@@ -229,7 +229,7 @@ QStringList choicesOf(const QString &path)
   if (path == QLatin1String("variogram.curve"))
     return curveLabels();
   if (path == QLatin1String("fit.structures"))
-    return structureLabels();
+    return fittedLabels();
   if (path == QLatin1String("kriging.mode"))
     return krigingModes();
   if (path == QLatin1String("crossValidation.leaveOut"))

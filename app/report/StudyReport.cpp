@@ -319,6 +319,10 @@ QString structures(const NgmVModel &model, const Job &job)
 
 QString sills(const NgmVModel &model, const Job &job)
 {
+  if (!model.isStrictStationary())
+    return paragraph(QObject::tr("A model without a sill: a structure \"Power\" reaches the value "
+                                 "given as its sill at its range, and rises on."),
+                     QStringLiteral("lead"));
   if (job.getNVariables() == 1)
     return paragraph(QObject::tr("Total sill %1.").arg(numberText(model.getC0IJ(0, 0))),
                      QStringLiteral("lead"));

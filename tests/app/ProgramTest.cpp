@@ -532,6 +532,32 @@ TEST(Program, CrossValidates)
   }
 }
 
+TEST(Program, KrigesWithoutASill)
+{
+  // A variogram of slope 0.4 between values at 0 and 10: kriging interpolates along the line, with
+  // the variance 2 (0.6 g(4) + 0.4 g(6)) - 2 0.6 0.4 g(10).
+  const apptest::Folder folder;
+  folder.write("d.csv", "x,y,v\n0,0,1\n10,0,3\n");
+  for (const char *neighborhood :
+       {R"({"type": "unique"})", R"({"type": "moving", "radius": 20, "maximum": 4})"}) {
+    folder.write("job.json", QByteArray(R"({"data": {"file": "d.csv"}, "variable": {"column": "v"},
+        "model": {"structures": [{"type": "Power", "sill": 2, "range": 5, "parameter": 1}]},
+        "grid": {"origin": [4, 0], "cell": [1, 1], "nodes": [1, 1]},
+        "output": {"grid": ["g.csv"], "report": "r.html"}, "neighborhood": )") +
+                                 neighborhood + '}');
+    const Outcome outcome =
+        runProgram({"run", "--quiet", "--overwrite", "job.json"}, folder.path(""));
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
+    CsvReader table(folder.path("g.csv"), "g.csv", TableFormat());
+    ASSERT_TRUE(table.next());
+    EXPECT_NEAR(table.getNumber(2), 1.8, 1e-12);
+    EXPECT_NEAR(table.getNumber(4), 1.92, 1e-12);
+    const QByteArray report = apptest::readFile(folder.path("r.html"));
+    EXPECT_TRUE(report.contains("A model without a sill"));
+    EXPECT_FALSE(report.contains("Total sill"));
+  }
+}
+
 TEST(Program, LeavesOutLinesAndBalls)
 {
   // Two lines of equal values: without its own line a sample can only be given the other's value.
