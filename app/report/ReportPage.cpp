@@ -62,7 +62,7 @@ pre { overflow-x: auto; background: #f4f7fa; border: 1px solid #dbe3ec; padding:
   figure, table, tr { break-inside: avoid; }
   #variograms table { break-inside: auto; }
   figure img, figure.huge img { max-height: 115mm; max-width: 100%; width: auto; }
-  .sections figure img { max-height: 190mm; }
+  .sections figure img { max-height: 172mm; }
   .maps figure { flex-basis: 40%; }
   .maps img { width: 100%; }
   .scroll { overflow: visible; }
