@@ -6,11 +6,14 @@
 
 #include <QApplication>
 
+#include <fcntl.h>
 #include <langinfo.h>
 #include <malloc.h>
+#include <unistd.h>
 
 #include <clocale>
 #include <cstdio>
+#include <cstdlib>
 
 namespace {
 
@@ -39,10 +42,21 @@ void keepFreedMemory()
   mallopt(M_TRIM_THRESHOLD, 1 << 30);
 }
 
+/// A file that the program opens would take the place of a standard stream that is closed, and what
+/// is printed would go into it.
+void openStandardStreams()
+{
+  for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
+    if (fcntl(descriptor, F_GETFD) < 0 && open("/dev/null", O_RDWR) < 0)
+      std::abort();
+  }
+}
+
 }  // namespace
 
 int main(int argc, char **argv)
 {
+  openStandardStreams();
   qputenv("QT_QPA_PLATFORM", "offscreen");  // pictures are drawn without a display
   keepFreedMemory();
   requireUtf8();

@@ -67,12 +67,12 @@ void failUsage(const Command &command, const QString &message)
 
 CommandOptions commonOptions()
 {
-  return {makeOption("q", "quiet", "", QObject::tr("print nothing but errors")),
+  return {makeOption("q", "quiet", "", QObject::tr("print nothing but errors; no warnings either")),
           makeOption("", "threads", "N", QObject::tr("number of threads"),
                      QObject::tr("all processors")),
           makeOption("", "memory", "SIZE",
                      QObject::tr("memory for the work, such as \"500 MB\" or 2GB"),
-                     QObject::tr("half of it")),
+                     QObject::tr("half of what there is")),
           helpOption()};
 }
 

@@ -1,5 +1,6 @@
 #include "app/commands/HelpCommand.h"
 
+#include "app/base/Suggestion.h"
 #include "app/base/UsageError.h"
 #include "app/commands/CommandParser.h"
 #include "app/commands/HelpTopics.h"
@@ -56,6 +57,15 @@ QStringList HelpCommand::getWords() const
   return words;
 }
 
+const Command &HelpCommand::_findCommand(const QString &name) const
+{
+  const QStringList words = getWords();
+  if (words.contains(name))
+    return _program.getCommand(name);
+  throw UsageError(QObject::tr("there is no command or topic \"%1\"%2\nSee: orvenal help")
+                       .arg(name, didYouMean(name, words)));
+}
+
 void HelpCommand::run(const QStringList &arguments, Console &console) const
 {
   QCommandLineParser parser;
@@ -72,7 +82,7 @@ void HelpCommand::run(const QStringList &arguments, Console &console) const
   else if (names.isEmpty())
     console.answer(_program.getHelp());
   else if (!isTopic)
-    console.answer(_program.getCommand(names.first()).getHelp());
+    console.answer(_findCommand(names.first()).getHelp());
   else
     console.answer(isMarkdown ? helpMarkdown(names.first()) : helpText(names.first()));
 }

@@ -22,6 +22,8 @@ public:
   void run(const QStringList &arguments, Console &console) const override;
 
 private:
+  const Command &_findCommand(const QString &name) const;
+
   const Program &_program;
 };
 

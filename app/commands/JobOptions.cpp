@@ -47,7 +47,7 @@ const Row table[] = {
     {JobOption::DATA, "decimal", "CHAR", JobOption::TEXT, "data.decimal", "decimal mark, . or ,",
      ".", nullptr},
     {JobOption::DATA, "undefined", "TEXT", JobOption::TEXTS, "data.undefined",
-     "a text or number that stands for an undefined value", "nothing, and NA", nullptr},
+     "a text or number that stands for an undefined value", "an empty field, and NA", nullptr},
     {JobOption::DATA, "duplicates", "NAME", JobOption::TEXT, "data.duplicates",
      "what becomes of samples at one place", "keep", nullptr},
     {JobOption::DATA, "crs", "TEXT", JobOption::TEXT, "data.crs",
@@ -151,7 +151,8 @@ const Row table[] = {
     {JobOption::CROSS_VALIDATION, "ball-radius", "LENGTH", JobOption::NUMBER,
      "crossValidation.radius", "radius of the ball that is left out", nullptr, nullptr},
     {JobOption::CROSS_VALIDATION, "xvalid-table", "FILE", JobOption::FILE,
-     "output.crossValidation.table", "writes the outcome by sample as .csv", nullptr, nullptr},
+     "output.crossValidation.table", "writes the outcome by sample as .csv or .gpkg", nullptr,
+     nullptr},
     {JobOption::CROSS_VALIDATION, "xvalid-picture", "FILE", JobOption::FILE,
      "output.crossValidation.picture", "draws it as .png or .svg", nullptr, nullptr},
     {JobOption::CROSS_VALIDATION, "xvalid-map", "FILE", JobOption::FILE,
@@ -228,7 +229,7 @@ QStringList choicesOf(const QString &path)
   if (path == QLatin1String("variogram.curve"))
     return curveLabels();
   if (path == QLatin1String("fit.structures"))
-    return structureLabels();
+    return fittedLabels();
   if (path == QLatin1String("kriging.mode"))
     return krigingModes();
   if (path == QLatin1String("crossValidation.leaveOut"))

@@ -20,6 +20,7 @@
 #include "app/console/Interruption.h"
 #include "basic/error/NbeException.h"
 #include "basic/error/NbeGuard.h"
+#include "basic/error/NbeUserError.h"
 
 #include <QFileInfo>
 #include <QObject>
@@ -113,6 +114,9 @@ int Program::run(const QStringList &arguments, Console &console) const
 {
   try {
     NbeGuard::run([&] { _dispatch(arguments, console); });
+    const QString reason = console.getAnswerError();
+    if (!reason.isEmpty())
+      throw NbeUserError(QObject::tr("the standard output cannot be written: %1").arg(reason));
     return DONE;
   } catch (const NbeException &) {
     console.error(QObject::tr("interrupted; nothing was written"));

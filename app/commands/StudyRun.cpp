@@ -140,13 +140,11 @@ void StudyRun::_drawSamples()
   if (output.dataMap.isEmpty() && output.dataHistogram.isEmpty() && output.report.isEmpty())
     return;
   const Picture map = drawSampleMap(_result.samples, sampleMapStyle(job, job.variable.getLabel()));
-  _result.dataMap = map.toPng();
-  _writePicture(output.dataMap, map);
+  _result.dataMap = _savePicture(output.dataMap, map);
   Interruption::check();
   const Picture histogram = drawHistogram(_result.samples.value, _result.sampleStatistics,
                                           job.title, job.variable.getLabel());
-  _result.dataHistogram = histogram.toPng();
-  _writePicture(output.dataHistogram, histogram);
+  _result.dataHistogram = _savePicture(output.dataHistogram, histogram);
   _endStep(QObject::tr("Pictures of the samples"));
 }
 
@@ -177,15 +175,13 @@ void StudyRun::_drawVariogramMap(const VariogramStyle &style)
   if (!job.output.variogramMap.isEmpty()) {
     const Picture picture =
         drawVariogramMap(computeVariogramMap(job, _result.samples, _samples, _context), style);
-    _result.variogramMap = picture.toPng();
-    _writePicture(job.output.variogramMap, picture);
+    _result.variogramMap = _savePicture(job.output.variogramMap, picture);
   }
   if (!job.output.variogramCloud.isEmpty()) {
     const Picture picture = drawVariogramCloud(
         computeVariogramCloud(job, _result.samples, _samples, _result.variableStatistics, _context),
         style);
-    _result.variogramCloud = picture.toPng();
-    _writePicture(job.output.variogramCloud, picture);
+    _result.variogramCloud = _savePicture(job.output.variogramCloud, picture);
   }
 }
 
@@ -208,13 +204,11 @@ void StudyRun::_drawCrossValidation()
     return;
   const Picture picture = drawCrossValidation(_result.crossValidation, _result.samples.value,
                                               job.title, job.variable.getLabel());
-  _result.crossValidationPicture = picture.toPng();
-  _writePicture(job.output.crossValidationPicture, picture);
+  _result.crossValidationPicture = _savePicture(job.output.crossValidationPicture, picture);
   const Picture map = drawErrorMap(
       _result.samples, _result.crossValidation.standardizedError,
       sampleMapStyle(job, QObject::tr("Standardized error of %1").arg(job.variable.name)));
-  _result.crossValidationMap = map.toPng();
-  _writePicture(job.output.crossValidationMap, map);
+  _result.crossValidationMap = _savePicture(job.output.crossValidationMap, map);
   _endStep(QObject::tr("Pictures of the cross-validation"));
 }
 
@@ -239,11 +233,12 @@ void StudyRun::_drawVariograms()
   style.model = job.hasModel && _result.variography.isVariogram ? &job.model : nullptr;
   if (!job.output.variogramPicture.isEmpty() || !job.output.report.isEmpty()) {
     const Picture picture = drawVariograms(_result.variography, style);
-    _result.variogramPicture = picture.toPng();
-    _writePicture(job.output.variogramPicture, picture);
+    _result.variogramPicture = _savePicture(job.output.variogramPicture, picture);
   }
   _drawVariogramMap(style);
-  _endStep(QObject::tr("Picture of the variograms"));
+  _endStep(job.output.variogramMap.isEmpty() && job.output.variogramCloud.isEmpty()
+               ? QObject::tr("Picture of the variograms")
+               : QObject::tr("Variogram map and cloud, pictures"));
 }
 
 void StudyRun::_drawMaps()
@@ -261,22 +256,26 @@ void StudyRun::_drawMaps()
   style.valueLabel = Describe::estimateLabel(job);
   style.coloredSamples = true;
   const Picture estimate = drawResult(grid, grid.estimate, _result, style);
-  _result.estimateMap = estimate.toPng();
-  _writePicture(job.output.estimateMap, estimate);
+  _result.estimateMap = _savePicture(job.output.estimateMap, estimate);
   Interruption::check();
   style.valueLabel = Describe::deviationLabel(job);
   style.isDeviation = true;
   style.coloredSamples = false;
   const Picture deviation = drawResult(grid, grid.deviation, _result, style);
-  _result.deviationMap = deviation.toPng();
-  _writePicture(job.output.deviationMap, deviation);
+  _result.deviationMap = _savePicture(job.output.deviationMap, deviation);
   _endStep(QObject::tr("Maps"));
 }
 
-void StudyRun::_writePicture(const QString &file, const Picture &picture)
+/// Writes a picture where it is wanted. Encoding it takes longer than all else: it is done once for
+/// file and report.
+QByteArray StudyRun::_savePicture(const QString &file, const Picture &picture)
 {
+  const bool isSvg = file.endsWith(QLatin1String(".svg"), Qt::CaseInsensitive);
+  const bool needsPng = !_result.job.output.report.isEmpty() || (!file.isEmpty() && !isSvg);
+  const QByteArray png = needsPng ? picture.toPng() : QByteArray();
   if (!file.isEmpty())
-    _files.write(file, picture.toBytes(file));
+    _files.write(file, isSvg ? picture.toSvg() : png);
+  return png;
 }
 
 void StudyRun::_writeFiles()

@@ -38,7 +38,7 @@ private:
   void _drawMaps();
   bool _isToDo(Step step) const { return _steps.count(step) > 0; }
   void _writeFiles();
-  void _writePicture(const QString &file, const Picture &picture);
+  QByteArray _savePicture(const QString &file, const Picture &picture);
   void _warnOfData();
   void _checkDuplicates();
   void _warnOfOutcome();

@@ -8,7 +8,9 @@
 
 #include <sys/ioctl.h>
 #include <unistd.h>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 namespace orvenal {
 
@@ -24,11 +26,12 @@ int widthOf(int descriptor)
   return ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usualWidth;
 }
 
-void write(std::FILE *stream, const QString &text)
+/// False when not all of it could be written.
+bool write(std::FILE *stream, const QString &text)
 {
   const QByteArray bytes = text.toUtf8();
-  std::fwrite(bytes.constData(), 1, std::size_t(bytes.size()), stream);
-  std::fflush(stream);
+  const std::size_t n = std::size_t(bytes.size());
+  return std::fwrite(bytes.constData(), 1, n, stream) == n && std::fflush(stream) == 0;
 }
 
 void receive(Console &console, const NbbAMessage::Record &record)
@@ -66,7 +69,8 @@ void Console::print(const QString &text)
 void Console::answer(const QString &text)
 {
   const QMutexLocker locker(&_mutex);
-  write(stdout, text + '\n');
+  if (!write(stdout, text + '\n') && errno != EPIPE && _answerError.isEmpty())
+    _answerError = QString::fromLocal8Bit(std::strerror(errno));
 }
 
 void Console::warn(const QString &text)
@@ -104,6 +108,12 @@ void Console::showTransient(const QString &line)
 int Console::getWidth()
 {
   return isatty(STDOUT_FILENO) ? widthOf(STDOUT_FILENO) : usualWidth;
+}
+
+QString Console::getAnswerError() const
+{
+  const QMutexLocker locker(&_mutex);
+  return _answerError;
 }
 
 QStringList Console::getWarnings() const

@@ -37,6 +37,10 @@ public:
   /// A text that was asked for, shown by a quiet console too.
   void answer(const QString &text);
 
+  /// Why texts on the standard output were lost; empty when none was, or nobody read on (a closed
+  /// pipe).
+  QString getAnswerError() const;
+
   void warn(const QString &text);
   void error(const QString &text);
 
@@ -54,6 +58,7 @@ private:
 
   mutable QMutex _mutex;  // guards what follows, and keeps lines whole
   QStringList _warnings;
+  QString _answerError;
   int _transientWidth = 0;
   bool _quiet = false;
   bool _resultsOnly = false;

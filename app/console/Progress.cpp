@@ -56,15 +56,14 @@ void Progress::update(double fraction)
 
 void Progress::finish(bool isSideStep)
 {
-  const double seconds = double(_timer.elapsed()) / 1000.;
+  constexpr double shortest = 0.001;  // that the timer tells
+  const double seconds = std::max(shortest, double(_timer.elapsed()) / 1000.);
   _console.showTransient(QString());
   if (isSideStep && seconds < secondsToFirstLine)
     return;
-  const QString rate =
-      seconds > 0. ? groupedText(std::llround(double(_nUnits) / seconds)) : QString();
-  _console.report(QObject::tr("%1: %2 %3 in %4")
-                      .arg(_action, groupedText(_nUnits), _units, durationText(seconds)) +
-                  (rate.isEmpty() ? QString() : QObject::tr(" (%1 %2/s)").arg(rate, _units)));
+  const QString rate = groupedText(std::llround(double(_nUnits) / seconds));
+  _console.report(QObject::tr("%1: %2 %3 in %4 (%5 %3/s)")
+                      .arg(_action, groupedText(_nUnits), _units, durationText(seconds), rate));
 }
 
 QString Progress::barLine(const QString &action, double fraction, double seconds, qint64 nUnits,

@@ -4,6 +4,7 @@
 #include <QVector>
 
 #include <algorithm>
+#include <iterator>
 
 namespace orvenal {
 
@@ -21,11 +22,22 @@ QStringList filled(const QStringList &words, int width)
   return lines;
 }
 
+/// Unicode Standard Annex 11, without its rarer blocks.
+bool isWide(uint letter)
+{
+  constexpr uint blocks[][2] = {{0x1100, 0x115F}, {0x2E80, 0xA4CF},  {0xAC00, 0xD7A3},
+                                {0xF900, 0xFAFF}, {0xFE30, 0xFE6F},  {0xFF00, 0xFF60},
+                                {0xFFE0, 0xFFE6}, {0x20000, 0x3FFFD}};
+  return std::any_of(std::begin(blocks), std::end(blocks), [letter](const uint(&block)[2]) {
+    return letter >= block[0] && letter <= block[1];
+  });
+}
+
 int columnWidth(const QList<QStringList> &rows, int column)
 {
   int width = 0;
   for (const QStringList &row : rows)
-    width = std::max(width, row[column].size());
+    width = std::max(width, shownWidth(row[column]));
   return width;
 }
 
@@ -34,9 +46,10 @@ QString aligned(const QList<QStringList> &rows, const QVector<int> &columns)
   QStringList lines(QVector<QString>(rows.size()).toList());
   for (const int column : columns) {
     const int width = columnWidth(rows, column);
-    for (int i = 0; i < rows.size(); ++i)
-      lines[i] += column == 0 ? rows[i][column].leftJustified(width)
-                              : "  " + rows[i][column].rightJustified(width);
+    for (int i = 0; i < rows.size(); ++i) {
+      const QString blanks(width - shownWidth(rows[i][column]), ' ');
+      lines[i] += column == 0 ? rows[i][column] + blanks : "  " + blanks + rows[i][column];
+    }
   }
   return lines.join('\n');
 }
@@ -46,6 +59,35 @@ QString aligned(const QList<QStringList> &rows, const QVector<int> &columns)
 QStringList wrapped(const QString &text, int width)
 {
   return filled(text.simplified().split(' '), width);
+}
+
+int shownWidth(const QString &text)
+{
+  int width = 0;
+  for (const uint letter : text.toUcs4())
+    width += QChar::category(letter) == QChar::Mark_NonSpacing ? 0 : isWide(letter) ? 2 : 1;
+  return width;
+}
+
+QString shortened(const QString &text, int width)
+{
+  if (shownWidth(text) <= width)
+    return text;
+  const QString dots = QStringLiteral("...");
+  QVector<uint> left = text.toUcs4();
+  QVector<uint> right = left.mid(left.size() / 2);
+  left.resize(left.size() / 2);
+  const auto joined = [&] {
+    return QString::fromUcs4(left.constData(), left.size()) + dots +
+           QString::fromUcs4(right.constData(), right.size());
+  };
+  while (!left.isEmpty() && !right.isEmpty() && shownWidth(joined()) > width) {
+    if (left.size() >= right.size())
+      left.removeLast();
+    else
+      right.removeFirst();
+  }
+  return joined();
 }
 
 QStringList commandLines(const QString &command, int width)

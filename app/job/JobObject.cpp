@@ -256,9 +256,9 @@ double JobObject::_toNumber(const QJsonValue &value, const QString &path, double
   constexpr double largest = 1e30;  // from there on the libraries take a number for undefined
   if (!(std::abs(number) < largest))
     _failAt(path, QObject::tr("%1 is too large").arg(number));
-  if (number < minimum)
+  if (number < minimum && bound == INCLUDED)
     _failAt(path, QObject::tr("%1 is too small, the least is %2").arg(number).arg(minimum));
-  if (bound == EXCLUDED && number == minimum)
+  if (bound == EXCLUDED && number <= minimum)
     _failAt(path, QObject::tr("must be greater than %1").arg(minimum));
   return number;
 }

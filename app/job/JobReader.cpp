@@ -120,6 +120,24 @@ void checkSearch(const JobObject &root, const Job &job)
   }
 }
 
+/// A model without a sill has no covariances.
+void checkUnbounded(const JobObject &root, const Job &job)
+{
+  if (!job.hasModel || job.model.isStrictStationary())
+    return;
+  const KrigingRequest &kriging = job.kriging;
+  if (kriging.mode == KrigingRequest::SIMPLE || kriging.mode == KrigingRequest::RESCALED)
+    root.fail(key("kriging.mode"), QObject::tr("the model has no sill: a mean that is known, or "
+                                               "weights of one sum, need one"));
+  const QStringList ofCovariances = {key("varianceOfEstimate"), key("covariance"),
+                                     key("correlation"), key("slope"), key("efficiency")};
+  for (const ExtraOutput &extra : kriging.extras) {
+    if (ofCovariances.contains(extra.key))
+      root.fail(key("kriging.extra"),
+                QObject::tr("\"%1\" needs a model with a sill").arg(extra.key));
+  }
+}
+
 /// Variant of kriging and neighborhood, for the grid and for cross-validation.
 void readKrigingParts(const JobObject &root, const QDir &folder, Job &job)
 {
@@ -149,6 +167,7 @@ void readKrigingParts(const JobObject &root, const QDir &folder, Job &job)
   job.neighborhood = readNeighborhood(root.object(key("neighborhood"), neighborhoodKeys()),
                                       job.getNDimensions(), job.getNVariables());
   checkSearch(root, job);
+  checkUnbounded(root, job);
 }
 
 /// What is to be done: variograms, cross-validation, kriging, or nothing but statistics.

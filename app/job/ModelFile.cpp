@@ -5,6 +5,7 @@
 #include "app/job/ModelJson.h"
 #include "app/job/ModelReader.h"
 #include "basic/error/NbeUserError.h"
+#include "geos/vmodel/NgmAVStruct.h"
 #include "geos/vmodel/NgmVModel.h"
 
 #include <QCryptographicHash>
@@ -175,8 +176,14 @@ NgmVModel readModelFile(const QString &path, const QString &shownName, int nDime
     throw NbeUserError(QObject::tr("%1: the model has %2 dimensions, the samples have %3")
                            .arg(shownName, QString::number(model.getContext().getNDimensions()),
                                 QString::number(nDimensions)));
-  if (!model.isStrictStationary() || !model.isValid())
-    throw NbeUserError(QObject::tr("%1: the model is empty or not stationary").arg(shownName));
+  if (!model.isValid())
+    throw NbeUserError(QObject::tr("%1: the model is empty").arg(shownName));
+  for (int i = 0; i < model.getNStructures(); ++i) {
+    const QString type = model.getStructure(i).getType().getLabel();
+    if (!structureLabels().contains(type))
+      throw NbeUserError(
+          QObject::tr("%1: a structure \"%2\" is not for kriging here").arg(shownName, type));
+  }
   return model;
 }
 

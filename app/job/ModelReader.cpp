@@ -23,10 +23,23 @@ namespace {
 
 using Types = QList<NgmEVStruct>;
 
-/// Kriging with an unknown mean asks for stationary structures.
-Types availableTypes()
+/// Those that reach a sill.
+Types boundedTypes()
 {
   return NgmVStructFactory::getStructureForDegree(-1, false);
+}
+
+Types availableTypes()
+{
+  return boundedTypes() << NgmEVStruct::POWER;
+}
+
+QStringList labelsOf(const Types &types)
+{
+  QStringList labels;
+  for (const NgmEVStruct &type : types)
+    labels << type.getLabel();
+  return labels;
 }
 
 bool isNamed(const NgmEVStruct &type, const QString &name)
@@ -36,15 +49,16 @@ bool isNamed(const NgmEVStruct &type, const QString &name)
 }
 
 /// The type that a member of the object names.
-NgmEVStruct findType(const JobObject &object, const QString &key, const QString &name)
+NgmEVStruct findType(const JobObject &object, const QString &key, const QString &name,
+                     const Types &types)
 {
-  for (const NgmEVStruct &type : availableTypes()) {
+  for (const NgmEVStruct &type : types) {
     if (isNamed(type, name))
       return type;
   }
-  object.fail(key,
-              QObject::tr("\"%1\" is not known%2; allowed: %3")
-                  .arg(name, didYouMean(name, structureLabels()), quotedList(structureLabels())));
+  const QStringList labels = labelsOf(types);
+  object.fail(key, QObject::tr("\"%1\" is not known%2; allowed: %3")
+                       .arg(name, didYouMean(name, labels), quotedList(labels)));
 }
 
 void readParameter(const JobObject &object, NgmVModel &model, int index)
@@ -118,8 +132,8 @@ NbgVector3D practicalRanges(const JobObject &object, const NbgVector3D &given,
 
 void readStructure(const JobObject &object, int nDimensions, NgmVModel &model)
 {
-  const NgmEVStruct type =
-      findType(object, QStringLiteral("type"), object.text(QStringLiteral("type")));
+  const NgmEVStruct type = findType(object, QStringLiteral("type"),
+                                    object.text(QStringLiteral("type")), availableTypes());
   const NgmMatrix sills = readSills(object, QStringLiteral("sill"), model.getNVariables());
   if (model.getNVariables() == 1 && sills(0, 0) <= 0.)
     object.fail(QStringLiteral("sill"), QObject::tr("must be greater than 0"));
@@ -169,10 +183,12 @@ JobObject parseModelText(const QString &file, const QByteArray &text)
 
 QStringList structureLabels()
 {
-  QStringList labels;
-  for (const NgmEVStruct &type : availableTypes())
-    labels << type.getLabel();
-  return labels;
+  return labelsOf(availableTypes());
+}
+
+QStringList fittedLabels()
+{
+  return labelsOf(boundedTypes());
 }
 
 QStringList fitKeys()
@@ -191,7 +207,7 @@ FitRequest readFit(const JobObject &object)
   if (names.isEmpty() || names.size() > mostStructures)
     object.fail(structures, QObject::tr("expected 1 to %1 structures").arg(mostStructures));
   for (const QString &name : names)
-    request.structures << findType(object, structures, name);
+    request.structures << findType(object, structures, name, boundedTypes());
   request.nugget = object.flag(QStringLiteral("nugget"), true);
   request.anisotropy = object.flag(QStringLiteral("anisotropy"), true);
   return request;
@@ -210,6 +226,7 @@ NgmVModel readModel(const JobObject &object, int nDimensions, int nVariables)
                                 .arg(nDimensions));
   NgmVModel model(nVariables);
   model.setContextNDim(nDimensions);
+  model.setContextIrfDegree(0);
   if (object.has(QStringLiteral("nugget")))
     model.setNuggetMatrix(readSills(object, QStringLiteral("nugget"), nVariables));
   if (object.has(QStringLiteral("structures"))) {

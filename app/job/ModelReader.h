@@ -26,7 +26,8 @@ QStringList fitKeys();
 /// What to fit; the structures by default are one spherical one.
 FitRequest readFit(const JobObject &object);
 
-/// Labels of the structures that the library has.
+/// Labels of the structures of models, and of those that can be fitted.
 QStringList structureLabels();
+QStringList fittedLabels();
 
 }  // namespace orvenal

@@ -1,5 +1,6 @@
 #include "app/plot/CrossValidationPicture.h"
 
+#include "app/base/NumberText.h"
 #include "app/plot/PlotStyle.h"
 #include "app/study/CrossValidation.h"
 #include "basic/base/NbbGlobal.h"
@@ -14,6 +15,8 @@ namespace orvenal {
 namespace {
 
 constexpr double side = 380.;  // of each plot area, in units of the layout
+constexpr double classWidth = 0.5;
+constexpr double outermost = 4.;  // errors beyond are counted together
 
 struct Pairs
 {
@@ -39,7 +42,11 @@ QCPRange commonRange(const Pairs &pairs)
   if (all.isEmpty())
     return QCPRange(0., 1.);
   const auto [least, largest] = std::minmax_element(all.begin(), all.end());
-  const double room = *largest > *least ? 0.05 * (*largest - *least) : 1.;
+  const double size = std::max(std::abs(*least), std::abs(*largest));
+  constexpr double rounding = 1e-9;
+  const double room = *largest - *least > rounding * size ? 0.05 * (*largest - *least)
+                      : size > 0.                         ? 0.5 * size
+                                                          : 1.;
   return QCPRange(*least - room, *largest + room);
 }
 
@@ -60,7 +67,7 @@ void drawScatter(QCPAxisRect &rect, const Pairs &pairs, const QString &valueLabe
 {
   QCPAxis *x = rect.axis(QCPAxis::atBottom);
   QCPAxis *y = rect.axis(QCPAxis::atLeft);
-  setUp(rect, QObject::tr("Estimate"), valueLabel);
+  setUp(rect, QObject::tr("Estimate of %1").arg(valueLabel), valueLabel);
   const QCPRange range = commonRange(pairs);
   for (QCPAxis *axis : {x, y}) {
     axis->setRange(range);
@@ -82,42 +89,68 @@ void drawScatter(QCPAxisRect &rect, const Pairs &pairs, const QString &valueLabe
   points->setScatterStyle(QCPScatterStyle(QCPScatterStyle::ssDisc, QColor(0, 114, 178, 150), size));
 }
 
+void addBars(QCPAxisRect &rect, const QVector<double> &places, const QVector<double> &counts,
+             const QColor &color)
+{
+  auto *bars = new QCPBars(rect.axis(QCPAxis::atBottom), rect.axis(QCPAxis::atLeft));
+  bars->setWidth(classWidth);
+  bars->setData(places, counts, true);
+  bars->setPen(QPen(Qt::white, 0.8));
+  bars->setBrush(color);
+}
+
 void drawHistogram(QCPAxisRect &rect, const std::vector<double> &errors)
 {
-  constexpr double width = 0.5;
-  constexpr int nClasses = 16;  // from -4 to 4; farther ones count in the outermost
-  QVector<double> centers(nClasses), counts(nClasses, 0.), densities, places;
+  constexpr int nClasses = 2 * int(outermost / classWidth);
+  QVector<double> centers, counts(nClasses, 0.), beyond(2, 0.), densities, places;
   double n = 0.;
   for (const double error : errors) {
     if (!NbbGlobal::isDefined(error))
       continue;
-    const int place = int(std::floor(std::clamp(error, -3.99, 3.99) / width)) + nClasses / 2;
-    counts[place] += 1.;
     n += 1.;
+    if (std::abs(error) >= outermost)
+      beyond[error > 0. ? 1 : 0] += 1.;
+    else
+      counts[int(std::floor(error / classWidth)) + nClasses / 2] += 1.;
   }
   for (int i = 0; i < nClasses; ++i)
-    centers[i] = (i - nClasses / 2 + 0.5) * width;
-  for (double place = -4.; place <= 4.; place += 0.05) {
+    centers << (i - nClasses / 2 + 0.5) * classWidth;
+  for (double place = -outermost; place <= outermost; place += 0.05) {
     places << place;
-    densities << n * width * std::exp(-0.5 * place * place) / std::sqrt(2. * M_PI);
+    densities << n * classWidth * std::exp(-0.5 * place * place) / std::sqrt(2. * M_PI);
   }
   setUp(rect, QObject::tr("Standardized error"), QObject::tr("Samples"));
   QCPAxis *x = rect.axis(QCPAxis::atBottom);
   QCPAxis *y = rect.axis(QCPAxis::atLeft);
-  auto *bars = new QCPBars(x, y);
-  bars->setWidth(width);
-  bars->setData(centers, counts, true);
-  bars->setPen(QPen(Qt::white, 0.8));
-  bars->setBrush(QColor(86, 180, 233));
+  addBars(rect, centers, counts, QColor(86, 180, 233));
+  const double end = outermost + classWidth;
+  addBars(rect, {-end, end}, beyond, QColor(230, 159, 0));
   QCPGraph *density = rect.parentPlot()->addGraph(x, y);
   density->setData(places, densities, true);
   density->setPen(QPen(QColor(60, 60, 60), 1.6));
-  const double most = std::max(*std::max_element(counts.begin(), counts.end()),
-                               *std::max_element(densities.begin(), densities.end()));
-  x->setRange(-4.2, 4.2);
+  const QVector<double> all = counts + beyond + densities;
+  const double most = *std::max_element(all.begin(), all.end());
+  x->setRange(-end - 0.6 * classWidth, end + 0.6 * classWidth);
   y->setRange(0., most > 0. ? 1.08 * most : 1.);
   setTicks(*x, side, 70.);
-  setTicks(*y, side, 60.);
+  setCountTicks(*y);
+}
+
+QString remarkOf(const CrossValidation &validation)
+{
+  if (validation.getNEstimated() == 0)
+    return QObject::tr("No sample could be estimated from the others.");
+  const qint64 nBeyond = std::count_if(
+      validation.standardizedError.begin(), validation.standardizedError.end(),
+      [](double error) { return NbbGlobal::isDefined(error) && std::abs(error) >= outermost; });
+  QString remark = QObject::tr(
+                       "Cross-validation of %1. Dashed: estimates equal to values. Line: "
+                       "Gaussian density.")
+                       .arg(samplesText(validation.getNEstimated()));
+  if (nBeyond > 0)
+    remark +=
+        QObject::tr(" Orange: %1 beyond %2.").arg(groupedText(nBeyond), QString::number(outermost));
+  return remark;
 }
 
 }  // namespace
@@ -127,11 +160,7 @@ Picture drawCrossValidation(const CrossValidation &validation, const std::vector
 {
   auto plot = std::make_unique<QCustomPlot>();
   addText(*plot, title, fontOf(13, true), 2. * side);
-  addText(*plot,
-          QObject::tr("Cross-validation of %1 samples. Dashed: estimates equal to values. Line: "
-                      "Gaussian density.")
-              .arg(validation.getNEstimated()),
-          fontOf(9), 2. * side);
+  addText(*plot, remarkOf(validation), fontOf(9), 2. * side + 120.);
   auto *row = new QCPLayoutGrid;
   auto *histogram = new QCPAxisRect(plot.get());
   const int last = plot->plotLayout()->rowCount() - 1;

@@ -77,25 +77,6 @@ void addVertical(QCPAxisRect &area, double place, Qt::PenStyle style)
   line->setPen(QPen(lineColor, 1.4, style));
 }
 
-/// Whole numbers only.
-void setCountTicks(QCPAxis &axis)
-{
-  constexpr double most = 8.;
-  double step = 1.;
-  for (double power = 1.; axis.range().upper > most * step; power *= 10.) {
-    for (const double factor : {1., 2., 5.}) {
-      step = factor * power;
-      if (axis.range().upper <= most * step)
-        break;
-    }
-  }
-  auto ticker = QSharedPointer<QCPAxisTickerFixed>::create();
-  ticker->setTickStep(step);
-  axis.setTicker(ticker);
-  axis.setNumberFormat(QStringLiteral("f"));
-  axis.setNumberPrecision(0);
-}
-
 void drawClasses(PanelSheet &sheet, const Distribution &distribution, double mean,
                  const QString &valueLabel)
 {

@@ -7,7 +7,7 @@
 namespace orvenal {
 
 void addRaster(QCPAxisRect &area, const MapRaster &raster, const QCPColorGradient &gradient,
-               const QCPRange &range)
+               const ColorRange &range)
 {
   auto *map = new QCPColorMap(area.axis(QCPAxis::atBottom), area.axis(QCPAxis::atLeft));
   map->data()->setSize(raster.nColumns, raster.nRows);
@@ -21,21 +21,21 @@ void addRaster(QCPAxisRect &area, const MapRaster &raster, const QCPColorGradien
   map->setInterpolate(false);
   map->setTightBoundary(false);
   map->setGradient(gradient);
-  map->setDataRange(range);
+  map->setDataScaleType(range.isLogarithmic ? QCPAxis::stLogarithmic : QCPAxis::stLinear);
+  map->setDataRange(range.range);
 }
 
 std::vector<SampleMark> marksOf(const Samples &samples, const QCPColorGradient *gradient,
-                                const QCPRange &range)
+                                const ColorRange &range)
 {
   std::vector<SampleMark> marks(samples.x.size());
-  QCPColorGradient colors = gradient ? *gradient : QCPColorGradient();
   for (std::size_t i = 0; i < marks.size(); ++i) {
     const bool isDefined = NbbGlobal::isDefined(samples.value[i]);
     marks[i].x = samples.x[i];
     marks[i].y = samples.y[i];
     marks[i].shape = isDefined ? SampleMark::CIRCLE : SampleMark::CROSS;
-    marks[i].fill = gradient && isDefined ? QColor::fromRgba(colors.color(samples.value[i], range))
-                                          : QColor(Qt::white);
+    marks[i].fill =
+        gradient && isDefined ? colorOf(*gradient, range, samples.value[i]) : QColor(Qt::white);
   }
   return marks;
 }

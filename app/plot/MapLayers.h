@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/plot/ColorScales.h"
 #include "app/plot/SampleMarks.h"
 
 #include <vector>
@@ -14,11 +15,11 @@ constexpr double mapMarkRadius = 3.2;
 
 /// Draws the cells of a raster in colour.
 void addRaster(QCPAxisRect &area, const MapRaster &raster, const QCPColorGradient &gradient,
-               const QCPRange &range);
+               const ColorRange &range);
 
 /// Circles at x and y of the samples, in the colours of their values or white without colours;
 /// crosses where the value is undefined.
 std::vector<SampleMark> marksOf(const Samples &samples, const QCPColorGradient *gradient,
-                                const QCPRange &range);
+                                const ColorRange &range);
 
 }  // namespace orvenal

@@ -6,6 +6,7 @@
 #include "app/plot/MapRaster.h"
 #include "app/plot/PlotStyle.h"
 #include "app/study/Samples.h"
+#include "basic/base/NbbGlobal.h"
 #include "basic/geom/NbgBox.h"
 #include "basic/geom/NbgGeomGrid.h"
 #include "basic/geom/NbgVector3D.h"
@@ -20,8 +21,7 @@ namespace orvenal {
 
 namespace {
 
-constexpr double longSide = 620.;      // of the plot area, in units of the layout
-constexpr double shortestSide = 240.;  // narrower areas hold no labels
+constexpr double shortestSide = 160.;  // narrower plot areas hold no labels
 constexpr int mostCells = 1500;
 
 /// The grid and the samples, with a little space around them.
@@ -38,22 +38,36 @@ NbgBox extentOf(const NbgGeomGrid &grid, const Samples &samples)
 /// Plot area of one scale for an extent, in units of the layout.
 QSizeF areaFor(double width, double height)
 {
-  const double scale = longSide / std::max(width, height);
+  const double scale = longSideOf(width, height) / std::max(width, height);
   return QSizeF(std::max(shortestSide, std::round(width * scale)),
                 std::max(shortestSide, std::round(height * scale)));
 }
 
-QString legendOf(const Samples &samples, bool isColored)
+/// How many samples have the colour of an end of the scale because they lie beyond it.
+qint64 countBeyond(const Samples &samples, const QCPRange &range)
 {
-  const QString count = groupedText(samples.getCount());
+  const double unseen = 0.02 * range.size();
+  return std::count_if(samples.value.begin(), samples.value.end(), [&](double value) {
+    return NbbGlobal::isDefined(value) &&
+           (value < range.lower - unseen || value > range.upper + unseen);
+  });
+}
+
+QString legendOf(const Samples &samples, bool isColored, const ColorRange &range)
+{
   if (samples.getCount() == 0)
     return QString();
   if (std::size_t(samples.getCount()) > SampleMarks::most)
-    return QObject::tr("Dots: some of %1 samples.").arg(count);
-  QString legend = isColored ? QObject::tr("Circles: %1 samples, filled by their value.").arg(count)
-                             : QObject::tr("Circles: %1 samples.").arg(count);
+    return QObject::tr("Dots: some of %1.").arg(samplesText(samples.getCount()));
+  const QString count = samplesText(samples.getCount() - samples.nUndefined);
+  QString legend = isColored ? QObject::tr("Circles: %1, filled by their value.").arg(count)
+                             : QObject::tr("Circles: %1.").arg(count);
+  const qint64 nBeyond = isColored && !range.isCut ? countBeyond(samples, range.range) : 0;
+  if (nBeyond > 0)
+    legend += QObject::tr(" Those beyond the scale (%1) have the colour of its end.")
+                  .arg(groupedText(nBeyond));
   if (samples.nUndefined > 0)
-    legend += QObject::tr(" Crosses: no value.");
+    legend += QObject::tr(" Crosses: %1 without a value.").arg(groupedText(samples.nUndefined));
   return legend;
 }
 
@@ -68,12 +82,15 @@ Picture drawMap(const NbgGeomGrid &grid, const std::vector<double> &values, cons
   const QSizeF area = areaFor(high.x() - low.x(), high.y() - low.y());
   const QCPColorGradient gradient =
       gradientOf(style.isDeviation ? ColorScale::CIVIDIS : ColorScale::VIRIDIS);
-  const ColorRange range = colorRangeOf(values);
+  const ColorRange estimated = colorRangeOf(values);
+  const ColorRange range =
+      estimated.isEmpty && style.coloredSamples ? colorRangeOf(samples.value) : estimated;
 
   auto plot = std::make_unique<QCustomPlot>();
   addText(*plot, style.title, fontOf(13, true), area.width() + 80.);
   QStringList remarks = {style.subtitle.isEmpty() ? QString() : style.subtitle + '.',
-                         legendOf(samples, style.coloredSamples), remarkOf(range)};
+                         estimated.isEmpty ? QObject::tr("No node has a value.") : QString(),
+                         legendOf(samples, style.coloredSamples, range), remarkOf(range)};
   remarks.removeAll(QString());
   addText(*plot, remarks.join(' '), fontOf(9), area.width() + 80.);
   styleAxis(*plot->xAxis, axisLabel(QObject::tr("x"), style.lengthUnit));
@@ -82,15 +99,13 @@ Picture drawMap(const NbgGeomGrid &grid, const std::vector<double> &values, cons
   plot->xAxis->setRange(low.x(), high.x());
   plot->yAxis->setRange(low.y(), high.y());
   setTicks(*plot->xAxis, area.width(), 95.);
-  setTicks(*plot->yAxis, area.height(), 80.);
+  setTicks(*plot->yAxis, area.height(), area.height() < 200. ? 35. : 80.);
 
-  addRaster(*plot->axisRect(), rasterize(grid, values, mostCells), gradient, range.range);
-  QCPColorScale &scale = addColorScale(*plot, style.valueLabel);
-  scale.setGradient(gradient);
-  scale.setDataRange(range.range);
-  setTicks(*scale.axis(), area.height(), 45.);
+  addRaster(*plot->axisRect(), rasterize(grid, values, mostCells), gradient, range);
+  if (!range.isEmpty)
+    setColors(addColorScale(*plot, style.valueLabel), gradient, range, area.height(), 45.);
   new SampleMarks(*plot->axisRect(),  // the plot owns them
-                  marksOf(samples, style.coloredSamples ? &gradient : nullptr, range.range),
+                  marksOf(samples, style.coloredSamples ? &gradient : nullptr, range),
                   mapMarkRadius, SampleMarks::OUTLINED);
 
   const QSize size = sizeFor(*plot, area);

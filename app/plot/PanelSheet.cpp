@@ -1,5 +1,6 @@
 #include "app/plot/PanelSheet.h"
 
+#include "app/plot/ColorScales.h"
 #include "app/plot/Picture.h"
 
 #include <QFontMetricsF>
@@ -115,12 +116,10 @@ QCPAxisRect &PanelSheet::add(const Panel &panel)
 }
 
 void PanelSheet::addColorScale(Side side, const QString &label, const QCPColorGradient &gradient,
-                               const QCPRange &range)
+                               const ColorRange &range)
 {
   auto *scale = new QCPColorScale(_plot.get());
   scale->setType(side == RIGHT ? QCPAxis::atRight : QCPAxis::atBottom);
-  scale->setGradient(gradient);
-  scale->setDataRange(range);
   scale->setBarWidth(16);
   QCPAxis &axis = *scale->axis();
   axis.setLabelFont(fontOf(10));
@@ -128,11 +127,11 @@ void PanelSheet::addColorScale(Side side, const QString &label, const QCPColorGr
   scale->setLabel(label);
   if (side == RIGHT) {
     scale->setMarginGroup(QCP::msTop | QCP::msBottom, _rowGroup);
-    setTicks(axis, _rowSize.height(), 45.);
+    setColors(*scale, gradient, range, _rowSize.height(), 45.);
     _row->addElement(0, _nInRow, scale);
     ++_nInRow;
   } else {
-    setTicks(axis, 0.6 * _width, 70.);
+    setColors(*scale, gradient, range, 0.6 * _width, 70.);
     scale->setMarginGroup(QCP::msLeft, &_groupOf(0));
     scale->setMinimumMargins(QMargins(0, 6, roomForLastLabel, 0));
     _body->addElement(_body->rowCount(), 0, scale);

@@ -10,6 +10,7 @@
 namespace orvenal {
 
 class Picture;
+struct ColorRange;
 
 /// A plot area of a picture that has several: what it is called, and which part of the plane it
 /// shows.
@@ -39,7 +40,7 @@ public:
   /// Adds a colour scale to the right of the last area, or below all of them.
   enum Side { RIGHT, BELOW };
   void addColorScale(Side side, const QString &label, const QCPColorGradient &gradient,
-                     const QCPRange &range);
+                     const ColorRange &range);
 
   /// Adds a row of names and, below each, its value.
   void addTable(const QStringList &names, const QStringList &values);

@@ -18,7 +18,12 @@ Picture::~Picture() = default;
 
 QImage Picture::toImage() const
 {
-  return _plot->toPixmap(_size.width(), _size.height(), pixelsPerUnit).toImage();
+  QImage image = _plot->toPixmap(_size.width(), _size.height(), pixelsPerUnit).toImage();
+  // Printed, letters have their size in points.
+  const int perMeter = qRound(pixelsPerUnit * _plot->logicalDpiX() / 0.0254);
+  image.setDotsPerMeterX(perMeter);
+  image.setDotsPerMeterY(perMeter);
+  return image;
 }
 
 QByteArray Picture::toPng() const
@@ -47,12 +52,9 @@ QByteArray Picture::toSvg() const
   painter.setMode(QCPPainter::pmNoCaching);
   _plot->toPainter(&painter, _size.width(), _size.height());
   painter.end();
+  // Where the font is missing, one with letters of the same widths stands in.
+  bytes.replace("font-family=\"DejaVu Sans\"", "font-family=\"DejaVu Sans, Verdana, sans-serif\"");
   return bytes;
-}
-
-QByteArray Picture::toBytes(const QString &file) const
-{
-  return file.endsWith(QLatin1String(".svg"), Qt::CaseInsensitive) ? toSvg() : toPng();
 }
 
 }  // namespace orvenal

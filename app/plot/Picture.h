@@ -28,9 +28,6 @@ public:
   QByteArray toPng() const;
   QByteArray toSvg() const;
 
-  /// In the format of the file's ending: PNG, or SVG for ".svg".
-  QByteArray toBytes(const QString &file) const;
-
 private:
   std::unique_ptr<QCustomPlot> _plot;
   QSize _size;

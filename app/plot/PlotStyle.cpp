@@ -1,5 +1,7 @@
 #include "app/plot/PlotStyle.h"
 
+#include "app/base/NumberText.h"
+
 #include <QFontMetricsF>
 #include <QLocale>
 #include <QObject>
@@ -43,6 +45,20 @@ double widestLabelOf(const QCPAxis &axis, int decimals)
 bool isHorizontal(const QCPAxis &axis)
 {
   return axis.axisType() == QCPAxis::atBottom || axis.axisType() == QCPAxis::atTop;
+}
+
+/// "0.02", "500", "2·10⁶"
+QString logarithmicLabel(int factor, int power)
+{
+  constexpr int mostZeros = 4;
+  if (power < -mostZeros || power > mostZeros) {
+    static const QString digits = QString::fromUtf8("⁰¹²³⁴⁵⁶⁷⁸⁹");
+    QString raised = power < 0 ? QString(QChar(0x207B)) : QString();
+    for (const QChar digit : QString::number(std::abs(power)))
+      raised += digits[digit.digitValue()];
+    return (factor == 1 ? QString() : QString::number(factor) + QChar(0xB7)) + "10" + raised;
+  }
+  return QString::number(factor * std::pow(10., power), 'f', std::max(0, -power));
 }
 
 }  // namespace
@@ -96,21 +112,79 @@ void setTicks(QCPAxis &axis, double length, double roomPerTick)
 {
   constexpr double gap = 12.;
   constexpr int mostDecimals = 6;
-  constexpr double largest = 1e9;
+  constexpr double largest = 1e8;
+  constexpr double mostTicksFromZero = 1e4;  // more take so many digits that zeros do not matter
+  constexpr double largestPlain = 1e13;
   axis.setLabel(wrapped(axis.label(), axis.labelFont(), length));
   int decimals = 0;
+  double step = 1.;
   for (int count = std::max(2, int(length / roomPerTick)); count > 0; --count) {
     axis.ticker()->setTickCount(count);
-    const double step = tickStepOf(axis);
+    step = tickStepOf(axis);
     decimals = decimalsOf(step);
     if (!isHorizontal(axis) ||
         widestLabelOf(axis, decimals) + gap <= step / axis.range().size() * length)
       break;
   }
   const double size = std::max(std::abs(axis.range().lower), std::abs(axis.range().upper));
-  const bool isPlain = size < largest && (decimals <= mostDecimals || size >= 1.);
+  const bool isShort = size < largest || (size < largestPlain && size / step > mostTicksFromZero);
+  const bool isPlain = isShort && (decimals <= mostDecimals || size >= 1.);
   axis.setNumberFormat(isPlain ? QStringLiteral("f") : QStringLiteral("gb"));
   axis.setNumberPrecision(isPlain ? decimals : mostDecimals);
+}
+
+void setLogarithmicTicks(QCPAxis &axis, double length, double roomPerTick)
+{
+  axis.setLabel(wrapped(axis.label(), axis.labelFont(), length));
+  const QCPRange range = axis.range();
+  const int last = int(std::ceil(std::log10(range.upper)));
+  const double perDecade = length / std::max(1e-9, std::log10(range.upper / range.lower));
+  // A factor of 2 is 0.3 of a decade.
+  const QVector<int> factors =
+      0.3 * perDecade >= 0.5 * roomPerTick ? QVector<int>{1, 2, 5} : QVector<int>{1};
+  const int stride = std::max(1, int(std::ceil(roomPerTick / perDecade)));
+  const int first = stride * int(std::floor(std::log10(range.lower) / stride));
+  auto ticker = QSharedPointer<QCPAxisTickerText>::create();
+  for (int power = first; power <= last; power += stride) {
+    for (const int factor : factors) {
+      const double place = factor * std::pow(10., power);
+      if (range.contains(place))
+        ticker->addTick(place, logarithmicLabel(factor, power));
+    }
+  }
+  ticker->setSubTickCount(0);
+  axis.setTicker(ticker);
+}
+
+void setCountTicks(QCPAxis &axis)
+{
+  constexpr double most = 8.;
+  double step = 1.;
+  for (double power = 1.; axis.range().upper > most * step; power *= 10.) {
+    for (const double factor : {1., 2., 5.}) {
+      step = factor * power;
+      if (axis.range().upper <= most * step)
+        break;
+    }
+  }
+  auto ticker = QSharedPointer<QCPAxisTickerFixed>::create();
+  ticker->setTickStep(step);
+  axis.setTicker(ticker);
+  axis.setNumberFormat(QStringLiteral("f"));
+  axis.setNumberPrecision(0);
+}
+
+double longSideOf(double width, double height)
+{
+  constexpr double usual = 620.;
+  constexpr double longest = 900.;
+  const double ratio = std::max(width, height) / std::min(width, height);
+  return ratio > 0. ? std::clamp(0.3 * ratio * usual, usual, longest) : usual;
+}
+
+QString samplesText(qint64 count)
+{
+  return count == 1 ? QObject::tr("1 sample") : QObject::tr("%1 samples").arg(groupedText(count));
 }
 
 void closeFrame(QCustomPlot &plot)
@@ -135,10 +209,15 @@ void addText(QCustomPlot &plot, const QString &text, const QFont &font, double w
 
 QSize sizeFor(QCustomPlot &plot, const QSizeF &area)
 {
-  const QSize trial(int(area.width()) + 200, int(area.height()) + 160);
-  plot.setViewport(QRect(QPoint(0, 0), trial));
-  plot.replot(QCustomPlot::rpImmediateRefresh);
-  return trial + QSize(int(area.width()), int(area.height())) - plot.axisRect()->size();
+  const QSize wanted(int(area.width()), int(area.height()));
+  QSize size = wanted + QSize(200, 160);
+  // What is beside the area may take another part of a larger picture.
+  for (int trial = 0; trial < 2; ++trial) {
+    plot.setViewport(QRect(QPoint(0, 0), size));
+    plot.replot(QCustomPlot::rpImmediateRefresh);
+    size += wanted - plot.axisRect()->size();
+  }
+  return size;
 }
 
 }  // namespace orvenal

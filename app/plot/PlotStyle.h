@@ -24,6 +24,19 @@ void styleAxis(QCPAxis &axis, const QString &label);
 /// label of the axis broken to its length; to be called when the range and the label are set.
 void setTicks(QCPAxis &axis, double length, double roomPerTick);
 
+/// Ticks at 1, 2 and 5 of each power of ten, or at fewer of them, for an axis of logarithms; its
+/// label as setTicks() does.
+void setLogarithmicTicks(QCPAxis &axis, double length, double roomPerTick);
+
+/// Ticks at whole numbers only, from 0.
+void setCountTicks(QCPAxis &axis);
+
+/// Length of the longer side of a map, in units of the layout; long and narrow ones get more.
+double longSideOf(double width, double height);
+
+/// "1 sample", "1,234 samples".
+QString samplesText(qint64 count);
+
 /// Plain lines above and to the right of the plot area.
 void closeFrame(QCustomPlot &plot);
 

@@ -28,7 +28,7 @@ struct Scene
   const SampleMapStyle &style;
   QString remark;
   QCPColorGradient gradient;
-  QCPRange range;
+  ColorRange range;
   std::vector<SampleMark> marks;    ///< without places
   std::vector<std::size_t> sample;  ///< of each mark
 
@@ -112,13 +112,12 @@ Panel panelOf(const Scene &scene, const std::array<QCPRange, 3> &extent, int xAx
 
 Picture draw(const Scene &scene)
 {
-  constexpr double longSide2D = 620.;  // of a plot area, in units of the layout
-  constexpr double longSide3D = 400.;
+  constexpr double longSide3D = 400.;  // of a plot area, in units of the layout
   constexpr double width3D = 980.;
   const std::array<QCPRange, 3> extent = extentOf(scene);
   const bool is3D = !scene.samples.z.empty();
   const double scale =
-      (is3D ? longSide3D : longSide2D) /
+      (is3D ? longSide3D : longSideOf(extent[0].size(), extent[1].size())) /
       std::max({extent[0].size(), extent[1].size(), is3D ? 0.7 * extent[2].size() : 0.});
   const double width = is3D ? width3D : std::max(400., extent[0].size() * scale + 130.);
   PanelSheet sheet(scene.style.title, scene.remark, width);
@@ -138,15 +137,11 @@ Picture draw(const Scene &scene)
   return sheet.finish();
 }
 
-QColor colorOf(Scene &scene, double value)
-{
-  return QColor::fromRgba(scene.gradient.color(value, scene.range));
-}
-
 QString thinningRemark(std::size_t n)
 {
-  return n > SampleMarks::most ? QObject::tr("Dots are the first samples of their little squares.")
-                               : QString();
+  return n > SampleMarks::most
+             ? QObject::tr("Dots: one sample in each small square of the picture.")
+             : QString();
 }
 
 QString joined(QStringList sentences)
@@ -161,8 +156,7 @@ Picture drawSampleMap(const Samples &samples, const SampleMapStyle &style)
 {
   Scene scene(samples, style);
   scene.gradient = gradientOf(ColorScale::VIRIDIS);
-  const ColorRange range = colorRangeOf(samples.value);
-  scene.range = range.range;
+  scene.range = colorRangeOf(samples.value);
   // Open circles are drawn first, below the values; of dots the first one prevails.
   const bool areDots = samples.value.size() > SampleMarks::most;
   for (const bool isDefined : {areDots, !areDots}) {
@@ -171,7 +165,8 @@ Picture drawSampleMap(const Samples &samples, const SampleMapStyle &style)
         continue;
       SampleMark mark;
       mark.shape = isDefined ? SampleMark::CIRCLE : SampleMark::OPEN;
-      mark.fill = isDefined ? colorOf(scene, samples.value[i]) : QColor(200, 200, 200);
+      mark.fill = isDefined ? colorOf(scene.gradient, scene.range, samples.value[i])
+                            : QColor(200, 200, 200);
       scene.marks.push_back(mark);
       scene.sample.push_back(i);
     }
@@ -181,7 +176,7 @@ Picture drawSampleMap(const Samples &samples, const SampleMapStyle &style)
                                                : QObject::tr("Open circles: %1 without a value.");
   scene.remark = joined({QObject::tr("Samples: %1.").arg(groupedText(samples.getCount())),
                          open.isEmpty() ? open : open.arg(groupedText(samples.nUndefined)),
-                         thinningRemark(scene.marks.size()), remarkOf(range),
+                         thinningRemark(scene.marks.size()), remarkOf(scene.range),
                          style.grid ? QObject::tr("Dashed: the grid.") : QString()});
   return draw(scene);
 }
@@ -191,14 +186,14 @@ Picture drawErrorMap(const Samples &samples, const std::vector<double> &standard
 {
   Scene scene(samples, style);
   scene.gradient = gradientOf(ColorScale::DIVERGING);
-  scene.range = QCPRange(-largestUsualError, largestUsualError);
+  scene.range = {QCPRange(-largestUsualError, largestUsualError)};
   qint64 nMarked = 0;
   for (std::size_t i = 0; i < standardizedErrors.size(); ++i) {
     const double error = standardizedErrors[i];
     if (!NbbGlobal::isDefined(error))
       continue;
     SampleMark mark;
-    mark.fill = colorOf(scene, error);
+    mark.fill = colorOf(scene.gradient, scene.range, error);
     if (std::abs(error) > largestUsualError) {
       mark.shape = error > 0. ? SampleMark::UP : SampleMark::DOWN;
       ++nMarked;
@@ -206,13 +201,15 @@ Picture drawErrorMap(const Samples &samples, const std::vector<double> &standard
     scene.marks.push_back(mark);
     scene.sample.push_back(i);
   }
-  scene.remark =
-      joined({QObject::tr("Standardized errors; samples: %1.")
-                  .arg(groupedText(qint64(scene.marks.size()))),
-              QObject::tr("Triangles: %1 beyond %2, upward where the estimate is too high.")
-                  .arg(groupedText(nMarked), QString::number(largestUsualError)),
-              thinningRemark(scene.marks.size()),
-              style.grid ? QObject::tr("Dashed: the grid.") : QString()});
+  scene.remark = joined(
+      {scene.marks.empty() ? QObject::tr("No sample could be estimated from the others.")
+                           : QObject::tr("Standardized errors; samples: %1.")
+                                 .arg(groupedText(qint64(scene.marks.size()))),
+       nMarked == 0 ? QString()
+                    : QObject::tr("Triangles: %1 beyond %2, upward where the estimate is too high.")
+                          .arg(groupedText(nMarked), QString::number(largestUsualError)),
+       thinningRemark(scene.marks.size()),
+       style.grid ? QObject::tr("Dashed: the grid.") : QString()});
   return draw(scene);
 }
 

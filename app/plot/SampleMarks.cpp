@@ -90,9 +90,12 @@ void SampleMarks::_drawMark(QCPPainter &painter, const SampleMark &mark, bool is
     return;
   }
   if (isCrowded) {
-    const double radius = std::max(1.6, 0.6 * _radius);
-    painter.setPen(QPen(QColor(110, 110, 110), 0.4));
-    painter.setBrush(mark.shape == SampleMark::CIRCLE ? QBrush(mark.fill) : QBrush(Qt::NoBrush));
+    const bool isPlain = _dots == OUTLINED && mark.fill == QColor(Qt::white);
+    const double radius = isPlain ? 1. : std::max(1.6, 0.6 * _radius);
+    painter.setPen(isPlain ? QPen(Qt::white, 0.5) : QPen(QColor(110, 110, 110), 0.4));
+    painter.setBrush(mark.shape != SampleMark::CIRCLE ? QBrush(Qt::NoBrush)
+                     : isPlain                        ? QBrush(Qt::black)
+                                                      : QBrush(mark.fill));
     painter.drawEllipse(place, radius, radius);
     return;
   }
@@ -134,7 +137,7 @@ void SampleMarks::_drawTriangle(QCPPainter &painter, const SampleMark &mark) con
 
 void SampleMarks::_drawDots(QCPPainter &painter, bool isTriangles, std::vector<bool> &taken) const
 {
-  const double square = _dots == FILLED ? 4. : 6.;
+  const double square = _dots == FILLED ? 4. : 10.;
   constexpr double dot = 1.2;
   const QRect area = clipRect();
   const auto nColumns = std::size_t(area.width() / square + 1.);

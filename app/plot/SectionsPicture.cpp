@@ -16,8 +16,9 @@ namespace orvenal {
 
 namespace {
 
-constexpr double width = 980.;     // of the picture, about, in units of the layout
-constexpr double longSide = 380.;  // of a horizontal section
+constexpr double width = 980.;          // of the picture, about, in units of the layout
+constexpr double longSide = 380.;       // of a horizontal section
+constexpr double longSideAlone = 620.;  // of the only one
 constexpr int mostCells = 800;
 
 struct Extent
@@ -43,7 +44,7 @@ double scaleFor(const NbgGeomGrid &grid, const QList<GridSection> &sections)
     const Extent extent = extentOf(planeOf(grid, section));
     longest = std::max({longest, extent.x.size(), extent.y.size()});
   }
-  return longSide / longest;
+  return (sections.size() == 1 ? longSideAlone : longSide) / longest;
 }
 
 Panel panelOf(const NbgGeomGrid &grid, const GridSection &section, const Extent &extent,
@@ -78,39 +79,61 @@ Panel panelOf(const NbgGeomGrid &grid, const GridSection &section, const Extent 
   return panel;
 }
 
+/// What the marks are; nothing when there are none.
+QString legendOf(const NbgGeomGrid &grid, const QList<GridSection> &sections,
+                 const QList<Samples> &near)
+{
+  qint64 nShown = 0;
+  qint64 nUndefined = 0;
+  for (const Samples &samples : near) {
+    nShown += samples.getCount();
+    nUndefined += samples.nUndefined;
+  }
+  if (nShown == 0)
+    return QObject::tr("No sample is near a section.");
+  const bool areHalfCells =
+      std::all_of(sections.begin(), sections.end(), [&](const GridSection &section) {
+        return section.distance == 0.5 * grid.getCellSize()[section.axis];
+      });
+  const QString circles = areHalfCells
+                              ? QObject::tr("Circles: samples within half a cell of the section.")
+                              : QObject::tr("Circles: samples near the section.");
+  return nUndefined > 0 ? circles + QObject::tr(" Crosses: no value.") : circles;
+}
+
 }  // namespace
 
 Picture drawSections(const NbgGeomGrid &grid, const std::vector<double> &values,
                      const QList<GridSection> &sections, const Samples &samples,
                      const MapStyle &style)
 {
-  const ColorRange range = colorRangeOf(values);
+  const ColorRange estimated = colorRangeOf(values);
+  const ColorRange range =
+      estimated.isEmpty && style.coloredSamples ? colorRangeOf(samples.value) : estimated;
   const QCPColorGradient gradient =
       gradientOf(style.isDeviation ? ColorScale::CIVIDIS : ColorScale::VIRIDIS);
-  const bool areHalfCells =
-      std::all_of(sections.begin(), sections.end(), [&](const GridSection &section) {
-        return section.distance == 0.5 * grid.getCellSize()[section.axis];
-      });
-  QStringList remarks = {
-      style.subtitle + '.',
-      areHalfCells ? QObject::tr("Circles: samples within half a cell of the section.")
-                   : QObject::tr("Circles: samples near the section."),
-      samples.nUndefined > 0 ? QObject::tr("Crosses: no value.") : QString(), remarkOf(range)};
+  QList<Samples> near;
+  for (const GridSection &section : sections)
+    near << samplesNear(grid, samples, section);
+  QStringList remarks = {style.subtitle + '.',
+                         estimated.isEmpty ? QObject::tr("No node has a value.") : QString(),
+                         legendOf(grid, sections, near), remarkOf(range)};
   remarks.removeAll(QString());
   remarks.removeAll(QStringLiteral("."));
   PanelSheet sheet(style.title, remarks.join(' '), width);
   const double scale = scaleFor(grid, sections);
-  for (const GridSection &section : sections) {
+  for (int i = 0; i < sections.size(); ++i) {
+    const GridSection &section = sections[i];
     const NbgGeomGrid plane = planeOf(grid, section);
     QCPAxisRect &area = sheet.add(panelOf(grid, section, extentOf(plane), scale, style.lengthUnit));
     addRaster(area, rasterize(plane, sectionValues(grid, values, section), mostCells), gradient,
-              range.range);
-    const Samples near = samplesNear(grid, samples, section);
+              range);
     new SampleMarks(area,  // the plot owns them
-                    marksOf(near, style.coloredSamples ? &gradient : nullptr, range.range),
+                    marksOf(near[i], style.coloredSamples ? &gradient : nullptr, range),
                     mapMarkRadius, SampleMarks::OUTLINED);
   }
-  sheet.addColorScale(PanelSheet::BELOW, style.valueLabel, gradient, range.range);
+  if (!range.isEmpty)
+    sheet.addColorScale(PanelSheet::BELOW, style.valueLabel, gradient, range);
   return sheet.finish();
 }
 

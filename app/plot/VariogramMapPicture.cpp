@@ -105,8 +105,8 @@ Picture drawVariogramCloud(const VariogramCloud &cloud, const VariogramStyle &st
     }
   }
   cells.setDataScaleType(QCPAxis::stLogarithmic);
-  cells.colorScale()->axis()->setTicker(QSharedPointer<QCPAxisTickerLog>::create());
   cells.setDataRange(QCPRange(1., std::max(most, 10.)));
+  setLogarithmicTicks(*cells.colorScale()->axis(), side, 45.);
   const QSize size = sizeFor(*plot, QSizeF(side, side));
   plot->setViewport(QRect(QPoint(0, 0), size));
   return Picture(std::move(plot), size);

@@ -28,13 +28,24 @@ double largestDistanceOf(const Variography &variography)
 }
 
 /// The graph carries the name; the marks draw themselves.
-void addLegendEntry(QCustomPlot &plot, const QString &name, const QPen &pen, bool hasMarks)
+QCPGraph &addLegendEntry(QCustomPlot &plot, const QString &name, const QPen &pen)
 {
+  constexpr double widest = 190.;  // so that the plot area keeps its room
   QCPGraph *graph = plot.addGraph();
-  graph->setName(name);
+  graph->setName(wrapped(name, fontOf(9), widest));
   graph->setPen(pen);
-  if (hasMarks)
-    graph->setScatterStyle(QCPScatterStyle(QCPScatterStyle::ssDisc, pen.color(), 7));
+  return *graph;
+}
+
+void addDirectionEntry(QCustomPlot &plot, const QString &name, const DirectionStyle &style)
+{
+  constexpr double size = 7.;
+  QCPGraph &graph = addLegendEntry(plot, name, QPen(style.color, 0.8));
+  if (style.isFilled)
+    graph.setScatterStyle(QCPScatterStyle(QCPScatterStyle::ssDisc, style.color, size));
+  else
+    graph.setScatterStyle(
+        QCPScatterStyle(QCPScatterStyle::ssCircle, QPen(style.color, 1.2), Qt::white, size));
 }
 
 void addSillEntry(QCustomPlot &plot, const Variography &variography)
@@ -46,20 +57,20 @@ void addSillEntry(QCustomPlot &plot, const Variography &variography)
     name = variography.nVariables == 1 ? QObject::tr("variance of the samples")
                                        : QObject::tr("(co)variance of the samples");
   if (hasSill)
-    addLegendEntry(plot, name, sillPen(), false);
+    addLegendEntry(plot, name, sillPen());
 }
 
 void addLegendEntries(QCustomPlot &plot, const Variography &variography,
                       const VariogramStyle &style)
 {
   if (style.model && isIsotropic(*style.model, style.nDimensions)) {
-    addLegendEntry(plot, QObject::tr("model"), modelPen(QColor(60, 60, 60)), false);
+    addLegendEntry(plot, QObject::tr("model"), modelPen(QColor(60, 60, 60)));
     if (variography.nVariables > 1)
-      addLegendEntry(plot, QObject::tr("limits of cross variograms"), limitPen(), false);
+      addLegendEntry(plot, QObject::tr("limits of cross variograms"), limitPen());
   }
   const QVector<VariogramCurve> &curves = variography.sets.first().curves;
   for (int i = 0; i < curves.size(); ++i)
-    addLegendEntry(plot, curves[i].name, QPen(directionColor(i), 0.8), true);
+    addDirectionEntry(plot, curves[i].name, directionStyle(i));
   addSillEntry(plot, variography);
 }
 

@@ -49,6 +49,13 @@ void addEllipsoid(const NgmNeighborhoodMoving &moving, const Job &job,
                  Describe::vector(axes[axis])});
 }
 
+/// A label that leaves room for numbers on a terminal.
+QString shortLabel(const QString &label)
+{
+  constexpr int widest = 50;
+  return shortened(label, widest);
+}
+
 QString capText(const NgcECutoffMode &mode, double threshold, const NbgVector3D &radii,
                 const Job &job)
 {
@@ -168,14 +175,42 @@ QString columnNames(const QList<Column> &columns)
   return names.join(QStringLiteral(", "));
 }
 
+/// "linear drift and external drift (sqrt dist)"
 QString kindOfDrift(const KrigingRequest &request)
 {
   QStringList drifts;
   if (request.driftDegree > 0)
-    drifts << (request.driftDegree == 1 ? QObject::tr("linear") : QObject::tr("quadratic"));
+    drifts << (request.driftDegree == 1 ? QObject::tr("linear drift")
+                                        : QObject::tr("quadratic drift"));
   if (!request.externalDrifts.isEmpty())
-    drifts << QObject::tr("external (%1)").arg(columnNames(request.externalDrifts));
+    drifts << QObject::tr("external drift (%1)").arg(columnNames(request.externalDrifts));
   return drifts.join(QObject::tr(" and "));
+}
+
+/// Of what the estimates are.
+QString supportOf(const KrigingRequest &request)
+{
+  if (!request.block)
+    return QObject::tr("points: values at the nodes");
+  QStringList points;
+  for (int axis = 0; axis < 3; ++axis) {
+    if (axis < 2 || (*request.block)[axis] > 1)
+      points << QString::number((*request.block)[axis]);
+  }
+  return QObject::tr("blocks: means of the cells, each discretized by %1 points")
+      .arg(times(points));
+}
+
+QString filteredParts(const KrigingRequest &request)
+{
+  QStringList parts;
+  if (request.filterNugget)
+    parts << QObject::tr("nugget");
+  for (const int structure : request.filteredStructures)
+    parts << QObject::tr("structure %1").arg(structure + 1);
+  if (request.filterDrift)
+    parts << QObject::tr("drift");
+  return parts.join(QStringLiteral(", "));
 }
 
 /// "Ordinary block cokriging with zinc and lead"
@@ -183,7 +218,9 @@ QString krigingKind(const Job &job)
 {
   const KrigingRequest &request = job.kriging;
   static const char *const modes[] = {"Ordinary", "Simple", "Universal", "Rescaled"};
-  QStringList words = {QObject::tr(modes[request.mode])};
+  QStringList words;
+  if (request.mode != KrigingRequest::DRIFT || request.driftDegree > 0)
+    words << QObject::tr(modes[request.mode]);
   if (request.block)
     words << QObject::tr("block");
   if (!request.collocated.isEmpty())
@@ -195,8 +232,9 @@ QString krigingKind(const Job &job)
   if (!names.isEmpty())
     words << QObject::tr("with %1").arg(names.join(QStringLiteral(", ")));
   QString text = words.join(' ');
+  text[0] = text[0].toUpper();
   if (request.mode == KrigingRequest::DRIFT)
-    text += QObject::tr(" with %1 drift").arg(kindOfDrift(request));
+    text += QObject::tr(" with %1").arg(kindOfDrift(request));
   if (request.measurementError || request.constantError)
     text += QObject::tr(", measurement errors");
   if (request.isFiltering())
@@ -213,6 +251,12 @@ QString Describe::vector(const NbgVector3D &direction)
   };
   return QObject::tr("(%1, %2, %3)")
       .arg(component(direction.x()), component(direction.y()), component(direction.z()));
+}
+
+QString Describe::coordinate(double value)
+{
+  constexpr int digits = 12;
+  return QString::number(value, 'g', digits);
 }
 
 QStringList Describe::statisticsHeader()
@@ -299,6 +343,51 @@ QString Describe::model(const Job &job)
   return parts.join(QStringLiteral(" + "));
 }
 
+QVector<QPair<QString, QString>> Describe::kriging(const Job &job)
+{
+  const KrigingRequest &request = job.kriging;
+  QVector<QPair<QString, QString>> rows = {{QObject::tr("Kind"), krigingKind(job)}};
+  const auto add = [&](const QString &name, const QString &value) {
+    if (!value.isEmpty())
+      rows.append({name, value});
+  };
+  if (job.hasGrid)
+    add(QObject::tr("Support"), supportOf(request));
+  QStringList means;
+  for (const double mean : request.means)
+    means << numberText(mean);
+  add(QObject::tr("Known means"), means.join(QStringLiteral(", ")));
+  add(QObject::tr("Local means"), columnNames(request.localMeans));
+  add(QObject::tr("Drift"), kindOfDrift(request));
+  if (request.constantError)
+    add(QObject::tr("Standard deviation of measurement errors"),
+        numberText(*request.constantError));
+  if (request.measurementError)
+    add(QObject::tr("Standard deviation of measurement errors"),
+        columnNames({*request.measurementError}));
+  add(QObject::tr("Collocated"), columnNames(request.collocated));
+  if (job.faults)
+    add(QObject::tr("Faults"),
+        QObject::tr("%1; nodes inside closed ones are %2")
+            .arg(job.faults->shown, job.estimatesInsideFaults ? QObject::tr("estimated")
+                                                              : QObject::tr("left undefined")));
+  if (request.localAzimuth)
+    add(QObject::tr("Local azimuth of model and neighborhood"),
+        columnNames({*request.localAzimuth}));
+  if (request.localFactor)
+    add(QObject::tr("Local factor of the ranges"), columnNames({*request.localFactor}));
+  if (request.productionVolume > 0.) {
+    add(QObject::tr("Volume of a production"), numberText(request.productionVolume));
+    add(QObject::tr("Theoretical mean"), numberText(request.theoreticalMean));
+  }
+  add(QObject::tr("Left out of the estimate"), filteredParts(request));
+  QStringList extras;
+  for (const ExtraOutput &extra : request.extras)
+    extras << extra.label;
+  add(QObject::tr("Further results"), extras.join(QStringLiteral(", ")));
+  return rows;
+}
+
 QVector<QPair<QString, QString>> Describe::neighborhood(const Job &job)
 {
   if (!job.neighborhood)
@@ -330,7 +419,9 @@ QVector<QPair<QString, QString>> Describe::outcome(const StudyResult &result)
   return {{QObject::tr("Nodes of the grid"), QString::number(grid.geometry.getGridSize())},
           {QObject::tr("Nodes in the mask"), QString::number(nSelected)},
           {QObject::tr("Nodes estimated"), QString::number(nEstimated)},
-          {QObject::tr("Too few samples around the node"),
+          {result.job.faults && !result.job.estimatesInsideFaults
+               ? QObject::tr("Too few samples around the node, or inside a closed fault")
+               : QObject::tr("Too few samples around the node"),
            QString::number(nSelected - nEstimated - nFailures)},
           {QObject::tr("Systems that could not be solved"), QString::number(nFailures)}};
 }
@@ -340,12 +431,12 @@ QString textStatistics(const StudyResult &result)
   QList<QStringList> rows;
   rows << (QStringList(QString()) << Describe::statisticsHeader());
   for (int i = 0; i < result.job.getNVariables(); ++i)
-    rows << (QStringList(result.job.getVariable(i).getLabel())
+    rows << (QStringList(shortLabel(result.job.getVariable(i).getLabel()))
              << Describe::statisticsRow(result.variableStatistics.getConstUnivariateStats(i)));
   if (result.estimation) {
-    rows << (QStringList(Describe::estimateLabel(result.job))
+    rows << (QStringList(shortLabel(Describe::estimateLabel(result.job)))
              << Describe::statisticsRow(result.estimation->estimate));
-    rows << (QStringList(Describe::deviationLabel(result.job))
+    rows << (QStringList(shortLabel(Describe::deviationLabel(result.job)))
              << Describe::statisticsRow(result.estimation->deviation));
   }
   constexpr int nShown = 7;  // more does not fit a terminal
@@ -372,7 +463,41 @@ QList<QStringList> sillRows(const Job &job)
 
 QString textSills(const Job &job)
 {
-  return alignedColumns(sillRows(job), 2 + job.getNVariables());
+  QList<QStringList> rows = sillRows(job);
+  constexpr int widest = 24;
+  for (QStringList &row : rows) {
+    for (QString &text : row)
+      text = shortened(text, widest);
+  }
+  return alignedColumns(rows, 2 + job.getNVariables());
+}
+
+QVector<QPair<QString, QString>> variogramParameters(const Variography &variography, const Job &job)
+{
+  const VariogramRequest request = job.variogram.value_or(VariogramRequest());
+  QVector<QPair<QString, QString>> rows = {
+      {QObject::tr("Lag"),
+       QObject::tr("%1, with pairs within %2 of it")
+           .arg(lengthText(variography.lag, job.lengthUnit),
+                lengthText(request.lagTolerance * variography.lag, job.lengthUnit))}};
+  const QVector<VariogramCurve> &curves = variography.sets.first().curves;
+  for (int i = 0; i < curves.size(); ++i) {
+    if (curves[i].isOmnidirectional)
+      continue;
+    constexpr double halfTurn = 180.;
+    const double tolerance =
+        i < request.directions.size()
+            ? request.directions[i].tolerance
+            : request.regularTolerance.value_or(0.5 * halfTurn / std::max(1, request.nRegular));
+    rows.append(
+        {curves[i].name, QObject::tr("%1, with pairs within %2%3 of it")
+                             .arg(Compass::describe(curves[i].direction, job.getNDimensions()),
+                                  numberText(tolerance), QChar(0xB0))});
+  }
+  if (request.width)
+    rows.append({QObject::tr("Width"), QObject::tr("pairs within %1 of the axis of a direction")
+                                           .arg(lengthText(*request.width, job.lengthUnit))});
+  return rows;
 }
 
 QList<QStringList> variogramRows(const Variography &variography, const Job &job)
@@ -401,22 +526,24 @@ QList<QStringList> variogramRows(const Variography &variography, const Job &job)
 
 QString textVariograms(const Variography &variography, const Job &job)
 {
-  const QList<QStringList> rows = variogramRows(variography, job);
+  QList<QStringList> rows = variogramRows(variography, job);
+  for (QStringList &row : rows)
+    row[0] = shortLabel(row[0]);
   return alignedColumns(rows, rows.first().size());
 }
 
-QVector<QPair<QString, QString>> crossValidationRows(const StudyResult &result)
+QVector<QPair<QString, QString>> crossValidationRows(const StudyResult &result, const QString &unit)
 {
   const CrossValidation &validation = result.crossValidation;
   const XValRes &means = validation.means;
   return {{QObject::tr("Samples"), QString::number(result.samples.getCount())},
           {QObject::tr("Estimated, with a value"), QString::number(validation.getNEstimated())},
-          {QObject::tr("Mean error"), numberText(means.error)},
-          {QObject::tr("Root mean squared error"), numberText(means.rootSquaredError)},
+          {QObject::tr("Mean error"), lengthText(means.error, unit)},
+          {QObject::tr("Root mean squared error"), lengthText(means.rootSquaredError, unit)},
           {QObject::tr("Mean standardized error"), numberText(means.standardizedError)},
           {QObject::tr("Root mean squared standardized error"),
            numberText(means.rootSquaredStandardizedError)},
-          {QObject::tr("Mean standard deviation"), numberText(means.standardDeviation)}};
+          {QObject::tr("Mean standard deviation"), lengthText(means.standardDeviation, unit)}};
 }
 
 QString textCrossValidation(const StudyResult &result)

@@ -24,6 +24,9 @@ namespace Describe {
 /// A direction by its components east, north and up.
 QString vector(const NbgVector3D &direction);
 
+/// All digits of a coordinate that a reader may need.
+QString coordinate(double value);
+
 /// Values and names of the figures that are shown of statistics.
 QStringList statisticsHeader();
 QStringList statisticsRow(const NbcStatMono &statistics);
@@ -42,6 +45,9 @@ QString turn(const NbgGeomGrid &grid);
 /// "nugget 0.05 + Spherical of sill 0.59, range 897 m"; without sills for several variables.
 QString model(const Job &job);
 
+/// Names and values: the kind of kriging and what belongs to it.
+QVector<QPair<QString, QString>> kriging(const Job &job);
+
 /// Names and values: type, radii and axes, numbers of samples.
 QVector<QPair<QString, QString>> neighborhood(const Job &job);
 
@@ -53,8 +59,10 @@ QVector<QPair<QString, QString>> outcome(const StudyResult &result);
 /// The statistics of samples and results as a text table.
 QString textStatistics(const StudyResult &result);
 
-/// Names and values: the means of a cross-validation.
-QVector<QPair<QString, QString>> crossValidationRows(const StudyResult &result);
+/// Names and values: the means of a cross-validation, with the unit of the variable when it is
+/// given.
+QVector<QPair<QString, QString>> crossValidationRows(const StudyResult &result,
+                                                     const QString &unit = QString());
 
 /// The same as text.
 QString textCrossValidation(const StudyResult &result);
@@ -65,6 +73,10 @@ QList<QStringList> sillRows(const Job &job);
 
 /// The same as a text table.
 QString textSills(const Job &job);
+
+/// Names and values: the lag, directions with their tolerances, and the width.
+QVector<QPair<QString, QString>> variogramParameters(const Variography &variography,
+                                                     const Job &job);
 
 /// Header and rows of the variograms: direction, distance, pairs, value; the variables in front
 /// when there are several.

@@ -2,9 +2,9 @@
 
 #include "app/base/NumberText.h"
 #include "app/io/SpatialReference.h"
-#include "app/plot/Picture.h"
 #include "app/plot/SampleMapPicture.h"
 #include "app/report/Describe.h"
+#include "app/report/ReportPage.h"
 #include "app/report/StudyResult.h"
 #include "app/report/Versions.h"
 #include "app/study/Compass.h"
@@ -12,6 +12,7 @@
 #include "basic/base/NbbHtmlTable.h"
 #include "basic/base/NbbSysInfo.h"
 #include "basic/error/NbeUserError.h"
+#include "basic/geom/NbgBox.h"
 #include "geos/vmodel/NgmAVStruct.h"
 
 #include <QCryptographicHash>
@@ -20,128 +21,89 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QObject>
-#include <QtEndian>
+
+#include <algorithm>
 
 namespace orvenal {
 
+using namespace ReportPage;
+
 namespace {
 
-using Rows = QVector<QPair<QString, QString>>;
-
-const char *const style = R"(
-:root { color-scheme: light; }
-* { box-sizing: border-box; }
-body { margin: 0 auto; max-width: 62rem; padding: 1rem 1.25rem 3rem; background: #fff;
-  color: #1c2733; font: 1rem/1.5 system-ui, "Segoe UI", "DejaVu Sans", sans-serif; }
-h1 { font-size: 1.7rem; line-height: 1.2; margin: .5rem 0 .25rem; }
-h2 { font-size: 1.2rem; margin: 2rem 0 .5rem; border-bottom: 1px solid #cfd8e3;
-  padding-bottom: .2rem; }
-h3 { font-size: 1rem; margin: 1.25rem 0 .5rem; }
-p { margin: .4rem 0; }
-.lead { color: #4a5a6a; }
-figure { margin: 1rem 0; }
-figure img { max-width: 100%; height: auto; }
-#variograms > figure { max-width: 44rem; }
-.maps { display: flex; flex-wrap: wrap; gap: 1rem; margin-top: 1rem; }
-.maps figure { flex: 1 1 22rem; margin: 0; }
-.maps img { width: 100%; height: auto; }
-figcaption { font-size: .85rem; color: #4a5a6a; }
-.scroll { overflow-x: auto; margin: .5rem 0; }
-#model .scroll td { white-space: nowrap; }
-table { border-collapse: collapse; font-size: .9rem; font-variant-numeric: tabular-nums; }
-th, td { padding: .25rem .6rem; border: 1px solid #dbe3ec; vertical-align: top; }
-th { font-weight: 600; }
-pre { overflow-x: auto; background: #f4f7fa; border: 1px solid #dbe3ec; padding: .75rem;
-  font: .8rem/1.4 "DejaVu Sans Mono", monospace; }
-.warning { border-left: 4px solid #b35900; background: #fff6ec; padding: .4rem .75rem; }
-.hash { overflow-wrap: anywhere; font: .75rem "DejaVu Sans Mono", monospace; }
-@media screen and (max-width: 40rem) {
-  figure.wide { overflow-x: auto; }
-  figure.wide img { max-width: none; width: 44rem; }
-}
-@media print {
-  body { max-width: none; padding: 0; font-size: 10pt; }
-  h2 { break-after: avoid; }
-  figure, table, pre { break-inside: avoid; }
-  .maps figure { flex-basis: 40%; }
-  pre { white-space: pre-wrap; }
-}
-)";
-
-QString scrolling(const NbbHtmlTable &table)
+/// In the few digits of a sentence.
+QString inWords(double value)
 {
-  return QStringLiteral("<div class=\"scroll\">\n") + table.toHtml() + QStringLiteral("</div>\n");
+  constexpr int digits = 4;
+  return QString::number(value, 'g', digits);
 }
 
-QString rowsTable(const Rows &rows)
+QString withUnit(const QString &text, const QString &unit)
 {
-  NbbHtmlTable table;
-  QStringList names;
-  for (const auto &row : rows) {
-    names << row.first;
-    table.addRow({row.second});
+  return unit.isEmpty() ? text : text + ' ' + unit;
+}
+
+/// "1.5 and 4.25 mg/kg"
+QString endsOf(const NbcStatMono &statistics, const QString &unit)
+{
+  return statistics.getNDefined() == 0 ? QObject::tr("nothing")
+                                       : withUnit(QObject::tr("%1 and %2")
+                                                      .arg(inWords(statistics.getMinimum()),
+                                                           inWords(statistics.getMaximum())),
+                                                  unit);
+}
+
+/// The results in two sentences.
+QString summary(const StudyResult &result)
+{
+  const QString unit = result.job.variable.unit;
+  QStringList sentences;
+  if (result.estimation && result.estimation->estimate.getNDefined() > 0)
+    sentences << QObject::tr(
+                     "Estimates lie between %1, on average at %2; their kriging standard "
+                     "deviations between %3.")
+                     .arg(endsOf(result.estimation->estimate, unit),
+                          inWords(result.estimation->estimate.getMean()),
+                          endsOf(result.estimation->deviation, unit));
+  if (result.crossValidation.getNEstimated() > 0) {
+    const XValRes &means = result.crossValidation.means;
+    sentences << QObject::tr(
+                     "At the samples, left out in turn, they are off by %1 "
+                     "(root mean square): %2 times what the standard deviations say.")
+                     .arg(withUnit(inWords(means.rootSquaredError), unit),
+                          QString::number(means.rootSquaredStandardizedError, 'g', 3));
   }
-  table.setRowHeader(names);
-  return scrolling(table);
-}
-
-QString section(const QString &id, const QString &title, const QString &content)
-{
-  return QStringLiteral("<section id=\"") + id + QStringLiteral("\">\n") +
-         NbbHtml::title(title, 2) + '\n' + content + QStringLiteral("</section>\n");
-}
-
-QString paragraph(const QString &text, const QString &cssClass = QString())
-{
-  const QString attribute =
-      cssClass.isEmpty() ? QString() : QStringLiteral(" class=\"") + cssClass + '"';
-  return "<p" + attribute + '>' + NbbHtml::toHtml(text) + "</p>\n";
-}
-
-/// Width at which a picture has the size of its layout: its header says how many pixels it has.
-int shownWidth(const QByteArray &png)
-{
-  constexpr int place = 16;
-  return int(qFromBigEndian<quint32>(png.constData() + place) / pixelsPerUnit);
-}
-
-/// A picture with its caption. One with several plot areas can be moved sideways on a narrow
-/// screen.
-QString figure(const QByteArray &png, const QString &caption)
-{
-  if (png.isEmpty())
-    return QString();
-  constexpr int wide = 800;
-  const QString text = NbbHtml::toHtml(caption);
-  const int width = shownWidth(png);
-  return QStringLiteral("<figure%1><img width=\"%2\" alt=\"")
-             .arg(width > wide ? QStringLiteral(" class=\"wide\"") : QString(),
-                  QString::number(width)) +
-         text + QStringLiteral("\" src=\"data:image/png;base64,") +
-         QString::fromLatin1(png.toBase64()) + QStringLiteral("\"><figcaption>") + text +
-         QStringLiteral("</figcaption></figure>\n");
+  return paragraph(sentences.join(' '));
 }
 
 QString maps(const StudyResult &result)
 {
   if (result.estimateMap.isEmpty() && result.deviationMap.isEmpty())
     return QString();
-  const bool is3D = result.job.getNDimensions() > 2;
+  const Job &job = result.job;
+  const bool is3D = job.getNDimensions() > 2;
   const QString caption = is3D ? QObject::tr("%1, sections") : QStringLiteral("%1");
+  const QString seen =
+      is3D ? QObject::tr("Sections; values between %1") : QObject::tr("Map; values between %1");
   return QStringLiteral("<div class=\"%1\">\n")
              .arg(is3D ? QStringLiteral("sections") : QStringLiteral("maps")) +
-         figure(result.estimateMap, caption.arg(Describe::estimateLabel(result.job))) +
-         figure(result.deviationMap, caption.arg(Describe::deviationLabel(result.job))) +
+         figure(result.estimateMap, caption.arg(Describe::estimateLabel(job)),
+                seen.arg(endsOf(result.estimation->estimate, job.variable.unit))) +
+         figure(result.deviationMap, caption.arg(Describe::deviationLabel(job)),
+                seen.arg(endsOf(result.estimation->deviation, job.variable.unit))) +
          QStringLiteral("</div>\n");
 }
 
 QString samplePictures(const StudyResult &result)
 {
-  return figure(result.dataMap,
-                QObject::tr("The samples, coloured by %1").arg(Describe::sampleLabel(result.job))) +
+  const QString label = Describe::sampleLabel(result.job);
+  const QString values = QObject::tr("%1 values between %2")
+                             .arg(groupedText(result.sampleStatistics.getNDefined()),
+                                  endsOf(result.sampleStatistics, result.job.variable.unit));
+  return figure(result.dataMap, QObject::tr("The samples, coloured by %1").arg(label),
+                QObject::tr("Map of the places of the samples; %1").arg(values)) +
          figure(result.dataHistogram,
-                QObject::tr("Histogram of %1, and its values on Gaussian probabilities")
-                    .arg(Describe::sampleLabel(result.job)));
+                QObject::tr("Histogram of %1, and its values on Gaussian probabilities").arg(label),
+                QObject::tr("Histogram and normal-probability plot; %1").arg(values));
 }
 
 QString warnings(const StudyResult &result)
@@ -149,30 +111,75 @@ QString warnings(const StudyResult &result)
   QString html;
   for (const QString &warning : result.warnings)
     html += paragraph(QObject::tr("Warning: ") + warning, QStringLiteral("warning"));
-  return html;
+  return html.isEmpty() ? paragraph(QObject::tr("There were no warnings.")) : html;
+}
+
+/// The box around coordinates: "x 1 to 2 m, y 3 to 4 m".
+QString extentText(const NbgBox &box, const Job &job)
+{
+  const NbgVector3D low = box.getLowerLeftCorner();
+  const NbgVector3D high = box.getUpperRightCorner();
+  static const char *const names[] = {"x", "y", "z"};
+  QStringList parts;
+  for (int axis = 0; axis < job.getNDimensions(); ++axis)
+    parts << QObject::tr("%1 %2 to %3")
+                 .arg(QLatin1String(names[axis]), Describe::coordinate(low[axis]),
+                      Describe::coordinate(high[axis]));
+  return parts.join(QStringLiteral(", ")) +
+         (job.lengthUnit.isEmpty() ? QString() : ' ' + job.lengthUnit);
+}
+
+QString extentOf(const Samples &samples, const Job &job)
+{
+  NbgBox box;
+  for (std::size_t i = 0; i < samples.x.size(); ++i)
+    box.extendWith(NbgVector3D(samples.x[i], samples.y[i], samples.z.empty() ? 0. : samples.z[i]));
+  return extentText(box, job);
+}
+
+QString columnText(const Column &column)
+{
+  static const char *const transforms[] = {"column \"%1\"", "natural logarithm of column \"%1\"",
+                                           "square root of column \"%1\""};
+  return QObject::tr(transforms[int(column.transform)]).arg(column.column);
+}
+
+void addGrid(const StudyResult &result, Rows &rows)
+{
+  const Job &job = result.job;
+  NbgBox box;
+  job.grid.updateBoundingBox(box);
+  QStringList first;
+  for (int axis = 0; axis < job.getNDimensions(); ++axis)
+    first << Describe::coordinate(job.grid.getOriginCentered()[axis]);
+  rows.append({QObject::tr("Grid"), Describe::grid(job)});
+  rows.append({QObject::tr("First node"),
+               QObject::tr("(%1), the centre of its cell").arg(first.join(QStringLiteral(", ")))});
+  rows.append({QObject::tr("Extent of the cells"), extentText(box, job)});
+  if (job.mask)
+    rows.append({QObject::tr("Mask"), QObject::tr("cells that hold a point of %1; %2 of its points "
+                                                  "are outside the grid")
+                                          .arg(job.mask->shown, groupedText(result.nMaskOutside))});
 }
 
 QString data(const StudyResult &result)
 {
   const Job &job = result.job;
   const Samples &samples = result.samples;
-  static const char *const transforms[] = {"column \"%1\"", "natural logarithm of column \"%1\"",
-                                           "square root of column \"%1\""};
-  const QString transform = QObject::tr(transforms[int(job.variable.transform)]);
-  Rows rows = {{QObject::tr("Variable"), Describe::sampleLabel(job)},
-               {QObject::tr("Values"), transform.arg(job.variable.column)},
-               {QObject::tr("Samples"), QString::number(samples.getCount())},
-               {QObject::tr("Undefined values"), QString::number(samples.nUndefined)},
-               {QObject::tr("Samples at the place of another"), describeDuplicates(job, samples)}};
+  Rows rows = {{QObject::tr("File"), job.data.shown},
+               {QObject::tr("Variable"), Describe::sampleLabel(job)},
+               {QObject::tr("Values"), columnText(job.variable)}};
+  for (const JobVariable &covariate : job.covariates)
+    rows.append({QObject::tr("Covariate"),
+                 QObject::tr("%1, %2").arg(covariate.getLabel(), columnText(covariate))});
+  rows += Rows{{QObject::tr("Samples"), groupedText(samples.getCount())},
+               {QObject::tr("Undefined values"), groupedText(samples.nUndefined)},
+               {QObject::tr("Samples at the place of another"), describeDuplicates(job, samples)},
+               {QObject::tr("Extent of the samples"), extentOf(samples, job)}};
   if (!job.crs.isEmpty())
     rows.append({QObject::tr("Coordinate reference system"), SpatialReference::describe(job.crs)});
   if (result.estimation)
-    rows.append({QObject::tr("Grid"), Describe::grid(job)});
-  if (result.estimation && job.mask)
-    rows.append(
-        {QObject::tr("Mask"), QObject::tr("cells that hold a point of %1; %2 of its points "
-                                          "are outside the grid")
-                                  .arg(job.mask->shown, QString::number(result.nMaskOutside))});
+    addGrid(result, rows);
   return rowsTable(rows);
 }
 
@@ -192,49 +199,76 @@ QString statistics(const StudyResult &result)
     table.addRow(Describe::statisticsRow(result.estimation->deviation));
   }
   table.setRowHeader(names);
-  return scrolling(table) + paragraph(QObject::tr("Variance and standard deviation are those of "
-                                                  "the population (divided by n)."),
-                                      QStringLiteral("lead"));
-}
-
-/// A table whose first row is its header.
-QString headedTable(const QList<QStringList> &rows)
-{
-  NbbHtmlTable table;
-  table.setAlignCell(NbbHtmlTable::ALIGN_RIGHT);
-  table.setColumnHeader(rows.first());
-  for (const QStringList &row : rows.mid(1))
-    table.addRow(row);
-  return scrolling(table);
+  QString note = QObject::tr(
+      "Standard deviations are those of the population (divided by n); the kurtosis of "
+      "a Gaussian distribution is 3.");
+  if (result.job.variable.transform == Transform::LOG && result.estimation)
+    note += ' ' + QObject::tr(
+                      "Estimates are of logarithms: the exponential of one is nearer to a "
+                      "median of the values than to their mean.");
+  return scrolling(table) + paragraph(note, QStringLiteral("lead"));
 }
 
 QString variograms(const StudyResult &result)
 {
   const Variography &variography = result.variography;
-  QString picture = figure(result.variogramPicture, variography.curveName);
+  const int nCurves = variography.sets.first().curves.size();
+  QString picture =
+      figure(result.variogramPicture,
+             result.job.hasModel && variography.isVariogram
+                 ? QObject::tr("%1, experimental (points) and of the model (lines without points)")
+                       .arg(variography.curveName)
+                 : QObject::tr("%1, experimental").arg(variography.curveName),
+             QObject::tr("Curves by distance; directions: %1. The table below has their points.")
+                 .arg(nCurves));
   if (variography.nVariables > 1)  // a matrix may be as wide as the page
     picture = QStringLiteral("<div>\n") + picture + QStringLiteral("</div>\n");
   return picture + QStringLiteral("<div class=\"maps\">\n") +
-         figure(result.variogramMap, QObject::tr("Variogram map")) +
-         figure(result.variogramCloud, QObject::tr("Variogram cloud")) +
-         QStringLiteral("</div>\n") + headedTable(variogramRows(variography, result.job)) +
-         paragraph(QObject::tr("Lag %1. Lags without pairs are left out.")
-                       .arg(lengthText(variography.lag, result.job.lengthUnit)),
-                   QStringLiteral("lead"));
+         figure(result.variogramMap,
+                QObject::tr("Variogram map: the variogram by the vector between two samples"),
+                QObject::tr("Cells around the vector 0, in the colours of the variogram")) +
+         figure(result.variogramCloud,
+                QObject::tr("Variogram cloud: all pairs of samples by distance and half squared "
+                            "difference"),
+                QObject::tr("Cells in the colours of their numbers of pairs")) +
+         QStringLiteral("</div>\n") + rowsTable(variogramParameters(variography, result.job)) +
+         headedTable(variogramRows(variography, result.job)) +
+         paragraph(QObject::tr("Lags without pairs are left out."), QStringLiteral("lead"));
+}
+
+QString leftOut(const Job &job)
+{
+  const CrossValidationRequest request = job.crossValidation.value_or(CrossValidationRequest());
+  if (request.leaveOut == CrossValidationRequest::LINE)
+    return QObject::tr("all samples of its line (column \"%1\")").arg(request.line);
+  if (request.leaveOut == CrossValidationRequest::BALL)
+    return QObject::tr("all samples within %1").arg(lengthText(request.radius, job.lengthUnit));
+  return QObject::tr("the sample, and others at its place");
 }
 
 QString crossValidation(const StudyResult &result)
 {
+  const Job &job = result.job;
+  const qint64 n = result.crossValidation.getNEstimated();
+  Rows rows = {{QObject::tr("Left out around each sample"), leftOut(job)}};
+  rows += crossValidationRows(result, job.variable.unit);
   return figure(result.crossValidationPicture,
-                QObject::tr("Values against estimates, and standardized errors")) +
+                QObject::tr("Values against estimates, and standardized errors"),
+                QObject::tr("Points of %1 samples around the line of equality, and the histogram "
+                            "of their errors; the table below has their means")
+                    .arg(groupedText(n))) +
          figure(result.crossValidationMap,
                 QObject::tr("Map of the standardized errors; triangles are beyond %1")
-                    .arg(QString::number(largestUsualError))) +
-         rowsTable(crossValidationRows(result)) +
-         paragraph(QObject::tr("Errors are estimates less values; standardized ones are divided by "
-                               "the kriging standard deviation. A fitting model has a mean error "
-                               "near 0 and a root mean squared standardized error near 1."),
-                   QStringLiteral("lead"));
+                    .arg(QString::number(largestUsualError)),
+                QObject::tr("Map of the places of the samples, coloured by their errors")) +
+         rowsTable(rows) +
+         paragraph(
+             QObject::tr(
+                 "Each sample is estimated from those that are not left out. Errors are estimates "
+                 "less values; standardized ones are divided by "
+                 "the kriging standard deviation. A fitting model has a mean error "
+                 "near 0 and a root mean squared standardized error near 1."),
+             QStringLiteral("lead"));
 }
 
 /// A row per axis of the structure's frame: range, direction and vector; the sill before them when
@@ -285,6 +319,10 @@ QString structures(const NgmVModel &model, const Job &job)
 
 QString sills(const NgmVModel &model, const Job &job)
 {
+  if (!model.isStrictStationary())
+    return paragraph(QObject::tr("A model without a sill: a structure \"Power\" reaches the value "
+                                 "given as its sill at its range, and rises on."),
+                     QStringLiteral("lead"));
   if (job.getNVariables() == 1)
     return paragraph(QObject::tr("Total sill %1.").arg(numberText(model.getC0IJ(0, 0))),
                      QStringLiteral("lead"));
@@ -295,14 +333,29 @@ QString sills(const NgmVModel &model, const Job &job)
                    QStringLiteral("lead"));
 }
 
+QString structureNames(const Job &job)
+{
+  QStringList names;
+  if (job.fit && job.fit->nugget)
+    names << QObject::tr("nugget");
+  for (const NgmEVStruct &structure : job.fit ? job.fit->structures : QList<NgmEVStruct>())
+    names << structure.getLabel();
+  return names.join(QStringLiteral(", "));
+}
+
 QString model(const StudyResult &result)
 {
   const NgmVModel &model = result.job.model;
-  QString fit;
+  QString origin = QObject::tr("Given by the job.");
   if (result.fit)
-    fit = paragraph(QObject::tr("Fitted to the experimental variograms; misfit %1.")
-                        .arg(numberText(result.fit->score)));
-  return fit + structures(model, result.job) + sills(model, result.job) +
+    origin = QObject::tr(
+                 "Fitted to the experimental variograms by least squares, weighted by pairs "
+                 "of samples and nearness; structures to choose from: %1. Misfit %2 (0: "
+                 "through every point).")
+                 .arg(structureNames(result.job), numberText(result.fit->score));
+  else if (!result.job.modelFile.isEmpty())
+    origin = QObject::tr("Read from %1.").arg(QFileInfo(result.job.modelFile).fileName());
+  return paragraph(origin) + structures(model, result.job) + sills(model, result.job) +
          paragraph(QObject::tr("Ranges are practical ranges: the distance at which a structure "
                                "reaches its sill, or 95% of it when it never does. Azimuths run "
                                "clockwise from north, dips downward."),
@@ -318,18 +371,56 @@ QString outcome(const StudyResult &result)
   return html;
 }
 
+/// What the files of a job hold.
+QList<QPair<QString, QString>> namedOutputs(const JobOutput &output)
+{
+  QList<QPair<QString, QString>> files;
+  for (const QString &file : output.grids)
+    files.append({file, QObject::tr("the estimated grid")});
+  files += QList<QPair<QString, QString>>{
+      {output.dataMap, QObject::tr("base map of the samples")},
+      {output.dataHistogram, QObject::tr("histogram")},
+      {output.variogramTable, QObject::tr("experimental variograms")},
+      {output.variogramPicture, QObject::tr("picture of the variograms")},
+      {output.variogramMap, QObject::tr("variogram map")},
+      {output.variogramCloud, QObject::tr("variogram cloud")},
+      {output.fittedModel, QObject::tr("the fitted model")},
+      {output.crossValidationTable, QObject::tr("cross-validation by sample")},
+      {output.crossValidationPicture, QObject::tr("picture of the cross-validation")},
+      {output.crossValidationMap, QObject::tr("map of its errors")},
+      {output.estimateMap, QObject::tr("picture of the estimate")},
+      {output.deviationMap, QObject::tr("picture of its standard deviation")},
+      {output.report, QObject::tr("this report")},
+      {output.results, QObject::tr("results for other programs")}};
+  return files;
+}
+
 QString outputs(const StudyResult &result)
 {
   NbbHtmlTable table;
+  table.setColumnHeader({QObject::tr("File"), QObject::tr("What it holds")});
+  table.setAlignHeader(NbbHtmlTable::ALIGN_LEFT);
+  const JobOutput &output = result.job.output;
   const QDir folder = QFileInfo(result.job.file).absoluteDir();
-  for (const QString &file : result.job.output.getFiles())
-    table.addRow({folder.relativeFilePath(file)});
-  return scrolling(table) +
-         paragraph(
-             QObject::tr("In the CSV file the first axis varies fastest, masked nodes are left "
-                         "out and undefined values are empty fields. Band 1 of the GeoTIFF is "
-                         "the estimate, band 2 its standard deviation; NaN is no data."),
-             QStringLiteral("lead"));
+  for (const auto &file : namedOutputs(output)) {
+    if (!file.first.isEmpty())
+      table.addRow({folder.relativeFilePath(file.first), file.second});
+  }
+  QStringList notes;
+  const auto isWritten = [&](const char *ending) {
+    return std::any_of(output.grids.begin(), output.grids.end(), [&](const QString &file) {
+      return file.endsWith(QLatin1String(ending), Qt::CaseInsensitive);
+    });
+  };
+  if (isWritten(".csv"))
+    notes << QObject::tr(
+        "In the CSV file the first axis varies fastest, masked nodes are left out "
+        "and undefined values are empty fields.");
+  if (isWritten(".tif"))
+    notes << QObject::tr(
+        "The GeoTIFF has a band for each column behind the coordinates: the "
+        "estimate, its standard deviation, its variance ...; NaN is no data.");
+  return scrolling(table) + paragraph(notes.join(' '), QStringLiteral("lead"));
 }
 
 QString hashOf(const QString &path)
@@ -398,46 +489,42 @@ QString lead(const StudyResult &result)
   const QString nSamples = groupedText(result.samples.getCount() - result.samples.nUndefined);
   if (!result.estimation)
     return QObject::tr("%1 in %2 samples.").arg(result.job.variable.name, nSamples);
-  return QObject::tr("%1 of %2: %3 nodes from %4 samples.")
-      .arg(Describe::method(result.job), result.job.variable.name,
-           groupedText(result.estimation->grid.getNEstimated()), nSamples);
+  QString method = Describe::method(result.job);
+  method[0] = method[0].toLower();
+  return QObject::tr("%1 by %2: %3 nodes from %4 samples.")
+      .arg(result.job.variable.name, method, groupedText(result.estimation->grid.getNEstimated()),
+           nSamples);
 }
 
 }  // namespace
 
 QByteArray studyReport(const StudyResult &result)
 {
-  const QString title = NbbHtml::toHtml(result.job.title);
-  QString html = QStringLiteral(
-                     "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n"
-                     "<meta charset=\"utf-8\">\n"
-                     "<meta name=\"viewport\" "
-                     "content=\"width=device-width, initial-scale=1\">\n<title>") +
-                 title + QStringLiteral("</title>\n<style>") + QLatin1String(style) +
-                 QStringLiteral("</style>\n</head>\n<body>\n");
-  html += NbbHtml::title(result.job.title, 1) + '\n' +
-          paragraph(lead(result), QStringLiteral("lead")) + warnings(result) + maps(result);
-  html += section(QStringLiteral("statistics"), QObject::tr("Statistics"), statistics(result));
-  html +=
-      section(QStringLiteral("data"), QObject::tr("Data"), data(result) + samplePictures(result));
+  ReportSections report(result.job.title);
+  report.add(QStringLiteral("result"), QObject::tr("Result"),
+             summary(result) + warnings(result) + maps(result));
+  report.add(QStringLiteral("statistics"), QObject::tr("Statistics"), statistics(result));
+  report.add(QStringLiteral("data"), QObject::tr("Data"), data(result) + samplePictures(result));
   if (!result.variography.isEmpty())
-    html += section(QStringLiteral("variograms"), QObject::tr("Experimental variograms"),
-                    variograms(result));
+    report.add(QStringLiteral("variograms"), QObject::tr("Experimental variograms"),
+               variograms(result));
   if (result.job.hasModel)
-    html += section(QStringLiteral("model"), QObject::tr("Variogram model"), model(result));
+    report.add(QStringLiteral("model"), QObject::tr("Variogram model"), model(result));
   if (!result.crossValidation.isEmpty())
-    html += section(QStringLiteral("cross-validation"), QObject::tr("Cross-validation"),
-                    crossValidation(result));
-  if (result.estimation) {
-    html += section(QStringLiteral("neighborhood"), QObject::tr("Neighborhood"),
-                    rowsTable(Describe::neighborhood(result.job)));
-    html += section(QStringLiteral("outcome"), QObject::tr("Outcome"), outcome(result));
-  }
-  html += section(QStringLiteral("files"), QObject::tr("Files"), outputs(result));
-  html += section(QStringLiteral("repeat"), QObject::tr("To repeat it"), repetition(result));
-  html += section(QStringLiteral("run"), QObject::tr("This run"), run(result));
-  html += QStringLiteral("</body>\n</html>\n");
-  return html.toUtf8();
+    report.add(QStringLiteral("cross-validation"), QObject::tr("Cross-validation"),
+               crossValidation(result));
+  if (result.estimation || !result.crossValidation.isEmpty())
+    report.add(QStringLiteral("kriging"), QObject::tr("Kriging"),
+               rowsTable(Describe::kriging(result.job)));
+  if (result.estimation || !result.crossValidation.isEmpty())
+    report.add(QStringLiteral("neighborhood"), QObject::tr("Neighborhood"),
+               rowsTable(Describe::neighborhood(result.job)));
+  if (result.estimation)
+    report.add(QStringLiteral("outcome"), QObject::tr("Outcome"), outcome(result));
+  report.add(QStringLiteral("files"), QObject::tr("Files"), outputs(result));
+  report.add(QStringLiteral("repeat"), QObject::tr("To repeat it"), repetition(result));
+  report.add(QStringLiteral("run"), QObject::tr("This run"), run(result));
+  return report.toHtml(paragraph(lead(result), QStringLiteral("lead")));
 }
 
 }  // namespace orvenal

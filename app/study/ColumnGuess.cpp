@@ -87,6 +87,20 @@ bool isIdentifier(const QString &name)
   return pattern.match(name).hasMatch();
 }
 
+/// A coordinate by its name, of another system than the one that is used. Letters alone, but those
+/// of the fields of a layer, may be elements (N).
+bool isPlace(const QString &name)
+{
+  static const QRegularExpression field(QStringLiteral("^[xyz] \\(field\\)$"));
+  const QString bare = bareName(name);
+  const auto isThis = [&bare](const char *known) { return bare == QString::fromUtf8(known); };
+  if (field.match(name).hasMatch() || std::any_of(std::begin(heights), std::end(heights), isThis))
+    return true;
+  return bare.size() > 1 && std::any_of(std::begin(pairs), std::end(pairs), [&](const Pair &pair) {
+           return isThis(pair.x) || isThis(pair.y);
+         });
+}
+
 }  // namespace
 
 CoordinateColumns guessCoordinates(const QStringList &columns)
@@ -125,18 +139,36 @@ bool holdsNumbers(const ColumnSummary &column)
 
 int guessVariable(const TableSummary &summary)
 {
+  enum Rank { MEASURED, PLACE, IDENTIFIER, NOTHING };
   const CoordinateColumns &taken = summary.coordinates;
-  int withAnyName = -1;
+  int best = -1;
+  Rank bestRank = NOTHING;
   for (int i = 0; i < summary.columns.size(); ++i) {
     const ColumnSummary &column = summary.columns[i];
     const bool isTaken = i == taken.x || i == taken.y || i == taken.z;
     if (isTaken || !holdsNumbers(column) || column.minimum == column.maximum)
       continue;
-    if (!isIdentifier(column.name))
-      return i;
-    withAnyName = withAnyName < 0 ? i : withAnyName;
+    const Rank rank = isIdentifier(column.name) ? IDENTIFIER
+                      : isPlace(column.name)    ? PLACE
+                                                : MEASURED;
+    if (rank >= bestRank)
+      continue;
+    best = i;
+    bestRank = rank;
   }
-  return withAnyName;
+  return best;
+}
+
+int guessLine(const QStringList &columns)
+{
+  static const QRegularExpression pattern(
+      QStringLiteral("^(hole|bh|dh|ddh|borehole|drillhole|drill|well|sondage|forage|bohrung|sondeo)"
+                     "(id|no|nr|num|number|name|code)?$"));
+  for (int i = 0; i < columns.size(); ++i) {
+    if (pattern.match(bareName(columns[i])).hasMatch())
+      return i;
+  }
+  return -1;
 }
 
 }  // namespace orvenal

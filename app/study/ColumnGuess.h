@@ -33,7 +33,11 @@ bool areNamedLikeDegrees(const QString &x, const QString &y);
 bool holdsNumbers(const ColumnSummary &column);
 
 /// The column that is most likely the variable of a study: the first one of numbers that is no
-/// coordinate, no running number or code and not constant; -1 when there is none.
+/// coordinate (of another system neither, if there is a better one), no running number or code and
+/// not constant; -1 when there is none.
 int guessVariable(const TableSummary &summary);
+
+/// The column that names the borehole of a sample, by its name; -1 when there is none.
+int guessLine(const QStringList &columns);
 
 }  // namespace orvenal

@@ -55,10 +55,16 @@ QList<GridSection> chooseSections(const NbgGeomGrid &grid, const QList<SectionRe
   if (!sections.isEmpty())
     return sections;
   const NbgIntVector3D n = grid.getNodesNumber();
+  // A section along an axis with a single node shows nothing but a row of cells.
+  const auto isRow = [&](int axis) { return std::min(n[(axis + 1) % 3], n[(axis + 2) % 3]) == 1; };
   const int nHorizontal = std::min(4, n.z());
-  for (int i = 0; i < nHorizontal; ++i)
+  for (int i = 0; i < nHorizontal && !isRow(2); ++i)
     sections << layerOf(grid, 2, int((2 * i + 1) * qint64(n.z()) / (2 * nHorizontal)));
-  return sections << layerOf(grid, 1, n.y() / 2) << layerOf(grid, 0, n.x() / 2);
+  for (const int axis : {1, 0}) {
+    if (!isRow(axis))
+      sections << layerOf(grid, axis, n[axis] / 2);
+  }
+  return sections.isEmpty() ? sections << layerOf(grid, 2, n.z() / 2) : sections;
 }
 
 NbgGeomGrid planeOf(const NbgGeomGrid &grid, const GridSection &section)

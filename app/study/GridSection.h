@@ -37,7 +37,8 @@ int findLayer(const NbgGeomGrid &grid, int axis, double coordinate);
 std::pair<double, double> gridReach(const NbgGeomGrid &grid, int axis);
 
 /// The layers that hold the wanted coordinates, which lie in the grid. Without any wish four
-/// horizontal ones, spread evenly over the nodes, and the two vertical ones through the middle.
+/// horizontal ones, spread evenly over the nodes, and the two vertical ones through the middle,
+/// but for those that would be a single row of cells.
 QList<GridSection> chooseSections(const NbgGeomGrid &grid, const QList<SectionRequest> &wanted);
 
 /// The plane in which a section is drawn, as a grid of two dimensions: x and y of a horizontal

@@ -6,6 +6,7 @@
 #include "app/console/TextTable.h"
 #include "app/io/InputFile.h"
 #include "app/io/SpatialReference.h"
+#include "app/io/TableReader.h"
 #include "app/study/GridLayout.h"
 #include "app/study/Job.h"
 #include "app/study/RunContext.h"
@@ -17,6 +18,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QObject>
+#include <QSet>
 
 #include <cmath>
 
@@ -34,6 +36,7 @@ struct Findings
   int y = -1;
   int z = -1;
   int variable = -1;
+  int line = -1;  ///< column of the boreholes, where there are several
   NbcStatMono statistics;
 
   bool is3D() const { return z >= 0; }
@@ -92,6 +95,7 @@ QStringList namesOf(const TableSummary &summary)
   return names;
 }
 
+/// Names that are all numbers are values: the line of names is missing.
 int findWish(const QString &wish, const char *option, int guess, const Findings &findings)
 {
   if (wish.isEmpty())
@@ -169,6 +173,20 @@ JobTable tableOf(const Findings &findings, const QString &path)
   table.y = findings.column(findings.y).name;
   table.z = findings.is3D() ? findings.column(findings.z).name : QString();
   return table;
+}
+
+/// The column of boreholes, when it tells some.
+int findLine(const Findings &findings, const JobTable &table)
+{
+  constexpr int fewestLines = 3;
+  const int column = findings.is3D() ? guessLine(namesOf(findings.summary)) : -1;
+  if (column < 0)
+    return -1;
+  QSet<QString> lines;
+  const auto reader = TableReader::open(table.file, table.shown, table.format);
+  while (lines.size() < fewestLines && reader->next())
+    lines << reader->getText(column);
+  return lines.size() < fewestLines ? -1 : column;
 }
 
 NbcStatMono statisticsOf(const Findings &findings, const JobTable &table, Console &console)
@@ -337,10 +355,36 @@ QString neighborhoodPart(const Findings &findings)
                       "\"maximum\": 16 },\n")
                       .arg(radius, 0, 'g', 12);
   const double vertical = length(2) > 0. ? roundAbove(0.5 * length(2)) : radius;
-  return text + QStringLiteral(
-                    "  \"neighborhood\": { \"type\": \"moving\", \"radii\": %1, "
-                    "\"maximum\": 16 },\n")
-                    .arg(list({radius, radius, vertical}));
+  const QString radii = list({radius, radius, vertical});
+  if (findings.line < 0)
+    return text + QStringLiteral(
+                      "  \"neighborhood\": { \"type\": \"moving\", \"radii\": %1, "
+                      "\"maximum\": 16 },\n")
+                      .arg(radii);
+  return text +
+         comment(QObject::tr("At most 4 of them are of one borehole: those of a hole tell much the "
+                             "same."),
+                 2) +
+         QStringLiteral(
+             "  \"neighborhood\": {\n    \"type\": \"moving\", \"radii\": %1, \"maximum\": 16,\n"
+             "    \"lines\": { \"column\": %2, \"perLine\": 4 }\n  },\n")
+             .arg(radii, quoted(findings.column(findings.line).name));
+}
+
+QString crossValidationPart(const Findings &findings)
+{
+  if (findings.line < 0)
+    return '\n' +
+           comment(QObject::tr("Every sample is estimated from the others, to see how good model "
+                               "and neighborhood are."),
+                   2) +
+           QStringLiteral("  \"crossValidation\": {},\n\n");
+  return '\n' +
+         comment(QObject::tr("Every sample is estimated from those of the other boreholes, to see "
+                             "how good model and neighborhood are."),
+                 2) +
+         QStringLiteral("  \"crossValidation\": { \"leaveOut\": \"line\", \"line\": %1 },\n\n")
+             .arg(quoted(findings.column(findings.line).name));
 }
 
 QString outputPart(const Findings &findings)
@@ -372,11 +416,8 @@ QString studyParts(const Findings &findings)
 {
   if (!canBeKriged(findings))
     return statisticsOnly();
-  return variogramPart() + gridPart(findings) + neighborhoodPart(findings) + '\n' +
-         comment(QObject::tr("Every sample is estimated from the others, to see how good model and "
-                             "neighborhood are."),
-                 2) +
-         QStringLiteral("  \"crossValidation\": {},\n\n") +
+  return variogramPart() + gridPart(findings) + neighborhoodPart(findings) +
+         crossValidationPart(findings) +
          comment(QObject::tr("The format of the grid goes by the ending of its files."), 2) +
          outputPart(findings);
 }
@@ -394,6 +435,7 @@ QString proposeJob(const QString &dataFile, const QDir &folder, const JobWishes 
   findings.summary = summarizeTable(path, dataFile, TableFormat());
   findColumns(wishes, findings);
   const JobTable table = tableOf(findings, path);
+  findings.line = findLine(findings, table);
   findings.statistics = statisticsOf(findings, table, console);
   const Extent extent = readExtent(table);
   std::copy(extent.lower.begin(), extent.lower.end(), findings.summary.lower.begin());

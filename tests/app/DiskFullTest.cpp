@@ -91,3 +91,21 @@ TEST(DiskFull, LeavesNothingWhenItFillsUpLate)
     EXPECT_EQ(apptest::readFile(folder.path(name)), before);
   }
 }
+
+TEST(DiskFull, AnswersThatAreLostAreAnError)
+{
+  const apptest::Folder folder;
+  const QString data = ORVENAL_EXAMPLES "/meuse/meuse.csv";
+  const auto run = [&](const char *redirection) {
+    QProcess program;
+    program.start("/bin/sh", {"-c", QString("exec \"$0\" stats \"$1\" --json %1").arg(redirection),
+                              ORVENAL_PROGRAM, data});
+    EXPECT_TRUE(program.waitForFinished(300000));
+    return Outcome{program.exitCode(), "", program.readAllStandardError().toStdString()};
+  };
+  const Outcome full = run("> /dev/full");
+  EXPECT_EQ(full.exitCode, 1);
+  EXPECT_THAT(full.errors, HasSubstr("the standard output cannot be written: No space left"));
+  for (const char *unwanted : {"| head -1 > /dev/null", ">&-"})
+    EXPECT_EQ(run(unwanted).errors, "") << unwanted;
+}

@@ -151,3 +151,20 @@ TEST(Init, NamesColumnsThatHoldNumbersAndMarks)
   EXPECT_THAT(apptest::readFile(folder.path("job.json")).simplified().toStdString(),
               HasSubstr("lead (5 to 20; \"undefined\" then has to list \"n.b.\")"));
 }
+
+TEST(Init, LeavesOutBoreholesByTheirNames)
+{
+  QByteArray data = "HOLE_ID,EAST,NORTH,RL,FROM,TO,LON,CU_PCT\n";
+  for (int i = 0; i < 60; ++i)
+    data += "DDH-" + text(i / 10) + ',' + text(50 * (i / 10 % 3)) + ',' + text(60 * (i / 30)) +
+            ',' + text(100 - 2 * (i % 10)) + ',' + text(2 * (i % 10)) + ',' +
+            text(2 * (i % 10) + 2) + ",9." + text(i) + ',' + text(1 + (i * 7) % 13 + i / 10) + '\n';
+  const apptest::Folder folder;
+  const orvenal::Job job = proposeAndRun(folder, data);
+  EXPECT_EQ(job.data.z, "RL");
+  EXPECT_EQ(job.variable.column, "CU_PCT");
+  ASSERT_TRUE(job.crossValidation && job.neighborhood);
+  EXPECT_EQ(job.crossValidation->line, "HOLE_ID");
+  EXPECT_EQ(job.neighborhood->line, "HOLE_ID");
+  EXPECT_EQ(job.neighborhood->moving.getMaximumPerCode(), 4);
+}

@@ -139,7 +139,7 @@ TEST(JobReader, NamesThePlaceOfWhatIsWrong)
        "Sperical",
        {"model.structures[0].type: \"Sperical\" is not known; did you mean \"Spherical\"?",
         "\"Exponential\", \"Spherical\", \"Cubic\""}},
-      {"model.structures.0.type", "Power", {"\"Power\" is not known", "allowed"}},
+      {"model.structures.0.type", "Linear", {"\"Linear\" is not known", "allowed"}},
       {"model.structures.0.range", none, {"model.structures[0].range: missing"}},
       {"model.structures.0.ranges", json("[1, 2]"), {"model.structures[0].ranges: give"}},
       {"model.structures.0.dip", 5, {"model.structures[0].dip", "three dimensions only"}},
@@ -199,6 +199,9 @@ TEST(JobReader, NamesThePlaceOfWhatIsWrong)
       {"covariates",
        json("[{\"column\": \"lead\"}]"),
        {"model.nugget: expected 2 lists of 2 numbers"}},
+      {"model.structures.0.type",
+       "Powre",
+       {"model.structures[0].type: ", "did you mean \"Power\""}},
       {"fit", json("{}"), {"fit: the job has a \"model\"; give one of both"}},
       {"model", json("{\"file\": \"m.json\"}"), {"model.file: there is no file", "m.json"}},
       {"model", json("{\"file\": \"m.json\", \"nugget\": 1}"), {"model.nugget: the model is that"}},
@@ -242,6 +245,23 @@ TEST(JobReader, NamesThePlaceOfWhatIsWrong)
     EXPECT_THAT(error, HasSubstr("job.json: "));
     EXPECT_THAT(error, testing::Not(HasSubstr("NgmVModel")));
   }
+}
+
+TEST(JobReader, WantsASillWhereOneIsNeeded)
+{
+  MeuseJob job;
+  job.set("model.structures.0.type", "Power").set("model.structures.0.parameter", 2.5);
+  EXPECT_THAT(errorOf(job.text()), HasSubstr("model.structures[0].parameter: 2.5 is not in "));
+  job.set("model.structures.0.parameter", 1.5);
+  EXPECT_EQ(errorOf(job.text()), "no error");
+  EXPECT_THAT(errorOf(MeuseJob(job).set("kriging.extra", json("[\"slope\"]")).text()),
+              HasSubstr("kriging.extra: \"slope\" needs a model with a sill"));
+  job.set("kriging", json("{\"mode\": \"simple\", \"means\": [6]}"));
+  EXPECT_THAT(errorOf(job.text()), HasSubstr("kriging.mode: the model has no sill"));
+  job = MeuseJob();
+  job.remove("model").set("variogram", json("{}"));
+  job.set("fit", json("{\"structures\": [\"Power\"]}"));
+  EXPECT_THAT(errorOf(job.text()), HasSubstr("fit.structures: \"Power\" is not known"));
 }
 
 TEST(JobReader, RefusesSillsThatAreNotPositiveDefinite)

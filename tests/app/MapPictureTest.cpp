@@ -1,5 +1,6 @@
 #include "app/plot/MapPicture.h"
 
+#include "SvgParts.h"
 #include "app/io/GeoTiffWriter.h"
 #include "app/plot/MapRaster.h"
 #include "app/study/Compass.h"
@@ -12,6 +13,7 @@
 #include <cmath>
 
 using namespace orvenal;
+using apptest::SvgParts;
 
 namespace {
 
@@ -122,7 +124,55 @@ TEST(MapPicture, GivesTheSamePixelsAgain)
 TEST(MapPicture, DrawsGridsWithoutAnyValue)
 {
   const NbgGeomGrid grid = makeGrid(1, 1, 10., 10., 0.);
-  EXPECT_FALSE(drawMap(grid, {NbbGlobal::D_FFFF}, Samples(), MapStyle()).toImage().isNull());
+  MapStyle style;
+  style.valueLabel = QStringLiteral("gold");
+  const SvgParts empty(drawMap(grid, {NbbGlobal::D_FFFF}, Samples(), style).toSvg());
+  EXPECT_TRUE(empty.hasText("No node has a value."));
+  EXPECT_FALSE(empty.hasText("gold"));  // a scale of nothing
+  // Samples have the scale for themselves then.
+  Samples samples;
+  samples.x = {1000.};
+  samples.y = {5000.};
+  samples.value = {40.};
+  style.coloredSamples = true;
+  const SvgParts svg(drawMap(grid, {NbbGlobal::D_FFFF}, samples, style).toSvg());
+  EXPECT_TRUE(svg.hasText("Circles: 1 sample, filled by their value."));
+  EXPECT_TRUE(svg.hasText("40"));
+}
+
+TEST(MapPicture, CountsSamplesBeyondItsScale)
+{
+  const NbgGeomGrid grid = makeGrid(2, 1, 10., 10., 0.);
+  Samples samples;
+  samples.x = {1000., 1010., 1005.};
+  samples.y = {5000., 5000., 5000.};
+  samples.value = {1., 7., NbbGlobal::D_FFFF};
+  samples.nUndefined = 1;
+  MapStyle style;
+  style.coloredSamples = true;
+  const SvgParts svg(drawMap(grid, {1., 6.}, samples, style).toSvg());
+  EXPECT_TRUE(svg.hasText("Those beyond the scale (1) have the colour of its end."));
+}
+
+TEST(MapPicture, PrintsLettersInTheirSize)
+{
+  const NbgGeomGrid grid = makeGrid(5, 5, 10., 10., 0.);
+  QImage png;
+  ASSERT_TRUE(
+      png.loadFromData(drawMap(grid, std::vector<double>(25, 1.), Samples(), MapStyle()).toPng()));
+  const double inches = png.width() / (png.dotsPerMeterX() * 0.0254);
+  EXPECT_GT(inches, 5.);
+  EXPECT_LT(inches, 8.3);  // the width of a sheet
+}
+
+TEST(MapPicture, GivesLongAreasALongerPicture)
+{
+  const Picture square =
+      drawMap(makeGrid(10, 10, 10., 10., 0.), std::vector<double>(100, 1.), Samples(), MapStyle());
+  const Picture flat =
+      drawMap(makeGrid(100, 1, 10., 10., 0.), std::vector<double>(100, 1.), Samples(), MapStyle());
+  EXPECT_GT(flat.toImage().width(), 1.3 * square.toImage().width());
+  EXPECT_LT(flat.toImage().height(), 0.5 * square.toImage().height());
 }
 
 TEST(GeoTiff, PlacesEveryPixelOnItsCell)

@@ -37,6 +37,9 @@ const Case cases[] = {
     {R"({"nugget": [[0.1, 0.05], [0.05, 0.2]], "structures": [{"type": "Gaussian", "sill":
         [[1.1, 0.3], [0.3, 0.7]], "ranges": [3, 7], "azimuth": -10}]})",
      2, 2},
+    {R"({"structures": [{"type": "Power", "sill": 3, "ranges": [300, 100], "azimuth": 20,
+        "parameter": 1.4}]})",
+     2, 1},
 };
 
 std::string messageOf(const std::function<void()> &action)

@@ -154,7 +154,7 @@ TEST(Options, AreNamedByTheirErrors)
       {krige + model + QStringList{"--cell", "40", "--radius", "far"},
        "--radius: expected a number, found \"far\""},
       {krige + model + QStringList{"--cell", "40", "--radius", "-3", "--maximum", "4"},
-       "--radius: -3 is too small"},
+       "--radius: must be greater than 0"},
       {krige + QStringList{"--structure", "Spherical 1"}, "--structure: expected type, sill"},
       {krige + nearest + QStringList{"--structure", "Sferical 1 20", "--cell", "40"},
        "--structure: \"Sferical\" is not known; did you mean \"Spherical\"?"},

@@ -532,6 +532,32 @@ TEST(Program, CrossValidates)
   }
 }
 
+TEST(Program, KrigesWithoutASill)
+{
+  // A variogram of slope 0.4 between values at 0 and 10: kriging interpolates along the line, with
+  // the variance 2 (0.6 g(4) + 0.4 g(6)) - 2 0.6 0.4 g(10).
+  const apptest::Folder folder;
+  folder.write("d.csv", "x,y,v\n0,0,1\n10,0,3\n");
+  for (const char *neighborhood :
+       {R"({"type": "unique"})", R"({"type": "moving", "radius": 20, "maximum": 4})"}) {
+    folder.write("job.json", QByteArray(R"({"data": {"file": "d.csv"}, "variable": {"column": "v"},
+        "model": {"structures": [{"type": "Power", "sill": 2, "range": 5, "parameter": 1}]},
+        "grid": {"origin": [4, 0], "cell": [1, 1], "nodes": [1, 1]},
+        "output": {"grid": ["g.csv"], "report": "r.html"}, "neighborhood": )") +
+                                 neighborhood + '}');
+    const Outcome outcome =
+        runProgram({"run", "--quiet", "--overwrite", "job.json"}, folder.path(""));
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
+    CsvReader table(folder.path("g.csv"), "g.csv", TableFormat());
+    ASSERT_TRUE(table.next());
+    EXPECT_NEAR(table.getNumber(2), 1.8, 1e-12);
+    EXPECT_NEAR(table.getNumber(4), 1.92, 1e-12);
+    const QByteArray report = apptest::readFile(folder.path("r.html"));
+    EXPECT_TRUE(report.contains("A model without a sill"));
+    EXPECT_FALSE(report.contains("Total sill"));
+  }
+}
+
 TEST(Program, LeavesOutLinesAndBalls)
 {
   // Two lines of equal values: without its own line a sample can only be given the other's value.
@@ -600,12 +626,24 @@ TEST(Program, WritesAReportThatNeedsNothingElse)
 
   QString rest = html;
   rest.remove(image);
+  const QRegularExpression anchor("<a href=\"#([a-z-]+)\">");
+  QStringList sections;
+  for (auto match = anchor.globalMatch(html); match.hasNext();)
+    sections << match.next().captured(1);
+  EXPECT_EQ(sections.size(), html.count("<section "));
+  for (const QString &section : sections)
+    EXPECT_EQ(html.count("<section id=\"" + section + "\">"), 1) << qPrintable(section);
+  rest.remove(anchor);
   for (const char *link : {"http", "href", "src=", "url(", "@import", "<script", "<link"})
     EXPECT_FALSE(rest.contains(link)) << link;
   EXPECT_TRUE(rest.contains("Zinc &lt;in&gt; the"));
   EXPECT_FALSE(rest.contains("<in>"));
   EXPECT_TRUE(rest.contains(QString::fromUtf8(job.text()).toHtmlEscaped()));  // the job itself
   EXPECT_TRUE(rest.contains("1200 m"));
+  EXPECT_TRUE(rest.contains("<title>Zinc &lt;in&gt;"));
+  EXPECT_TRUE(rest.contains("x 178440 to 181560, y 329600 to 333760 m"));  // the grid's cells
+  EXPECT_TRUE(rest.contains("There were no warnings."));
+  EXPECT_EQ(rest.count("<img "), rest.count(QRegularExpression("alt=\"[^\"]{20,}\"")));
   EXPECT_TRUE(rest.contains(QString::fromUtf8("azimuth 30°")));
   EXPECT_TRUE(rest.contains("(0.500000, 0.866025, 0.000000)"));   // U, to the N 30
   EXPECT_TRUE(rest.contains("(-0.866025, 0.500000, 0.000000)"));  // V
@@ -648,7 +686,8 @@ TEST(Program, RefusesWrongUse)
   const Case cases[] = {
       {{}, "a command is missing"},
       {{"rnu"}, "there is no command \"rnu\"; did you mean \"run\"?"},
-      {{"help", "rnu"}, "there is no command"},
+      {{"help", "conventoins"},
+       "no command or topic \"conventoins\"; did you mean \"conventions\""},
       {{"help", "run", "run"}, "one command or topic at a time"},
       {{"version", "x"}, "no argument is expected"},
       {{"run"}, "the job file is missing"},

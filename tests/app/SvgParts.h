@@ -35,6 +35,29 @@ public:
                        [&](const QString &text) { return text.contains(part); });
   }
 
+  struct Text
+  {
+    QString text;
+    QPointF place;  ///< left end of its line
+    double size;    ///< of its letters
+  };
+
+  /// Texts with their places, where they are not turned.
+  std::vector<Text> placedTexts() const
+  {
+    std::vector<Text> found;
+    QRegularExpression text(
+        QStringLiteral("<text [^>]*x=\"([^\"]*)\" y=\"([^\"]*)\"[^>]*font-size=\"([^\"]*)\""
+                       "[^>]*>([^<]*)</text>"));
+    for (auto match = text.globalMatch(_svg); match.hasNext();) {
+      const QRegularExpressionMatch piece = match.next();
+      found.push_back({piece.captured(4).trimmed(),
+                       QPointF(piece.captured(1).toDouble(), piece.captured(2).toDouble()),
+                       piece.captured(3).toDouble()});
+    }
+    return found;
+  }
+
   struct Circle
   {
     QPointF center;
