@@ -79,7 +79,7 @@ JobDraft JobDraft::ofJob(const QString &path)
     const QJsonObject root = parseJobRoot(path, text);
     if (root.contains(QStringLiteral("features")))
       failTable(path);
-    if (root.contains(QStringLiteral("structures")))
+    if (root.contains(QStringLiteral("structures")) || root.contains(QStringLiteral("nugget")))
       failModel(path);
     return JobDraft(path, text, root);
   } catch (const UsageError &) {
