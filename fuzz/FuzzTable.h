@@ -32,21 +32,24 @@ private:
   int _descriptor;
 };
 
-/// Reads all fields of a table, as numbers and as texts.
+/// Reads all fields of all records, as numbers and as texts.
+inline void readRecords(TableReader &reader)
+{
+  while (reader.next()) {
+    for (int column = 0; column < reader.getColumns().size(); ++column) {
+      reader.getText(column);
+      try {
+        reader.getNumber(column);
+      } catch (const NbeUserError &) {
+      }
+    }
+  }
+}
+
 inline void readTable(const QString &path, const TableFormat &format)
 {
   try {
-    const std::unique_ptr<TableReader> reader =
-        TableReader::open(path, QStringLiteral("table"), format);
-    while (reader->next()) {
-      for (int column = 0; column < reader->getColumns().size(); ++column) {
-        reader->getText(column);
-        try {
-          reader->getNumber(column);
-        } catch (const NbeUserError &) {
-        }
-      }
-    }
+    readRecords(*TableReader::open(path, QStringLiteral("table"), format));
   } catch (const NbeUserError &) {
   }
 }

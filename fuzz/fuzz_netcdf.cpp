@@ -1,5 +1,5 @@
 #include "app/io/NetcdfReader.h"
-#include "basic/error/NbeUserError.h"
+#include "fuzz/FuzzTable.h"
 
 #include <QString>
 
@@ -107,15 +107,8 @@ void read(const QString &path)
 {
   try {
     const auto reader = orvenal::NetcdfReader::tryOpen(path, QStringLiteral("grid"), {});
-    while (reader && reader->next()) {
-      for (int column = 0; column < reader->getColumns().size(); ++column) {
-        reader->getText(column);
-        try {
-          reader->getNumber(column);
-        } catch (const NbeUserError &) {
-        }
-      }
-    }
+    if (reader)
+      orvenal::readRecords(*reader);
   } catch (const NbeUserError &) {
   }
 }

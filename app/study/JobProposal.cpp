@@ -20,7 +20,6 @@
 #include <QObject>
 #include <QSet>
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 

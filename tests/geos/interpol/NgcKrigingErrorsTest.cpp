@@ -317,8 +317,9 @@ TEST(NgcKrigingErrors, TooFewSamplesForTheDriftAreCounted)
 
 namespace {
 
-/// A kriging with buffers of the test's choice that uses much at once.
-Values krigeRich(bool moving, int nThreads, int samplesPerBuffer)
+/// A kriging with buffers of the test's choice that uses much at once: blocks, or collocated
+/// values, which cannot go together.
+Values krigeRich(bool moving, bool hasBlocks, int nThreads, int samplesPerBuffer)
 {
   constexpr int n = 120;
   constexpr int nTarget = 150;
@@ -330,10 +331,13 @@ Values krigeRich(bool moving, int nThreads, int samplesPerBuffer)
          {Nbd::Role::V, Nbd::Role::STDEV, Nbd::Role::SLOPE_ZZSTAR, Nbd::Role::WEIGHT_OF_MEAN})
       study.addOutput(role, role + QString::number(variable));
   }
-  study.addTargetData(Nbd::Role::BLOCK_SIZE, QStringLiteral("u"),
-                      testsupport::uniformValues(66, nTarget, 1., 9.));
-  study.addTargetData(Nbd::Role::BLOCK_SIZE, QStringLiteral("v"),
-                      testsupport::uniformValues(67, nTarget, 1., 9.));
+  if (hasBlocks) {
+    for (const char *name : {"u", "v"})
+      study.addTargetData(Nbd::Role::BLOCK_SIZE, QString::fromLatin1(name),
+                          testsupport::uniformValues(66 + name[0] - 'u', nTarget, 1., 9.));
+  } else {
+    study.addTargetData(Nbd::Role::COLLOCATED, QStringLiteral("c"), randomValues(68, nTarget));
+  }
   NgdDataSetPoints weights;
   weights.setDataProvider(study.data());
   weights.assignVariable(Nbd::Role::WEIGHT, study.data()->addEmptyVariableSimple(
@@ -343,8 +347,12 @@ Values krigeRich(bool moving, int nThreads, int samplesPerBuffer)
   SizedKriging kriging(samplesPerBuffer);
   kriging.setVarioModel(makeModel(2));
   kriging.setDriftModel(drift);
-  kriging.setSupportBlock(makeBlock());
-  kriging.setSupportBlockVarSize(true);
+  if (hasBlocks) {
+    kriging.setSupportBlock(makeBlock());
+    kriging.setSupportBlockVarSize(true);
+  } else {
+    kriging.setCollocated(1, QStringLiteral("c"));
+  }
   kriging.setWeightsDataset(weights);
   if (moving)
     kriging.setUsingMovingNeighborhood(nearestSamples(10));
@@ -374,12 +382,13 @@ Values krigeRich(bool moving, int nThreads, int samplesPerBuffer)
 
 TEST(NgcKrigingErrors, RichRunsGiveSameBitsWithAnyThreadsAndBuffers)
 {
-  for (const bool moving : {true, false}) {
-    const Values expected = krigeRich(moving, 1, 150);
+  for (const auto &[moving, hasBlocks] : {std::pair(true, true), std::pair(true, false),
+                                          std::pair(false, true), std::pair(false, false)}) {
+    const Values expected = krigeRich(moving, hasBlocks, 1, 150);
     EXPECT_EQ(std::count(expected.begin(), expected.end(), NbbGlobal::D_FFFF), 0);
     for (const auto &[nThreads, samplesPerBuffer] :
          {std::pair(1, 7), std::pair(2, 7), std::pair(8, 7), std::pair(2, 1), std::pair(8, 64)})
-      EXPECT_EQ(krigeRich(moving, nThreads, samplesPerBuffer), expected)
+      EXPECT_EQ(krigeRich(moving, hasBlocks, nThreads, samplesPerBuffer), expected)
           << nThreads << " threads, " << samplesPerBuffer << " per buffer";
   }
 }
