@@ -146,7 +146,8 @@ void InfoCommand::run(const QStringList &arguments, Console &console) const
   if (hasMember(json, "data")) {
     const Job job = readJob(request.file);
     request.answer(InfoText::job(job, request.file), InfoJson::job(job, request.file));
-  } else if (hasMember(json, "structures") || isBinaryModel(request.file)) {
+  } else if (hasMember(json, "structures") || hasMember(json, "nugget") ||
+             isBinaryModel(request.file)) {
     describeModel(request);
   } else {
     describeTable(request);

@@ -2,6 +2,7 @@
 
 #include "app/base/UsageError.h"
 #include "app/commands/JobOptions.h"
+#include "app/io/InputFile.h"
 #include "app/io/TableReader.h"
 #include "app/job/DataReader.h"
 #include "app/job/JobError.h"
@@ -78,7 +79,7 @@ JobDraft JobDraft::ofJob(const QString &path)
     const QJsonObject root = parseJobRoot(path, text);
     if (root.contains(QStringLiteral("features")))
       failTable(path);
-    if (root.contains(QStringLiteral("structures")))
+    if (root.contains(QStringLiteral("structures")) || root.contains(QStringLiteral("nugget")))
       failModel(path);
     return JobDraft(path, text, root);
   } catch (const UsageError &) {
@@ -92,6 +93,7 @@ JobDraft JobDraft::ofJob(const QString &path)
 
 JobDraft JobDraft::ofData(const QString &path)
 {
+  requireInput(path);
   JobDraft draft(QStringLiteral("job.json"), QByteArray(), QJsonObject());
   draft.setDefault(QStringLiteral("title"), QFileInfo(path).completeBaseName());
   draft.setDefault(QStringLiteral("data.file"), path);

@@ -138,6 +138,17 @@ void addPasses(const Job &job, QVector<QPair<QString, QString>> &rows)
   }
 }
 
+/// Why nodes have no estimate although their system was not at fault.
+QString reasonOfGaps(const Job &job)
+{
+  QString text = QObject::tr("Too few samples around the node");
+  if (job.neighborhood && job.neighborhood->refusesNodes())
+    text += QObject::tr(", or a rule of the neighborhood not met");
+  if (job.faults && !job.estimatesInsideFaults)
+    text += QObject::tr(", or inside a closed fault");
+  return text;
+}
+
 /// "Spherical of sill 0.59"; see sillRows() for the sills of several variables.
 QString structureWithSill(const NgmVModel &model, int index)
 {
@@ -419,10 +430,7 @@ QVector<QPair<QString, QString>> Describe::outcome(const StudyResult &result)
   return {{QObject::tr("Nodes of the grid"), QString::number(grid.geometry.getGridSize())},
           {QObject::tr("Nodes in the mask"), QString::number(nSelected)},
           {QObject::tr("Nodes estimated"), QString::number(nEstimated)},
-          {result.job.faults && !result.job.estimatesInsideFaults
-               ? QObject::tr("Too few samples around the node, or inside a closed fault")
-               : QObject::tr("Too few samples around the node"),
-           QString::number(nSelected - nEstimated - nFailures)},
+          {reasonOfGaps(result.job), QString::number(nSelected - nEstimated - nFailures)},
           {QObject::tr("Systems that could not be solved"), QString::number(nFailures)}};
 }
 

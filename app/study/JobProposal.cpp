@@ -21,6 +21,7 @@
 #include <QSet>
 
 #include <cmath>
+#include <limits>
 
 namespace orvenal {
 
@@ -313,14 +314,47 @@ QString variablePart(const Findings &findings)
                     .arg(quoted(findings.column(findings.variable).name));
 }
 
-QString variogramPart()
+/// How far a variogram may reach so that its pairs take seconds: samples that are spread evenly
+/// over their box have about so many pairs. Infinite when the box is flat.
+double affordableReach(const Findings &findings)
 {
-  return '\n' +
-         comment(
-             QObject::tr("Variogram of all pairs; \"lag\" and \"lags\" are left to the program. "
-                         "\"regular\": 4 computes four directions."),
-             2) +
-         QStringLiteral("  \"variogram\": {},\n\n") +
+  constexpr double mostPairs = 2e9;
+  const Extent extent = findings.getExtent();
+  const std::size_t n = extent.lower.size();
+  double size = 1.;
+  for (std::size_t axis = 0; axis < n; ++axis)
+    size *= extent.upper[axis] - extent.lower[axis];
+  const double ball = n > 2 ? 4. / 3. * M_PI : M_PI;
+  const double nSamples = double(findings.summary.nPlaces);
+  return size > 0. ? std::pow(2. * mostPairs / (nSamples * nSamples) * size / ball, 1. / double(n))
+                   : std::numeric_limits<double>::infinity();
+}
+
+QString variogramLine(const Findings &findings)
+{
+  constexpr int nLags = 16;
+  const Extent extent = findings.getExtent();
+  const double usualReach =
+      std::hypot(extent.upper[0] - extent.lower[0], extent.upper[1] - extent.lower[1]) / 5.;
+  const double reach = affordableReach(findings);
+  if (reach >= usualReach)
+    return comment(
+               QObject::tr("Variogram of all pairs; \"lag\" and \"lags\" are left to the program. "
+                           "\"regular\": 4 computes four directions."),
+               2) +
+           QStringLiteral("  \"variogram\": {},\n\n");
+  return comment(QObject::tr("Variogram of all pairs, as far as %1 samples allow within a minute; "
+                             "the time grows with the square of the distance. \"regular\": 4 "
+                             "computes four directions.")
+                     .arg(groupedText(findings.summary.nPlaces)),
+                 2) +
+         QStringLiteral("  \"variogram\": { \"lag\": %1, \"lags\": %2 },\n\n")
+             .arg(QString::number(roundAbove(reach / nLags), 'g', 12), QString::number(nLags));
+}
+
+QString variogramPart(const Findings &findings)
+{
+  return '\n' + variogramLine(findings) +
          comment(QObject::tr("The model is fitted to it. Look at the picture before you use it; "
                              "\"model\" in place of \"fit\" gives your own."),
                  2) +
@@ -416,7 +450,7 @@ QString studyParts(const Findings &findings)
 {
   if (!canBeKriged(findings))
     return statisticsOnly();
-  return variogramPart() + gridPart(findings) + neighborhoodPart(findings) +
+  return variogramPart(findings) + gridPart(findings) + neighborhoodPart(findings) +
          crossValidationPart(findings) +
          comment(QObject::tr("The format of the grid goes by the ending of its files."), 2) +
          outputPart(findings);

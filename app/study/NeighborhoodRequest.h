@@ -15,6 +15,13 @@ struct NeighborhoodRequest
   QList<NgmNeighborhoodNestedParam>
       passes;    ///< further searches, each where the ones before failed
   QString line;  ///< column with the line of each sample, for the rules on lines; or empty
+
+  /// Whether a rule besides the least number of samples leaves nodes undefined.
+  bool refusesNodes() const
+  {
+    return moving.isRuleMaximumDistanceWithoutAnySample() || moving.isRuleMaximumEmptySectors() ||
+           moving.isRuleMinimumCodeNb();
+  }
 };
 
 }  // namespace orvenal

@@ -168,3 +168,17 @@ TEST(Init, LeavesOutBoreholesByTheirNames)
   EXPECT_EQ(job.neighborhood->line, "HOLE_ID");
   EXPECT_EQ(job.neighborhood->moving.getMaximumPerCode(), 4);
 }
+
+TEST(Init, KeepsTheVariogramOfManySamplesShort)
+{
+  const apptest::Folder folder;
+  QByteArray data = "x,y,v\n";
+  constexpr int side = 400;  // of a square: 160,000 samples
+  for (int i = 0; i < side * side; ++i)
+    data += text(i % side) + ',' + text(i / side) + ',' + text(i * 7 % 13) + '\n';
+  folder.write("d.csv", data);
+  const Outcome outcome = runProgram({"init", "d.csv", "-o", "-"}, folder.path(""));
+  ASSERT_EQ(outcome.exitCode, 0) << outcome.errors;
+  // 1.28e10 pairs in all; 2e9 of them are as near as 89.
+  EXPECT_THAT(outcome.output, HasSubstr("\"variogram\": { \"lag\": 5.6, \"lags\": 16 }"));
+}

@@ -168,6 +168,7 @@ TEST(Options, AreNamedByTheirErrors)
       {{"krige", job, "--maxim", "3"}, "there is no option --maxim; did you mean \"--maximum\"?"},
       {{"krige", job, "--maximum"}, "Missing value after '--maximum'"},
       {{"stats", "nowhere.csv"}, "orvenal: there is no file \"nowhere.csv\""},
+      {{"krige", "nowhere.csv"}, "orvenal: there is no file \"nowhere.csv\""},
       {{"krige", job, "--mask", "nowhere.csv"}, "there is no file \"nowhere.csv\""},
       {{"run", meuse}, "meuse.csv looks like a table, not a job; for a job to start with: orvenal"},
       {{"run", folder.write("g.json", "{\"type\": \"FeatureCollection\", \"features\": []}")},

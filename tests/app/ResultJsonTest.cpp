@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <functional>
+
 using apptest::json;
 using apptest::MeuseJob;
 using apptest::Outcome;
@@ -102,4 +104,34 @@ TEST(ResultJson, HasNullForWhatIsUndefined)
   ASSERT_EQ(found.value("variables").toArray().size(), 2);
   EXPECT_TRUE(found.value("correlations").toArray()[0].toArray()[1].isNull());
   EXPECT_EQ(found.value("variables").toArray()[1].toObject().value("median").toDouble(), 5.5);
+}
+
+TEST(ResultJson, HasKeysThatAreDocumented)
+{
+  const apptest::Folder folder;
+  MeuseJob job;
+  job.set("variogram", json("{}")).set("fit", json("{}")).remove("model");
+  job.set("crossValidation", json("{}")).set("output", json("{}"));
+  const QString file = job.writeTo(folder);
+  const QString model = folder.write("m.json", "{\"nugget\": 1}");
+  const QString data = ORVENAL_EXAMPLES "/meuse/meuse.csv";
+  const QByteArray page = apptest::readFile(ORVENAL_EXAMPLES "/../docs/results.md");
+  const std::function<void(const QJsonValue &)> check = [&](const QJsonValue &value) {
+    for (const QJsonValue &element : value.toArray())
+      check(element);
+    const QJsonObject object = value.toObject();
+    for (auto member = object.begin(); member != object.end(); ++member) {
+      EXPECT_TRUE(page.contains('`' + member.key().toUtf8() + '`')) << qPrintable(member.key());
+      // Those have the keys of jobs, and names.
+      if (member.key() != "model" && member.key() != "versions")
+        check(member.value());
+    }
+  };
+  const QList<QStringList> commands = {
+      {"run", file}, {"stats", data}, {"info", data}, {"info", model}, {"info", file}};
+  for (const QStringList &command : commands) {
+    const Outcome found = runProgram(command + QStringList("--json"));
+    EXPECT_EQ(found.exitCode, 0) << found.errors;
+    check(parse(found.output));
+  }
 }
