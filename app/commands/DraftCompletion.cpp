@@ -5,6 +5,7 @@
 #include "app/commands/JobDraft.h"
 #include "app/io/TableReader.h"
 #include "app/job/JobObject.h"
+#include "app/study/ColumnGuess.h"
 #include "app/study/GridLayout.h"
 
 #include <QJsonArray>
@@ -26,6 +27,12 @@ void requireColumn(const JobDraft &draft, const char *path, const char *option,
   throw UsageError(QObject::tr("%1 is missing; columns of %2: %3")
                        .arg(key(option), draft.get(key("data.file")).toString(),
                             quotedList(reader.getColumns())));
+}
+
+std::unique_ptr<TableReader> openData(const JobDraft &draft)
+{
+  const JobTable table = draft.readData().data;
+  return TableReader::open(table.file, table.shown, table.format);
 }
 
 QJsonArray toArray(const std::vector<double> &values)
@@ -99,6 +106,23 @@ void checkModelAndNeighborhood(const JobDraft &draft)
                     "and --maximum the nearest ones"));
 }
 
+QString chooseCoordinates(JobDraft &draft)
+{
+  if (!draft.isOfData() || draft.has(key("data.x")) || draft.has(key("data.y")))
+    return QString();
+  const QStringList columns = openData(draft)->getColumns();
+  const CoordinateColumns guess = guessCoordinates(columns);
+  if ((columns.contains(key("x")) && columns.contains(key("y"))) || !guess.isComplete())
+    return QString();
+  draft.setDefault(key("data.x"), columns[guess.x]);
+  draft.setDefault(key("data.y"), columns[guess.y]);
+  const QString note =
+      QObject::tr("coordinates: --x \"%1\" --y \"%2\"").arg(columns[guess.x], columns[guess.y]);
+  if (guess.z < 0 || draft.has(key("data.z")))
+    return note;
+  return note + QObject::tr("; --z \"%1\" adds the third one").arg(columns[guess.z]);
+}
+
 void completeMask(JobDraft &draft)
 {
   if (!draft.isGiven(key("grid.mask")))
@@ -112,9 +136,7 @@ void completeMask(JobDraft &draft)
 
 void checkColumns(const JobDraft &draft)
 {
-  const JobTable table = draft.readData().data;
-  const std::unique_ptr<TableReader> reader =
-      TableReader::open(table.file, table.shown, table.format);
+  const std::unique_ptr<TableReader> reader = openData(draft);
   requireColumn(draft, "data.x", "--x", *reader, key("x"));
   requireColumn(draft, "data.y", "--y", *reader, key("y"));
   requireColumn(draft, "variable.column", "--variable", *reader);

@@ -21,6 +21,10 @@ void completeCrossValidation(JobDraft &draft);
 /// Kriging from options needs a model and a neighborhood; a UsageError says how to give them.
 void checkModelAndNeighborhood(const JobDraft &draft);
 
+/// The coordinates of a data file by the names of its columns, when nothing names them and no
+/// columns are x and y. What names them, in words; empty where there was nothing to do.
+QString chooseCoordinates(JobDraft &draft);
+
 /// A mask that an option gives has the samples' names of coordinates.
 void completeMask(JobDraft &draft);
 

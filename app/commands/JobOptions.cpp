@@ -33,9 +33,9 @@ struct Row
 
 const Row table[] = {
     {JobOption::DATA, "x", "COLUMN", JobOption::TEXT, "data.x", "column of the first coordinate",
-     "x", nullptr},
+     "x, or a usual name", nullptr},
     {JobOption::DATA, "y", "COLUMN", JobOption::TEXT, "data.y", "column of the second coordinate",
-     "y", nullptr},
+     "y, or a usual name", nullptr},
     {JobOption::DATA, "z", "COLUMN", JobOption::TEXT, "data.z",
      "column of the third coordinate, in three dimensions", nullptr, nullptr},
     {JobOption::DATA, "format", "NAME", JobOption::TEXT, "data.format", "format of the file",

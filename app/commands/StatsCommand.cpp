@@ -2,6 +2,7 @@
 
 #include "app/base/NumberText.h"
 #include "app/base/UsageError.h"
+#include "app/commands/DraftCompletion.h"
 #include "app/commands/JobDraft.h"
 #include "app/console/Console.h"
 #include "app/report/ResultJson.h"
@@ -90,6 +91,7 @@ QList<JobOption::Group> StatsCommand::_getGroups() const
 
 void StatsCommand::_execute(JobDraft &draft, const RunSettings &settings, Console &console) const
 {
+  chooseCoordinates(draft);
   Job job = draft.isOfData() ? draft.readData() : draft.read();
   const QList<JobVariable> variables = job.variable.column.isEmpty()
                                            ? numericColumns(job.data, console)

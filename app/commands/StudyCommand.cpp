@@ -20,13 +20,16 @@ void StudyCommand::_execute(JobDraft &draft, const RunSettings &settings, Consol
   _complete(draft);
   completeNeighborhood(draft);
   completeCrossValidation(draft);
+  const QString coordinates = chooseCoordinates(draft);
   completeMask(draft);
   if (draft.isOfData())
     checkColumns(draft);
   const QString grid = layGridOver(draft);
   Job job = draft.read();
-  if (!grid.isEmpty())
-    console.print(grid);
+  for (const QString &note : {coordinates, grid}) {
+    if (!note.isEmpty())
+      console.print(note);
+  }
   if (settings.threads > 0)
     job.threads = settings.threads;
   if (settings.memory > 0)

@@ -73,6 +73,29 @@ TEST(Options, GiveWhatTheirJobGives)
   EXPECT_EQ(apptest::readFile(folder.path("k.csv")), expected);
 }
 
+TEST(Options, KnowUsualNamesOfCoordinates)
+{
+  const apptest::Folder folder;
+  QByteArray table = "EAST,NORTH,RL,AU\n";
+  for (int i = 0; i < 30; ++i)
+    table += QByteArray::number(i % 6) + ',' + QByteArray::number(i / 6) + ",5," +
+             QByteArray::number(i * i % 7) + '\n';
+  folder.write("d.csv", table);
+  const QStringList lags = {"--variable", "AU", "--lag", "1", "--lags", "3"};
+  const auto run = [&](const QStringList &axes) {
+    return runProgram(QStringList{"variogram", "d.csv"} + axes + lags, folder.path(""));
+  };
+  const Outcome guessed = run({});
+  const Outcome named = run({"--x", "EAST", "--y", "NORTH"});
+  EXPECT_EQ(guessed.exitCode, 0) << guessed.errors;
+  const std::string note = "coordinates: --x \"EAST\" --y \"NORTH\"; --z \"RL\" adds the third one\n";
+  EXPECT_EQ(guessed.output, note + named.output);
+  EXPECT_THAT(runProgram({"stats", "d.csv"}, folder.path("")).output,
+              testing::Not(HasSubstr("EAST")));
+  // One of them given says that the user knows what he wants.
+  EXPECT_THAT(run({"--x", "EAST"}).errors, HasSubstr("--y is missing"));
+}
+
 TEST(Options, GoBeforeTheJob)
 {
   const apptest::Folder folder;
@@ -142,7 +165,7 @@ TEST(Options, AreNamedByTheirErrors)
     const char *part;
   };
   const apptest::Folder folder;
-  folder.write("d.csv", "e,n,v\n1,2,3\n");
+  folder.write("d.csv", "a,n,v\n1,2,3\n");
   const QStringList krige = QStringList{"krige"} + zinc;
   const QString job = ORVENAL_EXAMPLES "/meuse/job.json";
   const Case cases[] = {
