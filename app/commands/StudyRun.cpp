@@ -358,16 +358,10 @@ void StudyRun::_warnOfOutcome()
   if (estimation.nFailures > 0)
     _console.warn(QObject::tr("%1 nodes failed. %2")
                       .arg(groupedText(estimation.nFailures), estimation.failures));
-  const auto &neighborhood = _result.job.neighborhood;
-  const bool refusesNodes = neighborhood && neighborhood->refusesNodes();
   if (nMissing > estimation.nFailures)
-    _console.warn((refusesNodes
-                       ? QObject::tr("%1 nodes have too few samples around them, or do not "
-                                     "meet a rule of the neighborhood, and are left "
-                                     "undefined")
-                       : QObject::tr("%1 nodes have too few samples around them and are "
-                                     "left undefined"))
-                      .arg(groupedText(nMissing - estimation.nFailures)));
+    _console.warn(QObject::tr("%1 nodes are left undefined: %2")
+                      .arg(groupedText(nMissing - estimation.nFailures),
+                           Describe::reasonOfGaps(_result.job).toLower()));
 }
 
 void StudyRun::_endStep(const QString &name)

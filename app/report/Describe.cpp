@@ -138,25 +138,16 @@ void addPasses(const Job &job, QVector<QPair<QString, QString>> &rows)
   }
 }
 
-/// Why nodes have no estimate although their system was not at fault.
-QString reasonOfGaps(const Job &job)
-{
-  QString text = QObject::tr("Too few samples around the node");
-  if (job.neighborhood && job.neighborhood->refusesNodes())
-    text += QObject::tr(", or a rule of the neighborhood not met");
-  if (job.faults && !job.estimatesInsideFaults)
-    text += QObject::tr(", or inside a closed fault");
-  return text;
-}
-
 /// "Spherical of sill 0.59"; see sillRows() for the sills of several variables.
 QString structureWithSill(const NgmVModel &model, int index)
 {
   const QString label = model.getStructureLabel(index);
-  return model.getNVariables() > 1
-             ? label
-             : QObject::tr("%1 of sill %2")
-                   .arg(label, numberText(model.getCoregionalisationMatrix(index)(0, 0)));
+  if (model.getNVariables() > 1)
+    return label;
+  const QString sill = numberText(model.getCoregionalisationMatrix(index)(0, 0));
+  return model.getStructure(index).getIRFDegree() < 0
+             ? QObject::tr("%1 of sill %2").arg(label, sill)
+             : QObject::tr("%1 of value %2 at its range").arg(label, sill);
 }
 
 QString setName(const VariogramSet &set, const Job &job)
@@ -419,6 +410,16 @@ QVector<QPair<QString, QString>> Describe::neighborhood(const Job &job)
   addRules(job, rows);
   addPasses(job, rows);
   return rows;
+}
+
+QString Describe::reasonOfGaps(const Job &job)
+{
+  QString text = QObject::tr("Too few samples around the node");
+  if (job.neighborhood && job.neighborhood->refusesNodes())
+    text += QObject::tr(", or a rule of the neighborhood not met");
+  if (job.faults && !job.estimatesInsideFaults)
+    text += QObject::tr(", or inside a closed fault");
+  return text;
 }
 
 QVector<QPair<QString, QString>> Describe::outcome(const StudyResult &result)

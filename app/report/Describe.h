@@ -51,6 +51,9 @@ QVector<QPair<QString, QString>> kriging(const Job &job);
 /// Names and values: type, radii and axes, numbers of samples.
 QVector<QPair<QString, QString>> neighborhood(const Job &job);
 
+/// Why nodes have no estimate although their system was not at fault.
+QString reasonOfGaps(const Job &job);
+
 /// How many nodes were estimated, and what became of the others.
 QVector<QPair<QString, QString>> outcome(const StudyResult &result);
 

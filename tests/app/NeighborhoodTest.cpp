@@ -173,7 +173,7 @@ TEST(Neighborhood, NodesThatDoNotMeetARuleAreReported)
   job.set("neighborhood.nearest", 100).set("output", json("{\"report\": \"r.html\"}"));
   const Outcome outcome = runProgram({"run", job.writeTo(folder)});
   EXPECT_EQ(outcome.exitCode, 0);
-  EXPECT_THAT(outcome.errors, HasSubstr("or do not meet a rule of the neighborhood"));
+  EXPECT_THAT(outcome.errors, HasSubstr("or a rule of the neighborhood not met"));
   const std::string report = apptest::readFile(folder.path("r.html")).toStdString();
   EXPECT_THAT(report, HasSubstr("Distance of the nearest sample, at most"));
   EXPECT_THAT(report, HasSubstr("or a rule of the neighborhood not met"));

@@ -88,7 +88,8 @@ TEST(Options, KnowUsualNamesOfCoordinates)
   const Outcome guessed = run({});
   const Outcome named = run({"--x", "EAST", "--y", "NORTH"});
   EXPECT_EQ(guessed.exitCode, 0) << guessed.errors;
-  const std::string note = "coordinates: --x \"EAST\" --y \"NORTH\"; --z \"RL\" adds the third one\n";
+  const std::string note =
+      "coordinates: --x \"EAST\" --y \"NORTH\"; --z \"RL\" adds the third one\n";
   EXPECT_EQ(guessed.output, note + named.output);
   EXPECT_THAT(runProgram({"stats", "d.csv"}, folder.path("")).output,
               testing::Not(HasSubstr("EAST")));

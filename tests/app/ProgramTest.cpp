@@ -599,9 +599,10 @@ TEST(Program, ReportsNodesWithoutEnoughSamples)
   EXPECT_GT(nUndefined, 1000);
   EXPECT_LT(nUndefined, 3103);
   const std::string text = QString::number(nUndefined).insert(1, ',').toStdString();
-  EXPECT_THAT(outcome.errors, HasSubstr("warning: " + text + " nodes have too few samples"));
+  EXPECT_THAT(outcome.errors,
+              HasSubstr("warning: " + text + " nodes are left undefined: too few samples"));
   EXPECT_THAT(apptest::readFile(folder.path("out/r.html")).toStdString(),
-              HasSubstr("Warning: " + text + " nodes have too few samples"));
+              HasSubstr("Warning: " + text + " nodes are left undefined: too few samples"));
 }
 
 TEST(Program, WritesAReportThatNeedsNothingElse)
