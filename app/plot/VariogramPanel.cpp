@@ -52,6 +52,15 @@ QVector<int> curvesWithModel(const VariogramPanel &panel)
   return curves;
 }
 
+/// Whether a point would be cut by an axis at 0.
+bool isNearZero(const VariogramSet &set, double least)
+{
+  return std::any_of(set.curves.begin(), set.curves.end(), [least](const VariogramCurve &curve) {
+    return std::any_of(curve.values.begin(), curve.values.end(),
+                       [least](double value) { return value < least; });
+  });
+}
+
 /// From 0 to the curves, the model and the sill, with some room; cross variograms may be below 0.
 QCPRange valueRange(const VariogramPanel &panel)
 {
@@ -70,6 +79,8 @@ QCPRange valueRange(const VariogramPanel &panel)
   const double room = 0.08 * range.size();
   if (!(room > 0.))
     return QCPRange(0., 1.);
+  if (range.lower == 0. && isNearZero(set, 0.25 * room))
+    return QCPRange(-0.5 * room, range.upper + room);
   return QCPRange(range.lower < 0. ? range.lower - room : 0.,
                   range.upper > 0. ? range.upper + room : 0.);
 }
@@ -97,23 +108,56 @@ bool isFree(const QRectF &place, const QVector<QRectF> &taken, const QVector<QPo
   return true;
 }
 
-/// The points of one curve; circles whose areas are in proportion to the numbers of pairs.
-class PairMarks : public QCPLayerable
+/// Where the points of a curve are on the picture, and how large; their areas are in proportion to
+/// the numbers of pairs.
+class CurvePoints
 {
 public:
-  PairMarks(const VariogramPanel &panel, int curve, qint64 mostPairs)
-      : QCPLayerable(panel.area.parentPlot(), QStringLiteral("main"), &panel.area),
-        _area(panel.area),
-        _xAxis(panel.xAxis()),
-        _yAxis(panel.yAxis()),
+  CurvePoints(const VariogramPanel &panel, int curve, qint64 mostPairs)
+      : style(directionStyle(curve)),
+        _xAxis(&panel.xAxis()),
+        _yAxis(&panel.yAxis()),
         _curve(panel.set.curves[curve]),
         _mostPairs(mostPairs),
-        _style(directionStyle(curve)),
-        _largestMark(panel.largestMark),
-        _hasNumbers(panel.hasNumbers)
+        _largestMark(panel.largestMark)
   {
-    for (const int withModel : _hasNumbers ? curvesWithModel(panel) : QVector<int>())
-      _model << modelPoints(panel, panel.set.curves[withModel]);
+  }
+
+  QPolygonF centers() const
+  {
+    QPolygonF points;
+    for (int lag = 0; lag < _curve.distances.size(); ++lag)
+      points << QPointF(_xAxis->coordToPixel(_curve.distances[lag]),
+                        _yAxis->coordToPixel(_curve.values[lag]));
+    return points;
+  }
+
+  double radius(int lag) const
+  {
+    const double share = double(_curve.pairs[lag]) / double(_mostPairs);
+    return _largestMark * std::max(0.3, std::sqrt(share));
+  }
+
+  QString number(int lag) const { return shortCount(_curve.pairs[lag]); }
+
+  const DirectionStyle style;
+
+private:
+  QCPAxis *_xAxis;
+  QCPAxis *_yAxis;
+  VariogramCurve _curve;
+  qint64 _mostPairs;
+  double _largestMark;
+};
+
+/// What is drawn over the plot area of a panel.
+class PanelLayer : public QCPLayerable
+{
+public:
+  explicit PanelLayer(const VariogramPanel &panel)
+      : QCPLayerable(panel.area.parentPlot(), QStringLiteral("main"), &panel.area),
+        _area(panel.area)
+  {
   }
 
 protected:
@@ -124,55 +168,90 @@ protected:
 
   QRect clipRect() const override { return _area.rect(); }
 
+private:
+  QCPAxisRect &_area;
+};
+
+class CurveMarks : public PanelLayer
+{
+public:
+  CurveMarks(const VariogramPanel &panel, const CurvePoints &points)
+      : PanelLayer(panel), _points(points)
+  {
+  }
+
+protected:
   void draw(QCPPainter *painter) override
   {
-    QPolygonF line;
-    for (int lag = 0; lag < _curve.distances.size(); ++lag)
-      line << _centerOf(lag);
-    painter->setPen(QPen(_style.color, 0.8));
-    painter->drawPolyline(line);
-    painter->setPen(_style.isFilled ? QPen(Qt::white, 0.8) : QPen(_style.color, 1.2));
-    painter->setBrush(_style.isFilled ? _style.color : QColor(Qt::white));
-    for (int lag = 0; lag < line.size(); ++lag)
-      painter->drawEllipse(line[lag], _radiusOf(lag), _radiusOf(lag));
-    if (_hasNumbers)
-      _drawNumbers(*painter, line);
+    const DirectionStyle &style = _points.style;
+    const QPolygonF centers = _points.centers();
+    painter->setPen(QPen(style.color, 0.8));
+    painter->drawPolyline(centers);
+    painter->setPen(style.isFilled ? QPen(Qt::white, 0.8) : QPen(style.color, 1.2));
+    painter->setBrush(style.isFilled ? style.color : QColor(Qt::white));
+    for (int lag = 0; lag < centers.size(); ++lag)
+      painter->drawEllipse(centers[lag], _points.radius(lag), _points.radius(lag));
   }
 
 private:
-  QPointF _centerOf(int lag) const
+  CurvePoints _points;
+};
+
+/// The numbers of pairs of all curves, around their points where there is room.
+class PairNumbers : public PanelLayer
+{
+public:
+  PairNumbers(const VariogramPanel &panel, const QVector<CurvePoints> &curves)
+      : PanelLayer(panel), _xAxis(panel.xAxis()), _yAxis(panel.yAxis()), _curves(curves)
   {
-    return QPointF(_xAxis.coordToPixel(_curve.distances[lag]),
-                   _yAxis.coordToPixel(_curve.values[lag]));
+    for (const int withModel : curvesWithModel(panel))
+      _lines << modelPoints(panel, panel.set.curves[withModel]);
+    if (panel.set.hasSill)
+      _lines << QVector<QPointF>{{_xAxis.range().lower, panel.set.sill},
+                                 {_xAxis.range().upper, panel.set.sill}};
   }
 
-  double _radiusOf(int lag) const
+protected:
+  void draw(QCPPainter *painter) override
   {
-    const double share = double(_curve.pairs[lag]) / double(_mostPairs);
-    return _largestMark * std::max(0.3, std::sqrt(share));
-  }
-
-  /// Around the points, where there is room.
-  void _drawNumbers(QCPPainter &painter, const QPolygonF &points)
-  {
-    painter.setFont(fontOf(7));
-    painter.setPen(QColor(90, 90, 90));
+    painter->setFont(fontOf(7));
     QVector<QRectF> taken;
-    for (int lag = 0; lag < points.size(); ++lag) {
-      const double radius = _radiusOf(lag) + 1.;
-      taken << QRectF(points[lag] - QPointF(radius, radius), QSizeF(2. * radius, 2. * radius));
+    QVector<QPolygonF> lines = _drawnLines();
+    for (const CurvePoints &curve : _curves) {
+      lines << curve.centers();
+      for (int lag = 0; lag < lines.last().size(); ++lag) {
+        const double radius = curve.radius(lag) + 1.;
+        taken << QRectF(lines.last()[lag] - QPointF(radius, radius),
+                        QSizeF(2. * radius, 2. * radius));
+      }
     }
-    QVector<QPolygonF> lines = {points};
-    for (const QVector<QPointF> &model : _model) {
+    for (const CurvePoints &curve : _curves) {
+      painter->setPen(_curves.size() == 1 ? QColor(90, 90, 90) : curve.style.color.darker(130));
+      _drawNumbers(*painter, curve, lines, taken);
+    }
+  }
+
+private:
+  QVector<QPolygonF> _drawnLines() const
+  {
+    QVector<QPolygonF> lines;
+    for (const QVector<QPointF> &line : _lines) {
       lines << QPolygonF();
-      for (const QPointF &point : model)
+      for (const QPointF &point : line)
         lines.last() << QPointF(_xAxis.coordToPixel(point.x()), _yAxis.coordToPixel(point.y()));
     }
-    for (int lag = 0; lag < points.size(); ++lag) {
-      const QString text = shortCount(_curve.pairs[lag]);
+    return lines;
+  }
+
+  void _drawNumbers(QCPPainter &painter, const CurvePoints &curve, const QVector<QPolygonF> &lines,
+                    QVector<QRectF> &taken) const
+  {
+    const QPolygonF centers = curve.centers();
+    for (int lag = 0; lag < centers.size(); ++lag) {
+      const QString text = curve.number(lag);
       const QSizeF size(painter.fontMetrics().horizontalAdvance(text),
                         painter.fontMetrics().height());
-      for (const QRectF &place : _placesAround(points[lag], _radiusOf(lag), size)) {
+      for (const QRectF &place : _placesAround(centers[lag], curve.radius(lag), size)) {
         if (!QRectF(clipRect()).contains(place) || !isFree(place, taken, lines))
           continue;
         painter.drawText(place, Qt::AlignCenter | Qt::TextDontClip, text);
@@ -193,15 +272,10 @@ private:
             QRectF(point + QPointF(-away - size.width(), -0.7 * size.height()), size)};
   }
 
-  QCPAxisRect &_area;
   QCPAxis &_xAxis;
   QCPAxis &_yAxis;
-  VariogramCurve _curve;
-  qint64 _mostPairs;
-  DirectionStyle _style;
-  QVector<QVector<QPointF>> _model;  ///< its lines
-  double _largestMark;
-  bool _hasNumbers;
+  QVector<CurvePoints> _curves;
+  QVector<QVector<QPointF>> _lines;  ///< of the model and the sill
 };
 
 void addLine(const VariogramPanel &panel, const QPen &pen, const QVector<QPointF> &points)
@@ -327,10 +401,14 @@ void drawPanel(const VariogramPanel &panel, double maxDistance)
   if (panel.style.model)
     addModels(panel);
   const qint64 mostPairs = mostPairsOf(panel.set);
-  for (int i = 0; i < panel.set.curves.size(); ++i) {
-    auto *marks = new PairMarks(panel, i, mostPairs);
-    Q_UNUSED(marks)  // the plot owns it
-  }
+  QVector<CurvePoints> curves;
+  for (int i = 0; i < panel.set.curves.size(); ++i)
+    curves << CurvePoints(panel, i, mostPairs);
+  // The plot owns what is drawn.
+  for (const CurvePoints &points : curves)
+    new CurveMarks(panel, points);
+  if (panel.hasNumbers)
+    new PairNumbers(panel, curves);
 }
 
 }  // namespace orvenal

