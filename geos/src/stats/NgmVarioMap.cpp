@@ -99,6 +99,10 @@ NgmVarioMap::NgmVarioMap(int nrho, int ntheta, int nphi, const NbgVector3D &maxA
   _cosPhi = centreCosines(nphi);
   _boundsTheta = boundCosines(ntheta);
   _boundsPhi = boundCosines(nphi);
+  for (int j = 0; j < ntheta; ++j) {
+    for (int k = 0; k < nphi; ++k)
+      _reaches.push_back(_getRhoMaxFromJK(j, k));
+  }
   NbgGeomGrid geometry;
   geometry.setNodesNumber(nrho, ntheta, nphi);
   _grid.setGeometry(geometry);
@@ -173,9 +177,12 @@ int NgmVarioMap::_getThetaClass(double a, double b) const
   return classOf(a, b, _ntheta, _boundsTheta);
 }
 
-int NgmVarioMap::_getPhiClass(double a, double b) const
+int NgmVarioMap::_getPhiClass(const NbgVector3D &local) const
 {
-  return _nphi == 1 ? 0 : classOf(a, b, _nphi, _boundsPhi);
+  if (_nphi == 1)
+    return 0;
+  const double horizontal = std::sqrt(local.x() * local.x() + local.y() * local.y());
+  return classOf(horizontal, local.z(), _nphi, _boundsPhi);
 }
 
 // Radius of the ellipsoid in the direction of a cell.
@@ -204,8 +211,8 @@ qint64 NgmVarioMap::locate(const NbgVector3D &local) const
     const int row = radialClass(d, _maxAxes.z() / (_nrho - 0.5));
     return row < _nrho ? -2 - qint64(row) : NO_CELL;
   }
-  const int k = _getPhiClass(std::sqrt(local.x() * local.x() + local.y() * local.y()), local.z());
-  const double reach = _getRhoMaxFromJK(j, k);
+  const int k = _getPhiClass(local);
+  const double reach = _reaches[std::size_t(j) * _nphi + k];
   if (!(d < reach))
     return NO_CELL;
   const int i = radialClass(d, reach / (_nrho - 0.5));
@@ -348,7 +355,7 @@ void NgmVarioMap::getIThetaIPhi(const NbgRotation &frame, double theta, double p
   const NbgVector3D local =
       oriented(toFrame(getDirectionVectorFromRTP(frame, NbgVector3D(1., theta, phi))));
   iTheta = std::max(0, _getThetaClass(local.x(), local.y()));
-  iPhi = _getPhiClass(std::sqrt(local.x() * local.x() + local.y() * local.y()), local.z());
+  iPhi = _getPhiClass(local);
 }
 
 // Coarser maps.

@@ -141,7 +141,7 @@ public:
 
 private:
   int _getThetaClass(double a, double b) const;
-  int _getPhiClass(double a, double b) const;
+  int _getPhiClass(const NbgVector3D &local) const;
   double _getRhoMaxFromJK(int j, int k) const;
   void _createVariables();
   void _buildWeightVariable();
@@ -174,4 +174,5 @@ private:
   std::vector<double> _cosPhi;
   std::vector<double> _boundsTheta;
   std::vector<double> _boundsPhi;
+  std::vector<double> _reaches;  // radii of the ellipsoid by classes of theta and phi
 };

@@ -53,11 +53,46 @@ public:
     _squaredReach = largest * largest * (1. + 1e-12);
   }
 
-  void add(const Samples &s, int a, int b)
+  /// The pairs of `a` with the samples from `first` to before `last`.
+  void add(const Samples &s, int a, int first, int last)
+  {
+    constexpr int block = 256;
+    int near[block];
+    for (int begin = first; begin < last; begin += block) {
+      const int nNear = _findNear(s, a, begin, std::min(begin + block, last), near);
+      for (int k = 0; k < nNear; ++k)
+        _addPair(s, a, near[k]);
+    }
+  }
+
+  std::unique_ptr<NgmVarioMap> toMap() const
+  {
+    auto map = std::make_unique<NgmVarioMap>(_map);
+    for (std::size_t pair = 0; pair < _counts.size(); ++pair)
+      map->addCells(int(pair), _counts[pair], _sums[pair]);
+    return map;
+  }
+
+private:
+  int _findNear(const Samples &s, int a, int first, int last, int *near) const
+  {
+    const double x = s.x[a];
+    const double y = s.y[a];
+    const double z = s.z[a];
+    int nNear = 0;
+    for (int b = first; b < last; ++b) {
+      const double dx = s.x[b] - x;
+      const double dy = s.y[b] - y;
+      const double dz = s.z[b] - z;
+      near[nNear] = b;
+      nNear += dx * dx + dy * dy + dz * dz <= _squaredReach ? 1 : 0;
+    }
+    return nNear;
+  }
+
+  void _addPair(const Samples &s, int a, int b)
   {
     const NbgVector3D h(s.x[b] - s.x[a], s.y[b] - s.y[a], s.z[b] - s.z[a]);
-    if (h.squaredNorm() > _squaredReach)
-      return;
     const qint64 cell = _map.locate(_map.oriented(_map.toFrame(h)));
     if (cell == NgmVarioMap::NO_CELL)
       return;
@@ -75,15 +110,6 @@ public:
     }
   }
 
-  std::unique_ptr<NgmVarioMap> toMap() const
-  {
-    auto map = std::make_unique<NgmVarioMap>(_map);
-    for (std::size_t pair = 0; pair < _counts.size(); ++pair)
-      map->addCells(int(pair), _counts[pair], _sums[pair]);
-    return map;
-  }
-
-private:
   const NgmVarioMap &_map;
   qint64 _nNodes;
   double _squaredReach;
@@ -117,10 +143,8 @@ void NgwVarioMap::_process(const NgdDataDoubleBuffer &buffers)
     const NgcPairwiseSamples::Chunk &first = all.getChunks()[i];
     const NgcPairwiseSamples::Chunk &second = all.getChunks()[j];
     Cells cells(empty);
-    for (int a = first.first; a < first.last; ++a) {
-      for (int b = i == j ? a + 1 : second.first; b < second.last; ++b)
-        cells.add(samples, a, b);
-    }
+    for (int a = first.first; a < first.last; ++a)
+      cells.add(samples, a, i == j ? a + 1 : second.first, second.last);
     _calculator.saveChunks(first.rank, second.rank, cells.toMap());
   });
 }
