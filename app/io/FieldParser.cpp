@@ -54,6 +54,12 @@ TableReader::Field classified(double value, double &number)
 
 }  // namespace
 
+bool isBelowLimit(const QString &text)
+{
+  static const QRegularExpression pattern(QStringLiteral("^\\s*<\\s*\\d*[.,]?\\d+\\s*$"));
+  return pattern.match(text).hasMatch();
+}
+
 FieldParser::FieldParser(const TableFormat &format, Exponents exponents)
     : _decimal(format.decimal), _exponents(exponents)
 {
@@ -158,6 +164,10 @@ void FieldParser::_failNumber(std::string_view field, const TableReader &reader,
                .arg(QLatin1Char(_decimal == '.' ? ',' : '.'));
   if (hint.isEmpty() && isGrouped(field))
     hint = QObject::tr("; numbers are written without marks between thousands");
+  if (isBelowLimit(textFromBytes(field)))
+    hint = QObject::tr(
+        "; for a value below a limit of detection put a number into the file, such as "
+        "half of the limit, or list the text among the undefined ones");
   reader.fail(column, QObject::tr("\"%1\" is not a number").arg(shownText(field)) + hint);
 }
 

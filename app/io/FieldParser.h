@@ -8,6 +8,9 @@
 
 namespace orvenal {
 
+/// Whether a text says that a value is below a limit of detection: "<0.5", "< 5".
+bool isBelowLimit(const QString &text);
+
 /// Takes the fields of a table as numbers, undefined values or texts; one rule for all formats.
 ///
 /// A field is undefined when it is one of the markers, or a number equal to one of them. All that

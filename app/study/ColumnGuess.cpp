@@ -94,7 +94,13 @@ bool isPlace(const QString &name)
   static const QRegularExpression field(QStringLiteral("^[xyz] \\(field\\)$"));
   const QString bare = bareName(name);
   const auto isThis = [&bare](const char *known) { return bare == QString::fromUtf8(known); };
-  if (field.match(name).hasMatch() || std::any_of(std::begin(heights), std::end(heights), isThis))
+  // "elevation_m"
+  const auto isHeight = [&](const char *known) {
+    constexpr int shortestWord = 4;
+    const QString height = QString::fromUtf8(known);
+    return bare == height || (height.size() >= shortestWord && bare.startsWith(height));
+  };
+  if (field.match(name).hasMatch() || std::any_of(std::begin(heights), std::end(heights), isHeight))
     return true;
   return bare.size() > 1 && std::any_of(std::begin(pairs), std::end(pairs), [&](const Pair &pair) {
            return isThis(pair.x) || isThis(pair.y);

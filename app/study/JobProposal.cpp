@@ -4,6 +4,7 @@
 #include "app/base/Suggestion.h"
 #include "app/base/UsageError.h"
 #include "app/console/TextTable.h"
+#include "app/io/FieldParser.h"
 #include "app/io/InputFile.h"
 #include "app/io/SpatialReference.h"
 #include "app/io/TableReader.h"
@@ -20,6 +21,7 @@
 #include <QObject>
 #include <QSet>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -246,6 +248,11 @@ QString undefinedPart(const Findings &findings)
                             "if it does not.")
                     .arg(quotedList(seen)),
                 4);
+  if (std::any_of(seen.begin(), seen.end(), isBelowLimit))
+    text += comment(QObject::tr("Values below a limit of detection are left out so, which makes "
+                                "estimates too high; a number in the file, such as half of the "
+                                "limit, keeps them."),
+                    4);
   return text + QStringLiteral("    \"undefined\": %1\n").arg(quotedAll(texts));
 }
 

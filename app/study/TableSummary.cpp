@@ -1,5 +1,6 @@
 #include "app/study/TableSummary.h"
 
+#include "app/io/FieldParser.h"
 #include "app/study/GridFinder.h"
 
 #include <QObject>
@@ -72,12 +73,13 @@ bool hasDigits(const QString &text)
   return text.contains(digit);
 }
 
-/// A text among numbers that holds no digits ("n/a"), or is a number that no value can be.
+/// A text among numbers that holds no digits ("n/a"), is a number that no value can be, or says
+/// that a value is below a limit.
 bool isMark(const QString &text)
 {
   bool isNumber = false;
   text.toDouble(&isNumber);
-  return isNumber || !hasDigits(text);
+  return isNumber || !hasDigits(text) || isBelowLimit(text);
 }
 
 ColumnSummary summaryOf(const QString &name, const ColumnTally &tally)
@@ -112,7 +114,7 @@ bool hasDecimalCommas(const ColumnTally &tally)
   for (const QString &text : tally.texts) {
     if (number.match(text).hasMatch())
       ++nNumbers;
-    else if (hasDigits(text))
+    else if (hasDigits(text) && !isBelowLimit(text))
       return false;
   }
   return nNumbers > 0;

@@ -148,6 +148,7 @@ TEST(CsvReader, NamesFileLineAndColumnOfWhatIsWrong)
       {"sep=,\na,b\n1,2\n3\n", format(0), {"t.csv, line 4: 1 fields"}},
       {"sep=;\n", format(0), {"t.csv: the file has no header line"}},
       {"a;b\n1;1.234,5\n", format(0), {"\"1.234,5\" is not a number; numbers are written without"}},
+      {"a;b\n1;< 0.5\n", format(0), {"\"< 0.5\" is not a number; for a value below a limit"}},
       {"a,b\n1,\"-12,345,678.9\"\n", format(0), {"marks between thousands"}},
       {"a;b\n1;1\xC2\xA0"
        "234\n",

@@ -182,3 +182,18 @@ TEST(Init, KeepsTheVariogramOfManySamplesShort)
   // 1.28e10 pairs in all; 2e9 of them are as near as 89.
   EXPECT_THAT(outcome.output, HasSubstr("\"variogram\": { \"lag\": 5.6, \"lags\": 16 }"));
 }
+
+TEST(Init, KnowsValuesBelowALimitAndHeights)
+{
+  QByteArray data = "east;north;elevation over sea;Pb\n";
+  for (int i = 0; i < 60; ++i)
+    data += text(10 * (i % 10)) + ';' + text(10 * (i / 10)) + ";11" + text(i % 7) + ";" +
+            (i % 20 == 3 ? QByteArray("<0,5") : text(1 + (i * 7) % 13) + ",5") + '\n';
+  const apptest::Folder folder;
+  const orvenal::Job job = proposeAndRun(folder, data);
+  EXPECT_EQ(job.variable.column, "Pb");
+  EXPECT_EQ(job.data.format.decimal, ',');
+  EXPECT_TRUE(job.data.format.undefined.contains("<0,5"));
+  EXPECT_THAT(apptest::readFile(folder.path("job.json")).simplified().toStdString(),
+              HasSubstr("Values below a limit of detection"));
+}
