@@ -233,7 +233,13 @@ QString notes(const TableSummary &summary)
                    "\"%1\" in \"%2\" may stand for undefined values: a job lists such texts "
                    "in \"undefined\".")
                    .arg(column.marks.join(QStringLiteral("\", \"")), column.name);
-    else if (column.getType() == ColumnSummary::MIXED)
+    if (!column.limits.isEmpty())
+      lines << QObject::tr(
+                   "\"%1\" in \"%2\" tells values below a limit of detection: put numbers "
+                   "into the file, such as half of the limit.")
+                   .arg(column.limits.join(QStringLiteral("\", \"")), column.name);
+    if (column.marks.isEmpty() && column.limits.isEmpty() &&
+        column.getType() == ColumnSummary::MIXED)
       lines << QObject::tr("\"%1\" holds %2 texts, such as \"%3\", among its numbers.")
                    .arg(column.name, groupedText(column.nTexts), shortened(column.example, 24));
   }

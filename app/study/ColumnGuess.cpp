@@ -139,7 +139,7 @@ bool areNamedLikeDegrees(const QString &x, const QString &y)
 bool holdsNumbers(const ColumnSummary &column)
 {
   return column.getType() == ColumnSummary::NUMBERS ||
-         (column.getType() == ColumnSummary::MIXED && !column.marks.isEmpty() &&
+         (column.getType() == ColumnSummary::MIXED && !(column.marks + column.limits).isEmpty() &&
           column.nNumbers > column.nTexts);
 }
 

@@ -156,7 +156,7 @@ QStringList undefinedTexts(const Findings &findings)
   for (const int index : {findings.x, findings.y, findings.z, findings.variable}) {
     if (index < 0)
       continue;
-    for (const QString &mark : findings.column(index).marks) {
+    for (const QString &mark : findings.column(index).marks + findings.column(index).limits) {
       if (!texts.contains(mark))
         texts << mark;
     }
@@ -294,10 +294,11 @@ QString otherColumns(const Findings &findings)
         i == findings.x || i == findings.y || i == findings.z || i == findings.variable;
     if (isUsed || !holdsNumbers(column))
       continue;
+    const QStringList undefined = column.marks + column.limits;
     const QString marks =
-        column.marks.isEmpty()
+        undefined.isEmpty()
             ? QString()
-            : QObject::tr("; \"undefined\" then has to list %1").arg(quotedList(column.marks));
+            : QObject::tr("; \"undefined\" then has to list %1").arg(quotedList(undefined));
     others << QObject::tr("%1 (%2 to %3%4)")
                   .arg(column.name.simplified(), numberText(column.minimum),
                        numberText(column.maximum), marks);

@@ -73,13 +73,12 @@ bool hasDigits(const QString &text)
   return text.contains(digit);
 }
 
-/// A text among numbers that holds no digits ("n/a"), is a number that no value can be, or says
-/// that a value is below a limit.
+/// A text among numbers that holds no digits ("n/a"), or is a number that no value can be.
 bool isMark(const QString &text)
 {
   bool isNumber = false;
   text.toDouble(&isNumber);
-  return isNumber || !hasDigits(text) || isBelowLimit(text);
+  return isNumber || !hasDigits(text);
 }
 
 ColumnSummary summaryOf(const QString &name, const ColumnTally &tally)
@@ -100,7 +99,9 @@ ColumnSummary summaryOf(const QString &name, const ColumnTally &tally)
   if (isMark(tally))
     summary.marks << QString::number(tally.minimum, 'g', 12);
   for (const QString &text : tally.texts) {
-    if (tally.nNumbers > 0 && isMark(text))
+    if (tally.nNumbers > 0 && isBelowLimit(text))
+      summary.limits << text;
+    else if (tally.nNumbers > 0 && isMark(text))
       summary.marks << text;
   }
   return summary;

@@ -38,6 +38,9 @@ struct ColumnSummary
   /// in the format as such. Numbers among them take part in minimum and mean.
   QStringList marks;
 
+  /// Texts that say that a value is below a limit of detection: "<0.5".
+  QStringList limits;
+
   Type getType() const;
 };
 
