@@ -126,8 +126,9 @@ QStringList fitWarnings(const Job &job, const Variography &variography, const Mo
     warnings << QObject::tr(
         "the fit found a nugget effect and no structure: as far as the variograms tell, near "
         "samples are no more alike than distant ones");
+  const Reach reach = reachOf(variography);
   for (int index = 0; index < fit.model.getNStructures(); ++index) {
-    const QString warning = warningOf(fit.model, index, job, reachOf(variography));
+    const QString warning = warningOf(fit.model, index, job, reach);
     if (!warning.isEmpty())
       warnings << warning;
   }

@@ -69,6 +69,29 @@ struct Tail
   double values[LANES];
 };
 
+/// Calls `add` with four values at a time; what the last four lack is undefined.
+template <class Add>
+void forEachFour(int n, const double *values, Add add)
+{
+  const int nWhole = n - n % LANES;
+  for (int i = 0; i < nWhole; i += LANES)
+    add(load(values + i));
+  if (nWhole < n)
+    add(load(Tail(n - nWhole, values + nWhole, NbbGlobal::D_FFFF).values));
+}
+
+/// The same with weights; those that lack are 0.
+template <class Add>
+void forEachFour(int n, const double *values, const double *weights, Add add)
+{
+  const int nWhole = n - n % LANES;
+  for (int i = 0; i < nWhole; i += LANES)
+    add(load(values + i), load(weights + i));
+  if (nWhole < n)
+    add(load(Tail(n - nWhole, values + nWhole, NbbGlobal::D_FFFF).values),
+        load(Tail(n - nWhole, weights + nWhole, 0.).values));
+}
+
 /// Extremes over the lanes.
 struct Range
 {
@@ -196,11 +219,7 @@ NgaStatBlockSum::Sums NgaStatBlockSum::_sum(int n, const double *values)
     inverse += positive ? one / p : zero;
     logs.multiply(p);
   };
-  const int nWhole = n - n % LANES;
-  for (int i = 0; i < nWhole; i += LANES)
-    add(load(values + i));
-  if (nWhole < n)
-    add(load(Tail(n - nWhole, values + nWhole, NbbGlobal::D_FFFF).values));
+  forEachFour(n, values, add);
 
   const qint64 nDefined = total(count);
   const double min = smallest(range.min);
@@ -219,11 +238,7 @@ void NgaStatBlockSum::_addMoments(int n, const double *values, Sums &block)
   const auto add = [&](Real v) {
     moments.add<FULL>(definedMask(v) ? v - mean : fourOf(0.), fourOf(1.));
   };
-  const int nWhole = n - n % LANES;
-  for (int i = 0; i < nWhole; i += LANES)
-    add(load(values + i));
-  if (nWhole < n)
-    add(load(Tail(n - nWhole, values + nWhole, NbbGlobal::D_FFFF).values));
+  forEachFour(n, values, add);
   moments.copyTo(block);
 }
 
@@ -254,12 +269,7 @@ NgaStatBlockSum::Sums NgaStatBlockSum::_sumWeighted(int n, const double *values,
     inverse += positive ? weight / p : zero;
     log += weight * Real{std::log(p[0]), std::log(p[1]), std::log(p[2]), std::log(p[3])};
   };
-  const int nWhole = n - n % LANES;
-  for (int i = 0; i < nWhole; i += LANES)
-    add(load(values + i), load(weights + i));
-  if (nWhole < n)
-    add(load(Tail(n - nWhole, values + nWhole, NbbGlobal::D_FFFF).values),
-        load(Tail(n - nWhole, weights + nWhole, 0.).values));
+  forEachFour(n, values, weights, add);
 
   Sums block = {total(count),       total(countNoW),        smallest(range.min),
                 largest(range.max), smallest(rangeNoW.min), largest(rangeNoW.max),
@@ -279,12 +289,7 @@ void NgaStatBlockSum::_addMomentsWeighted(int n, const double *values, const dou
     const Bits weighted = definedMask(v) & definedMask(w) & (w > fourOf(0.));
     moments.add<FULL>(weighted ? v - mean : fourOf(0.), weighted ? w : fourOf(0.));
   };
-  const int nWhole = n - n % LANES;
-  for (int i = 0; i < nWhole; i += LANES)
-    add(load(values + i), load(weights + i));
-  if (nWhole < n)
-    add(load(Tail(n - nWhole, values + nWhole, NbbGlobal::D_FFFF).values),
-        load(Tail(n - nWhole, weights + nWhole, 0.).values));
+  forEachFour(n, values, weights, add);
   moments.copyTo(block);
 }
 
