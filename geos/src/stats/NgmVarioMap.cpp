@@ -31,8 +31,35 @@ std::vector<double> boundCosines(int n)
   return bounds;
 }
 
+// Cosines from -1 to 1 in equal parts, each with a class from which the search starts: the first
+// one that it may have for cosines above 0, the last one for others.
+constexpr int N_PARTS = 256;
+
+int partOf(double cosine)
+{
+  return std::clamp(int((cosine + 1.) * (N_PARTS / 2)), 0, N_PARTS - 1);
+}
+
+std::vector<int> searchStarts(int n, const std::vector<double> &bounds)
+{
+  constexpr double slack = 1e-9;  // more than the rounding of a cosine
+  std::vector<int> starts;
+  for (int part = 0; part < N_PARTS; ++part) {
+    const double least = double(part) / (N_PARTS / 2) - 1. - slack;
+    const double most = double(part + 1) / (N_PARTS / 2) - 1. + slack;
+    int u = most > slack ? 0 : n - 1;
+    while (most > slack && most < bounds[u + 1])
+      ++u;
+    while (most <= slack && u > 0 && bounds[u] < least)
+      --u;
+    starts.push_back(u);
+  }
+  return starts;
+}
+
 /// The class of the direction (a, b), which is that of (-a, -b); -1 when it is null.
-int classOf(double a, double b, int n, const std::vector<double> &bounds)
+int classOf(double a, double b, int n, const std::vector<double> &bounds,
+            const std::vector<int> &starts)
 {
   if (b < 0.) {
     a = -a;
@@ -43,14 +70,14 @@ int classOf(double a, double b, int n, const std::vector<double> &bounds)
     return -1;
   const double c = a / r;
   if (c > 0.) {
-    int u = 0;
+    int u = starts[partOf(c)];
     while (c < bounds[u + 1])
       ++u;
     return u == n ? 0 : u;
   }
   if (c <= bounds[n])
     return 0;
-  int u = n - 1;
+  int u = starts[std::min(partOf(c), N_PARTS / 2 - 1)];
   while (bounds[u] < c)
     --u;
   return u;
@@ -99,6 +126,8 @@ NgmVarioMap::NgmVarioMap(int nrho, int ntheta, int nphi, const NbgVector3D &maxA
   _cosPhi = centreCosines(nphi);
   _boundsTheta = boundCosines(ntheta);
   _boundsPhi = boundCosines(nphi);
+  _startsTheta = searchStarts(ntheta, _boundsTheta);
+  _startsPhi = searchStarts(nphi, _boundsPhi);
   for (int j = 0; j < ntheta; ++j) {
     for (int k = 0; k < nphi; ++k)
       _reaches.push_back(_getRhoMaxFromJK(j, k));
@@ -174,7 +203,7 @@ const NbdVariableDouble &NgmVarioMap::getVarioSumVertical(int i, int j) const
 
 int NgmVarioMap::_getThetaClass(double a, double b) const
 {
-  return classOf(a, b, _ntheta, _boundsTheta);
+  return classOf(a, b, _ntheta, _boundsTheta, _startsTheta);
 }
 
 int NgmVarioMap::_getPhiClass(const NbgVector3D &local) const
@@ -182,7 +211,7 @@ int NgmVarioMap::_getPhiClass(const NbgVector3D &local) const
   if (_nphi == 1)
     return 0;
   const double horizontal = std::sqrt(local.x() * local.x() + local.y() * local.y());
-  return classOf(horizontal, local.z(), _nphi, _boundsPhi);
+  return classOf(horizontal, local.z(), _nphi, _boundsPhi, _startsPhi);
 }
 
 // Radius of the ellipsoid in the direction of a cell.

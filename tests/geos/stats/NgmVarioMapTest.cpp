@@ -110,6 +110,26 @@ TEST(NgmVarioMap, ClassesAreCentredAndTheFirstHoldsBothEndsOfTheHalfTurn)
   EXPECT_EQ(classOf(-90.), 9);
 }
 
+TEST(NgmVarioMap, ClassesAreThoseOfTheAngleForAnyNumber)
+{
+  for (const int n : {1, 2, 3, 17, 18, 400, 1001}) {
+    const NgmVarioMap map(1, n, 1, NbgVector3D(10., 10., 10.), NbgRotation(), 1);
+    for (int i = 0; i < 3004; ++i) {
+      // The axes themselves first, as pairs of a grid lie on them.
+      const double turn = i < 4 ? 0.25 * i : uniform(7, i);
+      const double axes[][2] = {{1., 0.}, {0., 1.}, {-1., 0.}, {0., -1.}};
+      const double x = i < 4 ? axes[i][0] : std::cos(2. * M_PI * turn);
+      const double y = i < 4 ? axes[i][1] : std::sin(2. * M_PI * turn);
+      const double place = 2. * n * turn + 0.5;
+      if (std::abs(place - std::round(place)) < 1e-9)
+        continue;  // on the bound of two classes
+      const qint64 cell = map.locate(NbgVector3D(x, y));
+      EXPECT_EQ(map.getGrid().getGeometry().getCellIJKFromRank(cell).y(), int(place) % n)
+          << n << " classes, (" << x << ", " << y << ")";
+    }
+  }
+}
+
 TEST(NgmVarioMap, NormalizedCellsAreHalfTheMeanAndUndefinedWithoutPairs)
 {
   NgmVarioMap map(2, 4, 1, NbgVector3D(10., 10., 10.), NbgRotation(), 1);

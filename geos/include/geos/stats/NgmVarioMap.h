@@ -174,5 +174,7 @@ private:
   std::vector<double> _cosPhi;
   std::vector<double> _boundsTheta;
   std::vector<double> _boundsPhi;
+  std::vector<int> _startsTheta;
+  std::vector<int> _startsPhi;
   std::vector<double> _reaches;  // radii of the ellipsoid by classes of theta and phi
 };
